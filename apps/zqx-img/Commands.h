@@ -1,0 +1,19 @@
+// The commands of the program. Each adds itself to the command line and runs when it is the one chosen.
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace zqx::img::app {
+
+/// apply: adjusts a picture file.
+void addApplyCommand(CLI::App& program);
+/// params: writes the parameter document of the adjustments asked for.
+void addParamsCommand(CLI::App& program);
+/// lut: bakes the grading into a .cube lookup table.
+void addLutCommand(CLI::App& program);
+/// info: tells what a picture file holds.
+void addInfoCommand(CLI::App& program);
+
+} // namespace zqx::img::app

@@ -1,0 +1,95 @@
+// Reading through the standard library's streams, so that file names are UTF-8 on every system.
+#include "InputFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+
+#include "Error.h"
+
+namespace zqx::img::app {
+
+namespace fs = std::filesystem;
+
+fs::path toPath(const std::string& name) {
+    return {std::u8string(name.begin(), name.end())};
+}
+
+InputFile::InputFile(const std::string& name) : mName(name) {
+    std::error_code failure;
+    const fs::file_status status = fs::status(toPath(name), failure);
+    if (status.type() == fs::file_type::not_found) {
+        throw Error(name, "there is no such file, check the name");
+    }
+    if (failure) {
+        throw Error(name, "cannot be reached (" + failure.message() + ")");
+    }
+    if (fs::is_directory(status)) {
+        throw Error(name, "is a directory, name a file");
+    }
+    errno = 0;
+    if (mFile.open(toPath(name), std::ios::in | std::ios::binary) == nullptr) {
+        throw Error(name, "cannot be opened (" + std::generic_category().message(errno) + "), check its permissions");
+    }
+}
+
+std::string InputFile::readText(std::size_t limit) {
+    std::string text;
+    char block[65536];
+    for (std::streamsize count = 0; (count = mFile.sgetn(block, sizeof block)) > 0;) {
+        text.append(block, static_cast<std::size_t>(count));
+        if (text.size() > limit) {
+            throw Error(mName, "is too large for what is wanted here");
+        }
+    }
+    return text;
+}
+
+FREE_IMAGE_FORMAT InputFile::detectFormat() {
+    FreeImageIO callbacks = io();
+    FREE_IMAGE_FORMAT format = FreeImage_GetFileTypeFromHandle(&callbacks, this, 0);
+    if (format == FIF_UNKNOWN) {
+        format = FreeImage_GetFIFFromFilename(mName.c_str());
+    }
+    if (format == FIF_UNKNOWN || !FreeImage_FIFSupportsReading(format)) {
+        throw Error(mName, "is not a picture in a known format");
+    }
+    return format;
+}
+
+FIBITMAP* InputFile::decode(FREE_IMAGE_FORMAT format, int flags) {
+    mFile.pubseekpos(0, std::ios::in);
+    mReadAtEnd = mReadShort = false;
+    FreeImageIO callbacks = io();
+    return FreeImage_LoadFromHandle(format, &callbacks, this, flags);
+}
+
+unsigned InputFile::read(void* buffer, unsigned size, unsigned count, fi_handle handle) {
+    InputFile& file = *static_cast<InputFile*>(handle);
+    const std::streamsize wanted = static_cast<std::streamsize>(size) * count;
+    if (wanted == 0) {
+        return 0;
+    }
+    const std::streamsize got = std::max<std::streamsize>(0, file.mFile.sgetn(static_cast<char*>(buffer), wanted));
+    file.mReadAtEnd |= got == 0;
+    file.mReadShort |= got < wanted;
+    // Some decoders do not look at what a read returns: let them find zeros, which end any name, and not chance bytes.
+    std::fill_n(static_cast<char*>(buffer) + got, wanted - got, '\0');
+    return static_cast<unsigned>(got / size);
+}
+
+int InputFile::seek(fi_handle handle, long offset, int origin) {
+    const auto from = origin == SEEK_SET ? std::ios::beg : origin == SEEK_CUR ? std::ios::cur : std::ios::end;
+    return static_cast<InputFile*>(handle)->mFile.pubseekoff(offset, from, std::ios::in) < 0 ? -1 : 0;
+}
+
+long InputFile::tell(fi_handle handle) {
+    return static_cast<long>(static_cast<InputFile*>(handle)->mFile.pubseekoff(0, std::ios::cur, std::ios::in));
+}
+
+FreeImageIO InputFile::io() {
+    return {read, nullptr, seek, tell};
+}
+
+} // namespace zqx::img::app

@@ -1,0 +1,50 @@
+// A file opened for reading: whole as text, or as the stream that FreeImage decodes from.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include <FreeImage.h>
+
+namespace zqx::img::app {
+
+/// The path of a UTF-8 file name, on every system.
+std::filesystem::path toPath(const std::string& name);
+
+/// Opens a file and remembers whether a reader ran past its end, which is how a cut-off picture shows.
+class InputFile {
+public:
+    /// @throws Error naming the file when it is missing, a directory, or cannot be read
+    explicit InputFile(const std::string& name);
+
+    const std::string& name() const { return mName; }
+
+    /// The whole content. @throws Error when there is more than the limit
+    std::string readText(std::size_t limit);
+
+    /// The picture format by content, or else by the extension. @throws Error when neither is known
+    FREE_IMAGE_FORMAT detectFormat();
+
+    /// Decodes the file with FreeImage; empty when FreeImage refuses.
+    FIBITMAP* decode(FREE_IMAGE_FORMAT format, int flags);
+
+    /// True when the last decode asked for bytes at the end of the file, where there were none.
+    bool wasReadAtEnd() const { return mReadAtEnd; }
+    /// True when the last decode asked for more bytes than were left.
+    bool wasReadShort() const { return mReadShort; }
+
+private:
+    static unsigned DLL_CALLCONV read(void* buffer, unsigned size, unsigned count, fi_handle handle);
+    static int DLL_CALLCONV seek(fi_handle handle, long offset, int origin);
+    static long DLL_CALLCONV tell(fi_handle handle);
+    static FreeImageIO io();
+
+    std::string mName;
+    std::filebuf mFile;
+    bool mReadAtEnd = false;
+    bool mReadShort = false;
+};
+
+} // namespace zqx::img::app

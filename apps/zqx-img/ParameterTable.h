@@ -1,0 +1,58 @@
+// The adjustments that a user can name on the command line: one table for reading, checking and explaining them.
+#pragma once
+
+#include <array>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <zqx/img/ImageProcessingPipeline.h>
+
+namespace CLI {
+class App;
+}
+
+namespace zqx::img::app {
+
+/// One adjustment. Its neutral value is whatever a new pipeline answers, so it is not repeated here.
+struct Parameter {
+    enum class Kind { NUMBER, COLOR, SWITCH };
+    using Value = std::array<float, 3>; ///< a colour's r, g, b; the other kinds use the first element
+
+    std::string_view name;
+    Kind kind;
+    float minimum; ///< of a number
+    float maximum;
+    std::string_view unit;
+    std::string_view meaning;
+    void (*set)(ImageProcessingPipeline&, const Value&);
+    Value (*get)(const ImageProcessingPipeline&);
+};
+
+/// All adjustments in the order in which they are explained.
+std::span<const Parameter> parameters();
+
+/// A parameter's present value in the spelling that --set reads.
+std::string formatValue(const Parameter& parameter, const ImageProcessingPipeline& pipeline);
+
+/// A float in the fewest digits that read back as the same float, whatever the locale.
+std::string formatNumber(float value);
+
+/// The table of adjustments as help text.
+std::string describeParameters();
+
+/// The adjustments asked for on a command line.
+struct ParameterOptions {
+    std::string document;              ///< file of --params, or empty
+    std::vector<std::string> settings; ///< name=value of --set, in order
+
+    /// Adds --params and --set to a command.
+    void addTo(CLI::App& command);
+
+    /// A pipeline with these adjustments and no stage active.
+    /// @throws UsageError for a setting that cannot be meant, Error for a document that cannot be read
+    ImageProcessingPipeline makePipeline() const;
+};
+
+} // namespace zqx::img::app

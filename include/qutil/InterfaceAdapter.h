@@ -1,0 +1,119 @@
+// What every component has in common: reference counting, interface lookup and its class name.
+#pragma once
+
+#include <cstdint>
+#include <typeinfo>
+
+#include <qutil/MethodGuard.h>
+#include <rhm/Atomic.h>
+#include <tov/IObjectFactory.h>
+#include <tov/IUnknown.h>
+#include <tov/Runtime.h>
+
+namespace zqx {
+
+namespace detail {
+
+inline constexpr const char* ADAPTER_SOURCE = "include/qutil/InterfaceAdapter";
+
+/// A component without further interfaces.
+struct NoInterfaceProvider {};
+
+} // namespace detail
+
+/// Implements the common slots of a component over the interface that it implements.
+///
+/// The reference count is 0 when the object is made; queryInterface takes the first reference, and the release that
+/// brings the count back to 0 destroys the object. Copying copies the count along with the rest.
+///
+/// Thread-safety: references may be taken and dropped on any thread.
+/// @tparam Interface the interface's adapter class; names its identifier `IID`
+template <typename Interface, typename Provider = detail::NoInterfaceProvider, typename Primary = Interface>
+class TovInterfaceAdapter : public Interface {
+public:
+    /// Answers for tov::IUnknown and the component's own interface with a new reference.
+    /// @return tov::INVALID_ARGUMENT for a null out-pointer, tov::NO_INTERFACE for other identifiers
+    tov::Result queryInterface(const char* iid, tov::IUnknown** pIfc) override {
+        if (pIfc == nullptr) {
+            return detail::nullArgument(ZQX_METHOD_SITE(detail::ADAPTER_SOURCE), "pIfc");
+        }
+        *pIfc = nullptr;
+        if (tov::tovCompareIID(iid, tov::IUnknown::IID) != 0 && tov::tovCompareIID(iid, Primary::IID) != 0) {
+            return tov::NO_INTERFACE;
+        }
+        *pIfc = this;
+        this->addRef();
+        return tov::SUCCESS;
+    }
+
+    /// @return the new count
+    std::uint32_t addRef() override { return rhm::rhmAtomicIncrement(&mRefCount); }
+
+    /// Destroys the object with its last reference. @return the new count
+    std::uint32_t release() override {
+        const std::uint32_t count = rhm::rhmAtomicDecrement(&mRefCount);
+        if (count == 0) {
+            delete this;
+        }
+        return count;
+    }
+
+    /// The identifier of the component's own interface; a constant.
+    const char* getInterfaceName() override { return Primary::IID; }
+
+    /// Drops a reference without ever destroying the object. @return the new count
+    std::uint32_t releaseNoDelete() { return rhm::rhmAtomicDecrement(&mRefCount); }
+
+    /// Hands out a copy of the run-time class name as the compiler spells it. The caller frees it with tov::tovFree.
+    tov::Result getClassName(char** pName) {
+        if (pName == nullptr) {
+            return detail::nullArgument(ZQX_METHOD_SITE(detail::ADAPTER_SOURCE), "pName");
+        }
+        *pName = tov::tovStrDup(typeid(*this).name());
+        return tov::SUCCESS;
+    }
+
+    virtual ~TovInterfaceAdapter() = default;
+
+protected:
+    TovInterfaceAdapter() = default;
+    TovInterfaceAdapter(const TovInterfaceAdapter&) = default;
+    TovInterfaceAdapter& operator=(const TovInterfaceAdapter&) = default;
+
+private:
+    std::uint32_t mRefCount = 0;
+};
+
+/// A factory of one component class.
+/// @tparam Product the class; makes itself with a static `create()` that returns a new object with a count of 0
+template <typename Product>
+class TovObjectFactory : public TovInterfaceAdapter<tov::IObjectFactory_Adapter> {
+public:
+    /// Makes a component and hands out its first reference.
+    /// @param outer must be null: aggregation is not supported
+    /// A new object that refuses the interface is left as it is: it has no reference that could be released.
+    tov::Result createInstance(tov::IUnknown* outer, const char* iid, void** pOut) override {
+        const detail::MethodSite site = ZQX_METHOD_SITE(detail::ADAPTER_SOURCE);
+        if (pOut == nullptr) {
+            return detail::nullArgument(site, "pOut");
+        }
+        *pOut = nullptr;
+        if (outer != nullptr) {
+            return tov::NO_AGGREGATION;
+        }
+        return detail::guarded(site, [&] {
+            tov::IUnknown* component = nullptr;
+            const tov::Result result = createObject()->queryInterface(iid, &component);
+            *pOut = component;
+            return result;
+        });
+    }
+
+    /// Accepted without effect.
+    tov::Result lockServer(int /*lock*/) override { return tov::SUCCESS; }
+
+    /// A new object with a reference count of 0.
+    virtual Product* createObject() { return Product::create(); }
+};
+
+} // namespace zqx

@@ -1,0 +1,12 @@
+// Symbol visibility of the library: everything is hidden except what carries ZQX_IMG_API.
+#pragma once
+
+#if defined(_WIN32)
+#if defined(ZQX_IMG_BUILDING)
+#define ZQX_IMG_API __declspec(dllexport)
+#else
+#define ZQX_IMG_API __declspec(dllimport)
+#endif
+#else
+#define ZQX_IMG_API __attribute__((visibility("default")))
+#endif

@@ -1,0 +1,12 @@
+// Symbol visibility of the platform library: everything is hidden except what carries ZQX_PLATFORM_API.
+#pragma once
+
+#if defined(_WIN32)
+#if defined(ZQX_PLATFORM_BUILDING)
+#define ZQX_PLATFORM_API __declspec(dllexport)
+#else
+#define ZQX_PLATFORM_API __declspec(dllimport)
+#endif
+#else
+#define ZQX_PLATFORM_API __attribute__((visibility("default")))
+#endif

@@ -1,0 +1,23 @@
+// The interface that components write bytes to.
+#pragma once
+
+#include <tov/IUnknown.h>
+#include <tov/Sequence.h>
+
+namespace tov {
+
+class IOutputStream : public IUnknown {
+public:
+    static constexpr const char* IID = "IDL:tov/IOutputStream:1.0";
+
+    /// Appends bytes, all or (a failure) an unknown part of them; they are the caller's again afterwards.
+    virtual Result write(const Sequence<unsigned char>& bytes) = 0;
+
+protected:
+    IOutputStream() = default;
+    IOutputStream(const IOutputStream&) = default;
+    IOutputStream& operator=(const IOutputStream&) = default;
+    ~IOutputStream() = default;
+};
+
+} // namespace tov

@@ -1,0 +1,42 @@
+// The one place where work is spread over threads: rows of an image, in a static schedule.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#if defined(__SANITIZE_THREAD__)
+#include <algorithm>
+#include <thread>
+#include <vector>
+#endif
+
+namespace zqx::img::kernels {
+
+/// Calls body(row) for every row in [0, count), in parallel, and returns when all are done.
+/// The body must not throw: an exception cannot leave a parallel loop. Allocate before.
+template <typename Body>
+void forEachRow(std::size_t count, const Body& body) {
+#if defined(__SANITIZE_THREAD__)
+    // The thread sanitizer does not see how libgomp synchronises; it does see threads.
+    const std::size_t workers = std::min<std::size_t>(count, 3);
+    std::vector<std::thread> team;
+    for (std::size_t worker = 0; worker < workers; ++worker) {
+        team.emplace_back([=, &body] {
+            for (std::size_t row = worker * count / workers; row < (worker + 1) * count / workers; ++row) {
+                body(row);
+            }
+        });
+    }
+    for (std::thread& thread : team) {
+        thread.join();
+    }
+#else
+    const auto rows = static_cast<std::int64_t>(count); // OpenMP 2.0 wants a signed index
+#pragma omp parallel for schedule(static)
+    for (std::int64_t row = 0; row < rows; ++row) {
+        body(static_cast<std::size_t>(row));
+    }
+#endif
+}
+
+} // namespace zqx::img::kernels
