@@ -144,4 +144,15 @@ void multiplyByAlpha(const Image& image) {
     }
 }
 
+void copyColor(const Image& src, const Image& target) {
+    if (src.getDataPtr() == nullptr || target.getDataPtr() == nullptr) {
+        return;
+    }
+    forEachRow(src.getHeight(), [&](std::size_t y) {
+        for (std::size_t x = 0; x < src.getWidth(); ++x) {
+            std::memcpy(target.getPixelPtr(x, y), src.getPixelPtr(x, y), 3 * sizeof(float));
+        }
+    });
+}
+
 } // namespace zqx::img::kernels
