@@ -1,5 +1,6 @@
-// Loads files by path and by stream, each in a process of its own with little memory and time, and says what became of
-// it: one line "OUTCOME WAY FILE" each. Damaged files may bring the picture library down; they must not reach further.
+// LoadFile SECONDS FILE...: loads files by path and by stream, each in a process of its own with little memory and
+// time, and says what became of it: one line "OUTCOME WAY FILE" each. Damaged files may bring the picture library down;
+// they must not reach further.
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -22,8 +23,7 @@ namespace {
 namespace test = zqx::img::test;
 
 constexpr rlim_t MEMORY_LIMIT = rlim_t{512} << 20U;
-constexpr suseconds_t CPU_MICROSECONDS = 500'000; // a thousand times what a small picture takes
-constexpr unsigned WALL_SECONDS = 20;             // for machines that are busy with other things
+constexpr int WALL_FACTOR = 20; // for machines that are busy with other things
 
 /// What a child process ends with. Numbers that no runtime uses by itself.
 enum Ending : int { LOADED = 40, REFUSED = 41, FAULTED = 42, INCONSISTENT = 43 };
@@ -36,17 +36,17 @@ std::uint64_t addressSpace() {
     return pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
 }
 
-void limitResources() {
+void limitResources(int cpuSeconds) {
     // Sanitizers reserve terabytes of addresses for themselves; they have limits of their own.
     if (addressSpace() < MEMORY_LIMIT) {
         const rlimit memory = {MEMORY_LIMIT, MEMORY_LIMIT};
         setrlimit(RLIMIT_AS, &memory);
     }
-    const itimerval time = {{0, 0}, {0, CPU_MICROSECONDS}};
+    const itimerval time = {{0, 0}, {cpuSeconds, 0}};
     setitimer(ITIMER_PROF, &time, nullptr);
     const rlimit noDump = {0, 0};
     setrlimit(RLIMIT_CORE, &noDump);
-    alarm(WALL_SECONDS);
+    alarm(static_cast<unsigned>(cpuSeconds * WALL_FACTOR));
 }
 
 tov::Result loadIt(test::IFreeImage& component, const char* file, Way way) {
@@ -95,13 +95,13 @@ std::string describe(int status) {
     }
 }
 
-std::string outcomeOf(const char* file, Way way) {
+std::string outcomeOf(const char* file, Way way, int cpuSeconds) {
     const pid_t child = fork();
     if (child < 0) {
         return "not-tried";
     }
     if (child == 0) {
-        limitResources();
+        limitResources(cpuSeconds);
         _exit(tryLoading(file, way));
     }
     int status = 0;
@@ -115,9 +115,10 @@ int main(int argc, char** argv) {
     try {
         qutil::Log::setSink([](const qutil::LogRecord&) {});
         test::makeComponent(); // so that children find the module loaded
-        for (int i = 1; i < argc; ++i) {
-            std::printf("%s path %s\n", outcomeOf(argv[i], Way::PATH).c_str(), argv[i]);
-            std::printf("%s stream %s\n", outcomeOf(argv[i], Way::STREAM).c_str(), argv[i]);
+        const int cpuSeconds = argc > 1 ? std::stoi(argv[1]) : 0;
+        for (int i = 2; i < argc; ++i) {
+            std::printf("%s path %s\n", outcomeOf(argv[i], Way::PATH, cpuSeconds).c_str(), argv[i]);
+            std::printf("%s stream %s\n", outcomeOf(argv[i], Way::STREAM, cpuSeconds).c_str(), argv[i]);
             std::fflush(stdout); // a child would write out what is pending once more
         }
         return 0;
