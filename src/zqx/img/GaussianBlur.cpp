@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "kernels/Blur.h"
-#include "kernels/WorkingImage.h"
+#include "kernels/FilterWork.h"
 
 namespace zqx::img {
 
@@ -79,15 +79,7 @@ bool GaussianBlur::execute() {
     if (!kernels::haveSameSize(mSrcImage, mOutImage)) {
         return false;
     }
-    const std::shared_ptr<Image> working = kernels::beginWork(mSrcImage, mOutImage);
-    if (!working) {
-        return false;
-    }
-    const Image temporary(working->getWidth(), working->getHeight(), working->getFormat(), 1);
-    const std::vector<float> taps = computeKernel(static_cast<double>(mSigma));
-    kernels::convolveRows(*working, temporary, taps);
-    kernels::convolveColumns(temporary, *working, taps);
-    kernels::endWork(*working, mOutImage);
+    kernels::convolve(mSrcImage, mOutImage, computeKernel(static_cast<double>(mSigma)));
     return false; // on every path: callers judge by the output
 }
 

@@ -11,9 +11,9 @@
 #include <zqx/img/Sharpen.h>
 
 #include "kernels/Convert.h"
+#include "kernels/FilterWork.h"
 #include "kernels/Limit.h"
 #include "kernels/PixelFormat.h"
-#include "kernels/WorkingImage.h"
 
 #define ZQX_PIPELINE_SITE ZQX_METHOD_SITE("src/zqx/img/ImageProcessingPipeline")
 

@@ -2,9 +2,9 @@
 
 #include <zqx/img/GaussianBlur.h>
 
+#include "kernels/FilterWork.h"
 #include "kernels/Limit.h"
-#include "kernels/Luminance.h"
-#include "kernels/WorkingImage.h"
+#include "kernels/UnsharpMask.h"
 
 namespace zqx::img {
 
@@ -20,21 +20,9 @@ bool Sharpen::execute() {
     if (!kernels::haveSameSize(mSrcImage, mOutImage)) {
         return false;
     }
-    const std::shared_ptr<Image> working = kernels::beginWork(mSrcImage, mOutImage);
-    if (!working) {
-        return false;
-    }
-    Image luminance(working->getWidth(), working->getHeight(), Image::GRAY32F, 1);
-    kernels::bringInto(*working, luminance);
-
-    GaussianBlur blur;
-    blur.setSrcImage(luminance);
-    blur.setOutput(luminance);
-    blur.setSigma(mRadius); // the radius is the standard deviation
-    blur.execute();
-
-    kernels::applyLuminanceGain(*working, luminance, mStrength, mThreshold);
-    kernels::endWork(*working, mOutImage);
+    // The radius is the standard deviation of the blur.
+    const std::vector<float> taps = GaussianBlur::computeKernel(static_cast<double>(mRadius));
+    kernels::sharpenLuminance(mSrcImage, mOutImage, taps, {mStrength, mThreshold});
     return false; // on every path: callers judge by the output
 }
 

@@ -1,4 +1,4 @@
-// The two passes of a separable convolution over linear float images, borders replicated.
+// Separable convolution of images, borders replicated.
 #pragma once
 
 #include <vector>
@@ -7,13 +7,10 @@
 
 namespace zqx::img::kernels {
 
-/// Convolves every row of the source into the target with an odd number of taps centred on the pixel.
-/// Both images have the same float format, width and height, and packed pixels.
-/// Per channel and pixel the products are added one by one, first tap first.
+/// Convolves the source along its rows and then along its columns into the output of the same size, in linear floats
+/// (see FilterWork), with an odd number of taps centred on the pixel. Per channel and pixel the products are added one
+/// by one, first tap first. The output may be the source.
 /// @throws std::bad_alloc before anything is written
-void convolveRows(const Image& source, const Image& target, const std::vector<float>& taps);
-
-/// The same along columns. Source and target must not overlap.
-void convolveColumns(const Image& source, const Image& target, const std::vector<float>& taps);
+void convolve(const Image& source, const Image& output, const std::vector<float>& taps);
 
 } // namespace zqx::img::kernels

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "Codec.h"
+#include "Element.h"
 #include "Rows.h"
 
 namespace zqx::img::kernels {
@@ -43,8 +43,7 @@ void forEachPixel(const Image& image, const PixelOperation& operation) {
 
 void invertFloat(const Image& image, std::size_t index) {
     forEachPixel(image, [=](std::uint8_t* pixel) {
-        encodeElement<Encoding::FLOAT>(1.0F - decodeElement<Encoding::FLOAT, Reading::AS_STORED>(pixel, index), pixel,
-                                       index);
+        encodeElement<Encoding::FLOAT>(1.0F - decodeElement<Encoding::FLOAT>(pixel, index), pixel, index);
     });
 }
 
@@ -96,7 +95,7 @@ template <Encoding E>
 void multiplyBytes(std::uint8_t* pixel) {
     const float alpha = UNIT_DECODE[pixel[3]];
     for (std::size_t i = 0; i < 3; ++i) {
-        encodeElement<E>(decodeElement<E, Reading::LINEAR_LIGHT>(pixel, i) * alpha, pixel, i);
+        encodeElement<E>(decodeElement<E>(pixel, i) * alpha, pixel, i);
     }
 }
 

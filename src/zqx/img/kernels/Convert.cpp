@@ -1,56 +1,52 @@
-// Row kernels of the 11 x 11 format pairs: decode a run, take grey from colour where needed, encode the run.
+// Conversion row by row: read runs as the target's channels, encode them.
 #include "Convert.h"
 
-#include <cmath>
-
 #include "Codec.h"
-#include "ColorScience.h"
-#include "PairTable.h"
 #include "Rows.h"
 
 namespace zqx::img::kernels {
 
 namespace {
 
-/// Linear grey of linear colour, in place of the red plane.
-void greyOfLinearColor(Run& run, std::size_t length) {
-    for (std::size_t i = 0; i < length; ++i) {
-        run.r[i] = luma(run.r[i], run.g[i], run.b[i]);
-    }
+bool hasSameOrder(const PixelFormat& a, const PixelFormat& b) {
+    return a.red == b.red && a.green == b.green && a.blue == b.blue && a.alpha == b.alpha;
 }
 
-/// Linear grey of encoded colour: luma is taken of the stored values, and its power is decoded as a whole.
-void greyOfEncodedColor(Run& run, std::size_t length) {
-    for (std::size_t i = 0; i < length; ++i) {
-        const float encoded =
-            ENCODED_LUMA_RED * run.r[i] + ENCODED_LUMA_GREEN * run.g[i] + ENCODED_LUMA_BLUE * run.b[i];
-        run.r[i] = std::pow(encoded, 2.2F);
-    }
+/// Elements that are converted alike, so that a row of pixels may be taken for a longer row of single channels.
+bool isUniform(const PixelFormat& format) {
+    return !format.hasAlpha() || alphaEncoding(format.encoding) == format.encoding;
 }
 
-template <Format S, Format T>
-struct Conversion {
-    static void row(const std::uint8_t* source, std::size_t sourceStride, std::uint8_t* target,
-                    std::size_t targetStride, std::size_t width) {
-        constexpr PixelFormat SOURCE = pixelFormat(S);
-        constexpr PixelFormat TARGET = pixelFormat(T);
-        constexpr bool TAKES_GREY = TARGET.isGrey() && !SOURCE.isGrey();
-        constexpr bool FROM_ENCODED = SOURCE.encoding == Encoding::GAMMA_BYTE;
-        constexpr Reading READING = TAKES_GREY && FROM_ENCODED ? Reading::AS_STORED : Reading::LINEAR_LIGHT;
-
-        Run run;
-        const Planes planes = SOURCE.isGrey() ? Planes{run.r, run.r, run.r, run.a} : Planes{run.r, run.g, run.b, run.a};
-        forEachRun(width, [&](std::size_t first, std::size_t length) {
-            decodeRun<S, READING, TARGET.hasAlpha()>(source + first * sourceStride, sourceStride, length, run);
-            if constexpr (TAKES_GREY && FROM_ENCODED) {
-                greyOfEncodedColor(run, length);
-            } else if constexpr (TAKES_GREY) {
-                greyOfLinearColor(run, length);
-            }
-            encodeRun<T>(planes, length, target + first * targetStride, targetStride);
-        });
+Format singleChannel(Encoding encoding) {
+    switch (encoding) {
+    case Encoding::LINEAR_BYTE: return Image::GRAY8;
+    case Encoding::GAMMA_BYTE: return Image::SGRAY8;
+    case Encoding::FLOAT: break;
     }
+    return Image::GRAY32F;
+}
+
+/// A row as it is converted: pixels, or single elements of packed pixels whose channels need no rearranging.
+struct Row {
+    Format source;
+    Format target;
+    std::size_t sourceStride;
+    std::size_t targetStride;
+    std::size_t width;
 };
+
+Row rowOf(const Image& source, const Image& target) {
+    const PixelFormat& from = pixelFormat(source.getFormat());
+    const PixelFormat& to = pixelFormat(target.getFormat());
+    const bool isPacked =
+        source.getBytePixelStride() == from.byteSize() && target.getBytePixelStride() == to.byteSize();
+    if (isPacked && hasSameOrder(from, to) && isUniform(from) && isUniform(to)) {
+        return {singleChannel(from.encoding), singleChannel(to.encoding), from.elementSize(), to.elementSize(),
+                source.getWidth() * from.elementCount()};
+    }
+    return {source.getFormat(), target.getFormat(), source.getBytePixelStride(), target.getBytePixelStride(),
+            source.getWidth()};
+}
 
 } // namespace
 
@@ -58,10 +54,17 @@ void convertPixels(const Image& source, const Image& target) {
     if (!isKnown(source.getFormat()) || !isKnown(target.getFormat())) {
         return;
     }
-    const auto convertRow = pairKernel<Conversion>(source.getFormat(), target.getFormat());
+    const Row row = rowOf(source, target);
+    const RunReader reader(row.source, row.target);
+    const EncodeRun encode = encoderOf(row.target);
     forEachRow(source.getHeight(), [&](std::size_t y) {
-        convertRow(static_cast<const std::uint8_t*>(source.getRowPtr(y)), source.getBytePixelStride(),
-                   static_cast<std::uint8_t*>(target.getRowPtr(y)), target.getBytePixelStride(), source.getWidth());
+        const auto* from = static_cast<const std::uint8_t*>(source.getRowPtr(y));
+        auto* to = static_cast<std::uint8_t*>(target.getRowPtr(y));
+        Run run;
+        forEachRun(row.width, [&](std::size_t first, std::size_t length) {
+            const Planes planes = reader.read(from + first * row.sourceStride, row.sourceStride, length, run);
+            encode(planes, length, to + first * row.targetStride, row.targetStride);
+        });
     });
 }
 

@@ -109,31 +109,18 @@ inline constexpr std::array<float, 257> GAMMA_ENCODE_THRESHOLD = {
 };
 // clang-format on
 
-namespace detail {
-
 /// Positive floats order like their bits, so the upper 16 bits (exponent and 7 mantissa bits) name buckets narrow
 /// enough that none holds two thresholds: one guess per bucket and one compare give the exact code.
-inline constexpr unsigned GAMMA_BUCKET_SHIFT = 16;
+inline constexpr int GAMMA_BUCKET_SHIFT = 16;
 inline constexpr std::uint32_t GAMMA_FIRST_BUCKET =
     std::bit_cast<std::uint32_t>(GAMMA_ENCODE_THRESHOLD[1]) >> GAMMA_BUCKET_SHIFT;
 inline constexpr std::uint32_t GAMMA_LAST_BUCKET = std::bit_cast<std::uint32_t>(1.0F) >> GAMMA_BUCKET_SHIFT;
 inline constexpr std::size_t GAMMA_BUCKET_COUNT = GAMMA_LAST_BUCKET - GAMMA_FIRST_BUCKET + 1;
 
-/// For each bucket, the code of its smallest float.
-constexpr std::array<std::uint8_t, GAMMA_BUCKET_COUNT> gammaBucketCodes() {
-    std::array<std::uint8_t, GAMMA_BUCKET_COUNT> codes{};
-    std::size_t code = 0;
-    for (std::size_t i = 0; i < GAMMA_BUCKET_COUNT; ++i) {
-        const auto bits = static_cast<std::uint32_t>(GAMMA_FIRST_BUCKET + i) << GAMMA_BUCKET_SHIFT;
-        while (std::bit_cast<float>(bits) >= GAMMA_ENCODE_THRESHOLD[code + 1]) {
-            ++code;
-        }
-        codes[i] = static_cast<std::uint8_t>(code);
-    }
-    return codes;
-}
+/// Bits of a bucket's entry below the code: they hold the place within the bucket where the next code begins.
+inline constexpr int GAMMA_BUCKET_CODE_SHIFT = GAMMA_BUCKET_SHIFT + 1;
 
-inline constexpr auto GAMMA_BUCKET_CODE = gammaBucketCodes();
+namespace detail {
 
 constexpr bool gammaBucketsHoldOneThresholdEach() {
     for (std::size_t code = 1; code < 255; ++code) {
@@ -146,7 +133,26 @@ constexpr bool gammaBucketsHoldOneThresholdEach() {
 }
 static_assert(gammaBucketsHoldOneThresholdEach());
 
+constexpr std::array<std::int32_t, GAMMA_BUCKET_COUNT> gammaBuckets() {
+    std::array<std::int32_t, GAMMA_BUCKET_COUNT> buckets{};
+    std::size_t code = 0;
+    for (std::size_t i = 0; i < GAMMA_BUCKET_COUNT; ++i) {
+        const auto first = static_cast<std::uint32_t>(GAMMA_FIRST_BUCKET + i) << GAMMA_BUCKET_SHIFT;
+        while (std::bit_cast<float>(first) >= GAMMA_ENCODE_THRESHOLD[code + 1]) {
+            ++code;
+        }
+        const std::uint32_t end = 1U << GAMMA_BUCKET_SHIFT;
+        const std::uint32_t next = std::bit_cast<std::uint32_t>(GAMMA_ENCODE_THRESHOLD[code + 1]) - first;
+        buckets[i] = static_cast<std::int32_t>(code << GAMMA_BUCKET_CODE_SHIFT | (next < end ? next : end));
+    }
+    return buckets;
+}
+
 } // namespace detail
+
+/// For each bucket the code of its smallest float, shifted, and the place where the next code begins: the bucket's
+/// size where that is further on.
+inline constexpr auto GAMMA_BUCKETS = detail::gammaBuckets();
 
 /// Encodes linear light: trunc(255 * v^0.45454544) of v limited to [0, 1], for every float; NaN gives 0.
 constexpr std::uint8_t encodeGamma(float v) {
@@ -156,10 +162,11 @@ constexpr std::uint8_t encodeGamma(float v) {
     if (v >= 1.0F) {
         return 255;
     }
-    const std::size_t bucket =
-        (std::bit_cast<std::uint32_t>(v) >> detail::GAMMA_BUCKET_SHIFT) - detail::GAMMA_FIRST_BUCKET;
-    const unsigned guess = detail::GAMMA_BUCKET_CODE[bucket];
-    return static_cast<std::uint8_t>(guess + (v >= GAMMA_ENCODE_THRESHOLD[guess + 1] ? 1U : 0U));
+    const auto bits = std::bit_cast<std::uint32_t>(v);
+    const std::int32_t entry = GAMMA_BUCKETS[(bits >> GAMMA_BUCKET_SHIFT) - GAMMA_FIRST_BUCKET];
+    const auto within = static_cast<std::int32_t>(bits & ((1U << GAMMA_BUCKET_SHIFT) - 1));
+    const std::int32_t next = entry & ((1 << GAMMA_BUCKET_CODE_SHIFT) - 1);
+    return static_cast<std::uint8_t>((entry >> GAMMA_BUCKET_CODE_SHIFT) + (within >= next ? 1 : 0));
 }
 
 /// Writes a linear value into a linear byte: trunc(255 * v) of v limited to [0, 1], for every float; NaN gives 0.

@@ -1,147 +1,277 @@
-// One function per grading step, each over whole planes of a run; then the kernels of the format pairs and the tables.
+// One function per grading step, each over planes of a run; then its application to images and lookup tables.
 // The order of single-precision operations in here is part of the result: do not regroup.
 #include "Grade.h"
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <utility>
 #include <vector>
 
 #include "Codec.h"
 #include "ColorScience.h"
-#include "PairTable.h"
+#include "GammaTables.h"
 #include "Rows.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "kernels/Grade.cpp"
+#include <hwy/foreach_target.h> // before highway.h
+#include <hwy/highway.h>
+
+#include "Maths-inl.h"
+#include "Simd.h"
+
+#ifndef ZQX_IMG_GRADE_SETTINGS_
+#define ZQX_IMG_GRADE_SETTINGS_
 namespace zqx::img::kernels {
 
 namespace {
 
-/// Applies a function to each of the three colour planes.
-template <typename Function>
-void forEachChannel(Run& run, std::size_t length, const Function& function) {
-    for (float* plane : {run.r, run.g, run.b}) {
-        for (std::size_t i = 0; i < length; ++i) {
-            plane[i] = function(plane[i]);
-        }
-    }
-}
+/// The prepared parameters with what a kernel would otherwise compute for every pixel.
+struct Settings {
+    explicit Settings(const ColorGradingParamsInternal& prepared)
+        : params(prepared), hueCosine(static_cast<float>(std::cos(radians(prepared.hue)))),
+          hueSine(static_cast<float>(std::sin(radians(prepared.hue)))) {}
+
+    static double radians(float degrees) { return static_cast<double>(degrees) * (3.14159265358979323846 / 180.0); }
+
+    const ColorGradingParamsInternal& params;
+    float hueCosine;
+    float hueSine;
+};
+
+/// What is compiled for an instruction set. Planes are aligned to 64 bytes and padded to whole vectors.
+struct Steps {
+    /// The steps that treat each channel by itself.
+    void (*gradeChannel)(float* plane, std::size_t length, const Settings& settings);
+    /// The steps that mix channels, which follow.
+    void (*gradeColor)(Run& run, std::size_t length, const Settings& settings);
+    /// Decodes encoded values: v^2.2.
+    void (*decodePower)(float* plane, std::size_t length);
+};
+
+} // namespace
+
+} // namespace zqx::img::kernels
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace zqx::img::kernels::HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using F32 = hn::ScalableTag<float>;
+using F64 = hn::ScalableTag<double>;
+using HalfF32 = hn::Rebind<float, F64>; // as many floats as a vector holds doubles
 
 /// Keeps the logarithm of black finite; the spacing of floats at 1.
 constexpr float CONTRAST_OFFSET = 1.1920929e-7F;
 /// The curve may be nearly vertical: without a limit highlights would overflow.
 constexpr float CONTRAST_LIMIT = 1000.0F;
 
-/// A power curve through (0.5, 0.5), evaluated as 0.5 * (2c)^exponent in the logarithmic domain.
-float contrastCurve(float c, float exponent) {
-    const float stops = std::log2(c + CONTRAST_OFFSET);
-    const double curved = std::exp2((static_cast<double>(stops) + 1.0) * static_cast<double>(exponent) - 1.0);
-    const float value = static_cast<float>(curved) - CONTRAST_OFFSET;
-    return value > CONTRAST_LIMIT ? CONTRAST_LIMIT : value < 0.0F ? 0.0F : value;
+void expose(float* plane, std::size_t length, float factor) {
+    const F32 d;
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        hn::Store(hn::Mul(hn::Load(d, plane + i), hn::Set(d, factor)), d, plane + i);
+    }
 }
 
-void adjustHighlights(Run& run, std::size_t length, float highlight) {
-    forEachChannel(run, length, [=](float c) { return c > 0.66F ? c + (c - 0.66F) * highlight : c; });
+/// A power curve through (0.5, 0.5), evaluated as 0.5 * (2c)^exponent in the logarithmic domain. The logarithm is
+/// rounded to single precision in between.
+void applyContrast(float* plane, std::size_t length, float exponent) {
+    const F64 d;
+    const HalfF32 df;
+    const auto offset = hn::Set(df, CONTRAST_OFFSET);
+    const auto limit = hn::Set(df, CONTRAST_LIMIT);
+    const auto one = hn::Set(d, 1.0);
+    const auto k = hn::Set(d, static_cast<double>(exponent));
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const auto stops = hn::DemoteTo(df, log2(d, hn::Add(hn::Load(df, plane + i), offset)));
+        const auto curved = exp2(d, hn::Sub(hn::Mul(hn::Add(hn::PromoteTo(d, stops), one), k), one));
+        const auto value = hn::Sub(hn::DemoteTo(df, curved), offset);
+        const auto notNegative = hn::IfThenElse(hn::Lt(value, hn::Zero(df)), hn::Zero(df), value);
+        hn::Store(hn::IfThenElse(hn::Gt(value, limit), limit, notNegative), df, plane + i);
+    }
 }
 
-void adjustShadows(Run& run, std::size_t length, float shadow) {
-    forEachChannel(run, length, [=](float c) {
-        const float lifted = c + (0.33F - c) * shadow;
-        const float limited = lifted < 0.0F ? 0.0F : lifted; // NaN passes
-        return c < 0.33F ? limited : c;
-    });
+HWY_INLINE hn::Vec<F32> adjustHighlight(hn::Vec<F32> c, float highlight) {
+    const F32 d;
+    const auto knee = hn::Set(d, 0.66F);
+    const auto stretched = hn::Add(c, hn::Mul(hn::Sub(c, knee), hn::Set(d, highlight)));
+    return hn::IfThenElse(hn::Gt(c, knee), stretched, c);
+}
+
+HWY_INLINE hn::Vec<F32> adjustShadow(hn::Vec<F32> c, float shadow) {
+    const F32 d;
+    const auto knee = hn::Set(d, 0.33F);
+    const auto lifted = hn::Add(c, hn::Mul(hn::Sub(knee, c), hn::Set(d, shadow)));
+    const auto limited = hn::IfThenElse(hn::Lt(lifted, hn::Zero(d)), hn::Zero(d), lifted); // NaN passes
+    return hn::IfThenElse(hn::Lt(c, knee), limited, c);
+}
+
+void adjustTones(float* plane, std::size_t length, float highlight, float shadow) {
+    const F32 d;
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const auto c = adjustHighlight(hn::Load(d, plane + i), highlight);
+        // At 0 the limit must not cut negative values.
+        hn::Store(shadow != 0.0F ? adjustShadow(c, shadow) : c, d, plane + i);
+    }
+}
+
+template <class D>
+struct Triple {
+    hn::Vec<D> x;
+    hn::Vec<D> y;
+    hn::Vec<D> z;
+};
+
+template <class D>
+HWY_INLINE hn::Vec<D> dot(D d, const float* row, const Triple<D>& v) {
+    const auto sum = hn::Add(hn::Mul(hn::Set(d, row[0]), v.x), hn::Mul(hn::Set(d, row[1]), v.y));
+    return hn::Add(sum, hn::Mul(hn::Set(d, row[2]), v.z));
+}
+
+template <class D>
+HWY_INLINE Triple<D> transform(D d, const Matrix3& matrix, const Triple<D>& v) {
+    return {dot(d, matrix.data(), v), dot(d, matrix.data() + 3, v), dot(d, matrix.data() + 6, v)};
+}
+
+template <class D>
+HWY_INLINE Triple<D> loadColor(D d, const Run& run, std::size_t i) {
+    return {hn::Load(d, run.r + i), hn::Load(d, run.g + i), hn::Load(d, run.b + i)};
+}
+
+template <class D>
+HWY_INLINE void storeColor(D d, const Triple<D>& color, Run& run, std::size_t i) {
+    hn::Store(color.x, d, run.r + i);
+    hn::Store(color.y, d, run.g + i);
+    hn::Store(color.z, d, run.b + i);
 }
 
 void applyMatrix(Run& run, std::size_t length, const Matrix3& matrix) {
-    for (std::size_t i = 0; i < length; ++i) {
-        const Vector3 rgb = multiply(matrix, Vector3{run.r[i], run.g[i], run.b[i]});
-        run.r[i] = rgb[0];
-        run.g[i] = rgb[1];
-        run.b[i] = rgb[2];
+    const F32 d;
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        storeColor(d, transform(d, matrix, loadColor(d, run, i)), run, i);
     }
 }
-
-constexpr float DEGREES_PER_RADIAN = 57.29578F;
-constexpr float RADIANS_PER_DEGREE = 0.017453292F;
 
 /// Lightness and the chroma plane of CIE 1976 L*u*v*.
-struct Luv {
-    float lightness;
-    float u;
-    float v;
-};
-
-Luv xyzToLuv(const Vector3& xyz) {
-    const double x = xyz[0];
-    const double y = xyz[1];
-    const double z = xyz[2];
-    const double d = x + 15.0 * y + 3.0 * z;
-    const double lightness = y > CIE_EPSILON ? 116.0 * std::cbrt(y) - 16.0 : CIE_KAPPA * y;
-    return {static_cast<float>(lightness), static_cast<float>(13.0 * lightness * (4.0 * x / d - WHITE_U)),
-            static_cast<float>(13.0 * lightness * (9.0 * y / d - WHITE_V))};
+HWY_INLINE Triple<HalfF32> xyzToLuv(const Triple<HalfF32>& xyz) {
+    const F64 d;
+    const HalfF32 df;
+    const auto x = hn::PromoteTo(d, xyz.x);
+    const auto y = hn::PromoteTo(d, xyz.y);
+    const auto z = hn::PromoteTo(d, xyz.z);
+    const auto scale =
+        hn::Div(hn::Set(d, 1.0), hn::Add(hn::Add(x, hn::Mul(hn::Set(d, 15.0), y)), hn::Mul(hn::Set(d, 3.0), z)));
+    const auto root = hn::Sub(hn::Mul(hn::Set(d, 116.0), cubeRoot(d, y)), hn::Set(d, 16.0));
+    const auto line = hn::Mul(hn::Set(d, CIE_KAPPA), y);
+    const auto lightness = hn::IfThenElse(hn::Gt(y, hn::Set(d, CIE_EPSILON)), root, line);
+    const auto factor = hn::Mul(hn::Set(d, 13.0), lightness);
+    const auto u = hn::Sub(hn::Mul(hn::Mul(hn::Set(d, 4.0), x), scale), hn::Set(d, WHITE_U));
+    const auto v = hn::Sub(hn::Mul(hn::Mul(hn::Set(d, 9.0), y), scale), hn::Set(d, WHITE_V));
+    return {hn::DemoteTo(df, lightness), hn::DemoteTo(df, hn::Mul(factor, u)), hn::DemoteTo(df, hn::Mul(factor, v))};
 }
 
-Vector3 luvToXyz(const Luv& luv) {
-    const double lightness = luv.lightness;
-    const double root = (lightness + 16.0) / 116.0;
-    const double y = lightness > 8.0 ? root * root * root : lightness / CIE_KAPPA;
-    const double a = (52.0 * lightness / (luv.u + 13.0 * lightness * WHITE_U) - 1.0) / 3.0;
-    const double b = -5.0 * y;
-    const double d = y * (39.0 * lightness / (luv.v + 13.0 * lightness * WHITE_V) - 5.0);
-    const double x = (d - b) / (a + 1.0 / 3.0);
-    return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(x * a + b)};
+/// The inverse, with the intermediate terms of the usual formulas (B. Lindbloom, Luv to XYZ) multiplied out: one
+/// division. A colour that has u' = 0 is left without a value by those formulas, and so it is here.
+HWY_INLINE Triple<HalfF32> luvToXyz(const Triple<HalfF32>& luv) {
+    const F64 d;
+    const HalfF32 df;
+    const auto lightness = hn::PromoteTo(d, luv.x);
+    const auto root = hn::Mul(hn::Add(lightness, hn::Set(d, 16.0)), hn::Set(d, 1.0 / 116.0));
+    const auto cube = hn::Mul(hn::Mul(root, root), root);
+    const auto line = hn::Mul(lightness, hn::Set(d, 1.0 / CIE_KAPPA));
+    const auto y = hn::IfThenElse(hn::Gt(lightness, hn::Set(d, 8.0)), cube, line);
+
+    const auto factor = hn::Mul(hn::Set(d, 13.0), lightness);
+    const auto u = hn::Add(hn::PromoteTo(d, luv.y), hn::Mul(factor, hn::Set(d, WHITE_U)));
+    const auto v = hn::Add(hn::PromoteTo(d, luv.z), hn::Mul(factor, hn::Set(d, WHITE_V)));
+    const auto perV = hn::Div(hn::Set(d, 1.0), v);
+    const auto x = hn::Mul(hn::Mul(hn::Mul(hn::Set(d, 2.25), y), u), perV);
+    const auto rest = hn::Mul(hn::Sub(hn::Mul(hn::Set(d, 52.0), lightness), u), perV);
+    const auto z = hn::Mul(y, hn::Sub(hn::Mul(hn::Set(d, 0.75), rest), hn::Set(d, 5.0)));
+    const auto nothing = hn::Set(d, std::numeric_limits<double>::quiet_NaN());
+    return {hn::DemoteTo(df, x), hn::DemoteTo(df, y),
+            hn::DemoteTo(df, hn::IfThenElse(hn::Eq(u, hn::Zero(d)), nothing, z))};
 }
 
-/// Turns the hue angle of CIE LCh(uv), keeping lightness and chroma. Black has no hue: its 0/0 is left to stand.
-void turnHue(Run& run, std::size_t length, float degrees) {
-    for (std::size_t i = 0; i < length; ++i) {
-        Luv luv = xyzToLuv(multiply(RGB_TO_XYZ, Vector3{run.r[i], run.g[i], run.b[i]}));
-        const float chroma = std::sqrt(luv.u * luv.u + luv.v * luv.v);
-        float angle = std::atan2(luv.v, luv.u) * DEGREES_PER_RADIAN;
-        if (angle < 0.0F) {
-            angle += 360.0F;
-        }
-        const float turned = (angle + degrees) * RADIANS_PER_DEGREE;
-        luv.u = chroma * std::cos(turned);
-        luv.v = chroma * std::sin(turned);
-        const Vector3 rgb = multiply(XYZ_TO_RGB, luvToXyz(luv));
-        run.r[i] = rgb[0];
-        run.g[i] = rgb[1];
-        run.b[i] = rgb[2];
+/// Turns the hue angle of CIE LCh(uv), keeping lightness and chroma: a rotation of the chroma plane. Black has no hue:
+/// its 0/0 is left to stand. Chroma beyond the range of floats leaves no colour, as it would in polar coordinates.
+void turnHue(Run& run, std::size_t length, float cosine, float sine) {
+    const HalfF32 d;
+    const auto c = hn::Set(d, cosine);
+    const auto s = hn::Set(d, sine);
+    const auto infinity = hn::Set(d, std::numeric_limits<float>::infinity());
+    const auto nothing = hn::Set(d, std::numeric_limits<float>::quiet_NaN());
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const auto luv = xyzToLuv(transform(d, RGB_TO_XYZ, loadColor(d, run, i)));
+        const auto u = hn::Sub(hn::Mul(luv.y, c), hn::Mul(luv.z, s));
+        const auto v = hn::Add(hn::Mul(luv.y, s), hn::Mul(luv.z, c));
+        const auto squaredChroma = hn::Add(hn::Mul(luv.y, luv.y), hn::Mul(luv.z, luv.z));
+        const auto isBoundless = hn::Eq(squaredChroma, infinity);
+        const auto xyz = luvToXyz({luv.x, hn::IfThenElse(isBoundless, nothing, u), v});
+        storeColor(d, transform(d, XYZ_TO_RGB, xyz), run, i);
     }
+}
+
+HWY_INLINE hn::Vec<F32> lumaOf(const Triple<F32>& color) {
+    constexpr float WEIGHTS[] = {LUMA_RED, LUMA_GREEN, LUMA_BLUE};
+    return dot(F32(), WEIGHTS, color);
+}
+
+/// from + (to - from) * weight
+HWY_INLINE hn::Vec<F32> mix(hn::Vec<F32> from, hn::Vec<F32> to, hn::Vec<F32> weight) {
+    return hn::Add(from, hn::Mul(hn::Sub(to, from), weight));
 }
 
 void saturate(Run& run, std::size_t length, float saturation) {
-    for (std::size_t i = 0; i < length; ++i) {
-        const float y = luma(run.r[i], run.g[i], run.b[i]);
-        run.r[i] = y + (run.r[i] - y) * saturation;
-        run.g[i] = y + (run.g[i] - y) * saturation;
-        run.b[i] = y + (run.b[i] - y) * saturation;
+    const F32 d;
+    const auto factor = hn::Set(d, saturation);
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const Triple<F32> color = loadColor(d, run, i);
+        const auto y = lumaOf(color);
+        storeColor(d, {mix(y, color.x, factor), mix(y, color.y, factor), mix(y, color.z, factor)}, run, i);
     }
 }
 
-void mapGradient(Run& run, std::size_t length, const Color* table, float weight) {
-    for (std::size_t i = 0; i < length; ++i) {
-        const Color& entry = table[encodeUnit(luma(run.r[i], run.g[i], run.b[i]))];
-        run.r[i] += (entry.r - run.r[i]) * weight;
-        run.g[i] += (entry.g - run.g[i]) * weight;
-        run.b[i] += (entry.b - run.b[i]) * weight;
+void mapGradient(Run& run, std::size_t length, const Color* table, float intensity) {
+    const F32 d;
+    const hn::RebindToSigned<F32> di;
+    const auto weight = hn::Set(d, intensity);
+    const auto one = hn::Set(d, 1.0F);
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const Triple<F32> color = loadColor(d, run, i);
+        const auto y = lumaOf(color);
+        const auto limited = hn::IfThenElse(hn::Lt(y, one), y, one);
+        const auto code = hn::IfThenElseZero(hn::Gt(y, hn::Zero(d)), hn::Mul(hn::Set(d, 255.0F), limited));
+        const auto entry = hn::ShiftLeft<2>(hn::ConvertTo(di, code)); // colours are four floats
+        storeColor(d,
+                   {mix(color.x, hn::GatherIndex(d, &table->r, entry), weight),
+                    mix(color.y, hn::GatherIndex(d, &table->g, entry), weight),
+                    mix(color.z, hn::GatherIndex(d, &table->b, entry), weight)},
+                   run, i);
     }
 }
 
-/// The whole operation, on linear light in the colour planes. Neutral steps are skipped by exact comparison.
-void gradeRun(Run& run, std::size_t length, const ColorGradingParamsInternal& params) {
-    forEachChannel(run, length, [factor = params.exposureFactor](float c) { return c * factor; });
+void gradeChannel(float* plane, std::size_t length, const Settings& settings) {
+    const ColorGradingParamsInternal& params = settings.params;
+    expose(plane, length, params.exposureFactor);
     if (params.contrastExponent != 1.0F) {
-        forEachChannel(run, length, [k = params.contrastExponent](float c) { return contrastCurve(c, k); });
+        applyContrast(plane, length, params.contrastExponent);
     }
-    adjustHighlights(run, length, params.highlight);
-    if (params.shadow != 0.0F) { // at 0 the limit must not cut negative values
-        adjustShadows(run, length, params.shadow);
-    }
+    adjustTones(plane, length, params.highlight, params.shadow);
+}
+
+/// Neutral steps are skipped by exact comparison.
+void gradeColor(Run& run, std::size_t length, const Settings& settings) {
+    const ColorGradingParamsInternal& params = settings.params;
     if (params.whiteBalance) {
         applyMatrix(run, length, *params.whiteBalance);
     }
     if (params.hue != 0.0F) {
-        turnHue(run, length, params.hue);
+        turnHue(run, length, settings.hueCosine, settings.hueSine);
     }
     saturate(run, length, params.saturation);
     if (params.gradientMapIntensity != 0.0F) {
@@ -149,29 +279,93 @@ void gradeRun(Run& run, std::size_t length, const ColorGradingParamsInternal& pa
     }
 }
 
-template <Format S, Format T>
-struct Grading {
-    static void row(const std::uint8_t* source, std::size_t sourceStride, std::uint8_t* destination,
-                    std::size_t destinationStride, std::size_t width, const ColorGradingParamsInternal& params) {
-        Run run;
-        const Planes planes{run.r, run.g, run.b, run.a};
-        forEachRun(width, [&](std::size_t first, std::size_t length) {
-            decodeRun<S, Reading::LINEAR_LIGHT, pixelFormat(T).hasAlpha()>(source + first * sourceStride, sourceStride,
-                                                                           length, run);
-            if constexpr (pixelFormat(S).isGrey()) {
-                std::copy_n(run.r, length, run.g);
-                std::copy_n(run.r, length, run.b);
-            }
-            gradeRun(run, length, params);
-            encodeRun<T>(planes, length, destination + first * destinationStride, destinationStride);
-        });
+void decodePower(float* plane, std::size_t length) {
+    const F64 d;
+    const HalfF32 df;
+    const auto gamma = hn::Set(d, static_cast<double>(2.2F));
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        hn::Store(hn::DemoteTo(df, exp2(d, hn::Mul(gamma, log2(d, hn::Load(df, plane + i))))), df, plane + i);
     }
+}
+
+} // namespace
+
+Steps steps() {
+    return {&gradeChannel, &gradeColor, &decodePower};
+}
+
+} // namespace zqx::img::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zqx::img::kernels {
+
+namespace {
+
+HWY_EXPORT(steps);
+
+Steps chosenSteps() {
+    return HWY_DYNAMIC_DISPATCH(steps)();
+}
+
+/// Reads runs of pixels with the steps done that treat each channel by itself: of bytes, they are done once per code.
+class GradedReader {
+public:
+    GradedReader(Format format, const Settings& settings)
+        : mSettings(settings), mGradeChannel(chosenSteps().gradeChannel), mDecode(decoderOf(format)),
+          mTable(linearLightTable(format)), mFormat(pixelFormat(format)) {
+        if (!mFormat.isFloat()) {
+            mGradeChannel(mTable.data(), mTable.size(), settings);
+        }
+    }
+
+    /// Fills r, g and b for grey formats too. Alpha is left as it is where there is none.
+    void read(const std::uint8_t* pixels, std::size_t stride, std::size_t length, Run& run) const {
+        mDecode(pixels, stride, length, mTable, run);
+        if (mFormat.isFloat()) {
+            gradePlanes(length, run);
+        }
+        if (mFormat.isGrey()) {
+            std::copy_n(run.r, length, run.g);
+            std::copy_n(run.r, length, run.b);
+        }
+    }
+
+private:
+    void gradePlanes(std::size_t length, Run& run) const {
+        mGradeChannel(run.r, length, mSettings);
+        if (!mFormat.isGrey()) {
+            mGradeChannel(run.g, length, mSettings);
+            mGradeChannel(run.b, length, mSettings);
+        }
+    }
+
+    const Settings& mSettings;
+    decltype(Steps::gradeChannel) mGradeChannel;
+    DecodeRun mDecode;
+    alignas(64) ByteTable mTable;
+    const PixelFormat& mFormat;
 };
 
+/// Calls kernel(plane, length) with all of the values in turn, at addresses that kernels can work on.
+template <typename Kernel>
+void forEachPlane(std::vector<float>& values, const Kernel& kernel) {
+    alignas(64) float plane[RUN_LENGTH] = {};
+    forEachRun(values.size(), [&](std::size_t first, std::size_t length) {
+        std::copy_n(values.data() + first, length, plane);
+        kernel(plane, length);
+        std::copy_n(plane, length, values.data() + first);
+    });
+}
+
 /// Grades a lattice of size^3 colours whose coordinates along each axis are `levels`, and hands over run by run.
-template <Format T, typename Element>
-void bakeTable(const std::vector<float>& levels, Element* table, const ColorGradingParamsInternal& params) {
+template <typename Element>
+void bakeTable(Format format, std::vector<float> levels, Element* table, const Settings& settings) {
     const std::size_t size = levels.size();
+    const EncodeRun encode = encoderOf(format);
+    const auto grade = chosenSteps().gradeColor;
+    const auto gradeLevels = chosenSteps().gradeChannel;
+    forEachPlane(levels, [&](float* plane, std::size_t length) { gradeLevels(plane, length, settings); });
     forEachRow(size, [&](std::size_t blue) {
         Run run;
         for (std::size_t green = 0; green < size; ++green) {
@@ -180,9 +374,9 @@ void bakeTable(const std::vector<float>& levels, Element* table, const ColorGrad
                 std::copy_n(levels.data() + first, length, run.r);
                 std::fill_n(run.g, length, levels[green]);
                 std::fill_n(run.b, length, levels[blue]);
-                gradeRun(run, length, params);
-                encodeRun<T>({run.r, run.g, run.b, run.a}, length, reinterpret_cast<std::uint8_t*>(row + first * 3),
-                             3 * sizeof(Element));
+                grade(run, length, settings);
+                encode({run.r, run.g, run.b, run.a}, length, reinterpret_cast<std::uint8_t*>(row + first * 3),
+                       3 * sizeof(Element));
             });
         }
     });
@@ -204,24 +398,33 @@ void gradePixels(const Image& source, const Image& destination, const ColorGradi
     if (!isKnown(source.getFormat()) || !isKnown(destination.getFormat())) {
         return;
     }
-    const auto gradeRow = pairKernel<Grading>(source.getFormat(), destination.getFormat());
+    const Settings settings(params);
+    const GradedReader reader(source.getFormat(), settings);
+    const EncodeRun encode = encoderOf(destination.getFormat());
+    const auto grade = chosenSteps().gradeColor;
     forEachRow(source.getHeight(), [&](std::size_t y) {
-        gradeRow(static_cast<const std::uint8_t*>(source.getRowPtr(y)), source.getBytePixelStride(),
-                 static_cast<std::uint8_t*>(destination.getRowPtr(y)), destination.getBytePixelStride(),
-                 source.getWidth(), params);
+        const auto* from = static_cast<const std::uint8_t*>(source.getRowPtr(y));
+        auto* to = static_cast<std::uint8_t*>(destination.getRowPtr(y));
+        Run run;
+        std::fill_n(run.a, RUN_LENGTH, 1.0F); // for sources without alpha
+        forEachRun(source.getWidth(), [&](std::size_t first, std::size_t length) {
+            reader.read(from + first * source.getBytePixelStride(), source.getBytePixelStride(), length, run);
+            grade(run, length, settings);
+            encode({run.r, run.g, run.b, run.a}, length, to + first * destination.getBytePixelStride(),
+                   destination.getBytePixelStride());
+        });
     });
 }
 
 void bakeLinearTable(std::size_t size, float* table, const ColorGradingParamsInternal& params) {
-    bakeTable<Image::RGB32F>(latticeLevels(size), table, params);
+    bakeTable(Image::RGB32F, latticeLevels(size), table, Settings(params));
 }
 
 void bakeEncodedTable(std::size_t size, std::uint8_t* table, const ColorGradingParamsInternal& params) {
     std::vector<float> levels = latticeLevels(size);
-    for (float& level : levels) {
-        level = std::pow(level, 2.2F);
-    }
-    bakeTable<Image::SRGB8>(levels, table, params);
+    forEachPlane(levels, chosenSteps().decodePower);
+    bakeTable(Image::SRGB8, std::move(levels), table, Settings(params));
 }
 
 } // namespace zqx::img::kernels
+#endif

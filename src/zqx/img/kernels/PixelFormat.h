@@ -18,6 +18,11 @@ enum class Encoding {
     FLOAT,
 };
 
+/// Alpha bytes are linear whatever the colour's encoding.
+constexpr Encoding alphaEncoding(Encoding color) {
+    return color == Encoding::FLOAT ? Encoding::FLOAT : Encoding::LINEAR_BYTE;
+}
+
 /// Element indices within a pixel, or NONE.
 inline constexpr std::size_t NONE = ~std::size_t{0};
 
@@ -64,17 +69,6 @@ constexpr const PixelFormat& pixelFormat(Format known) {
 /// Bytes of one pixel, 0 for an unknown format.
 constexpr std::size_t pixelByteSize(Format format) {
     return isKnown(format) ? pixelFormat(format).byteSize() : 0;
-}
-
-/// The format without its alpha channel; formats without alpha are their own.
-constexpr Format withoutAlpha(Format known) {
-    switch (known) {
-    case Image::RGBA8: return Image::RGB8;
-    case Image::SRGBA8: return Image::SRGB8;
-    case Image::RGBA32F: return Image::RGB32F;
-    case Image::SBGRA8: return Image::SBGR8;
-    default: return known;
-    }
 }
 
 } // namespace zqx::img::kernels

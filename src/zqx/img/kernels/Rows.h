@@ -8,9 +8,20 @@
 #include <algorithm>
 #include <thread>
 #include <vector>
+#else
+#include <omp.h>
 #endif
 
 namespace zqx::img::kernels {
+
+/// Threads that a loop over many rows is spread over.
+inline std::size_t threadCount() {
+#if defined(__SANITIZE_THREAD__)
+    return 3;
+#else
+    return static_cast<std::size_t>(omp_get_max_threads());
+#endif
+}
 
 /// Calls body(row) for every row in [0, count), in parallel, and returns when all are done.
 /// The body must not throw: an exception cannot leave a parallel loop. Allocate before.
@@ -18,7 +29,7 @@ template <typename Body>
 void forEachRow(std::size_t count, const Body& body) {
 #if defined(__SANITIZE_THREAD__)
     // The thread sanitizer does not see how libgomp synchronises; it does see threads.
-    const std::size_t workers = std::min<std::size_t>(count, 3);
+    const std::size_t workers = std::min(count, threadCount());
     std::vector<std::thread> team;
     for (std::size_t worker = 0; worker < workers; ++worker) {
         team.emplace_back([=, &body] {

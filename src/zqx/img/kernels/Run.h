@@ -7,15 +7,24 @@
 
 namespace zqx::img::kernels {
 
-/// Pixels per run: four planes of this length take half of a 16 KiB cache share.
+/// Pixels per run. The benchmark "run length" shows a flat optimum around here: four planes take 8 KiB.
 inline constexpr std::size_t RUN_LENGTH = 512;
 
-/// Planes of linear values; grey formats use r alone.
+/// Planes of linear values; grey formats use r alone. Kernels work on whole vectors, so what follows the pixels up to
+/// the next multiple of MAX_VECTOR_BYTES elements is scratch.
 struct Run {
     alignas(64) float r[RUN_LENGTH];
     alignas(64) float g[RUN_LENGTH];
     alignas(64) float b[RUN_LENGTH];
     alignas(64) float a[RUN_LENGTH];
+};
+
+/// Planes to be read; several may be the same (grey that is written into colour).
+struct Planes {
+    const float* r;
+    const float* g;
+    const float* b;
+    const float* a;
 };
 
 /// Calls body(first, length) for consecutive runs that cover [0, width).

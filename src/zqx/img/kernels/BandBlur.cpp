@@ -1,0 +1,51 @@
+#include "BandBlur.h"
+
+#include "Simd.h"
+
+namespace zqx::img::kernels {
+
+namespace {
+
+/// Rings of several bands may together take this much, in floats: 60 MiB. Very wide pictures get fewer bands instead.
+constexpr std::size_t FLOAT_BUDGET = std::size_t{15} << 20U;
+
+std::size_t roundUp(std::size_t value, std::size_t multiple) {
+    return (value + multiple - 1) / multiple * multiple;
+}
+
+/// A band reads 2 * radius rows beyond its own, so it should have several times as many; its seams must not overlap.
+std::size_t bandCount(const BlurShape& shape, std::size_t floatsPerBand) {
+    const std::size_t byHeight = shape.height / (4 * shape.radius + 8);
+    const std::size_t byMemory = FLOAT_BUDGET / floatsPerBand;
+    return std::max<std::size_t>(1, std::min({threadCount(), byHeight, byMemory}));
+}
+
+} // namespace
+
+BlurBands::BlurBands(const BlurShape& shape)
+    : mShape(shape), mPlaneStride(roundUp(shape.width + WEIGHTED_SUM_EXCESS, WEIGHTED_SUM_EXCESS)),
+      mRingRows(std::min(2 * shape.radius + 1, shape.height)) {
+    const std::size_t seam = shape.isInPlace ? 2 * shape.radius : 0;
+    mFloatsPerBand = lineFloats() + (mRingRows + seam) * rowFloats() + WEIGHTED_SUM_EXCESS;
+    mCount = bandCount(shape, mFloatsPerBand);
+    mMemory.reset(new float[mCount * mFloatsPerBand]);
+}
+
+float* BlurBands::row(std::size_t band, std::size_t y) const {
+    const std::size_t below = seamOf(band, y);
+    if (below != 0) {
+        return line(below) + lineFloats() + (mRingRows + y - seamBegin(below)) * rowFloats();
+    }
+    return line(band) + lineFloats() + y % mRingRows * rowFloats();
+}
+
+std::size_t BlurBands::seamOf(std::size_t band, std::size_t y) const {
+    for (const std::size_t below : {band, band + 1}) {
+        if (below < mCount && seamRows(below) > 0 && y >= seamBegin(below) && y < seamBegin(below) + seamRows(below)) {
+            return below;
+        }
+    }
+    return 0;
+}
+
+} // namespace zqx::img::kernels

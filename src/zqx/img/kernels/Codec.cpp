@@ -1,0 +1,398 @@
+#include "Codec.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "ColorScience.h"
+#include "GammaTables.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "kernels/Codec.cpp"
+#include <hwy/foreach_target.h> // before highway.h
+#include <hwy/highway.h>
+
+#include "Maths-inl.h"
+#include "Simd.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zqx::img::kernels::HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using F32 = hn::ScalableTag<float>;
+using I32 = hn::RebindToSigned<F32>;
+using U8 = hn::ScalableTag<std::uint8_t>;
+using QuarterU8 = hn::Rebind<std::uint8_t, F32>; // as many bytes as a vector holds floats
+
+// Pixels are taken apart into planes of their elements and put together from them, then the elements of each plane are
+// converted. Elements are bytes or floats.
+
+template <std::size_t Count, class D, typename T>
+HWY_INLINE void splitVector(D d, const T* pixels, T* const* planes, std::size_t at) {
+    hn::Vec<D> v0;
+    hn::Vec<D> v1;
+    hn::Vec<D> v2;
+    hn::Vec<D> v3;
+    if constexpr (Count == 3) {
+        hn::LoadInterleaved3(d, pixels, v0, v1, v2);
+    } else {
+        hn::LoadInterleaved4(d, pixels, v0, v1, v2, v3);
+        hn::StoreU(v3, d, planes[3] + at);
+    }
+    hn::StoreU(v0, d, planes[0] + at);
+    hn::StoreU(v1, d, planes[1] + at);
+    hn::StoreU(v2, d, planes[2] + at);
+}
+
+template <std::size_t Count, class D, typename T>
+HWY_INLINE void joinVector(D d, const T* const* planes, std::size_t at, T* pixels) {
+    const auto v0 = hn::LoadU(d, planes[0] + at);
+    const auto v1 = hn::LoadU(d, planes[1] + at);
+    const auto v2 = hn::LoadU(d, planes[2] + at);
+    if constexpr (Count == 3) {
+        hn::StoreInterleaved3(v0, v1, v2, d, pixels);
+    } else {
+        hn::StoreInterleaved4(v0, v1, v2, hn::LoadU(d, planes[3] + at), d, pixels);
+    }
+}
+
+/// Packed pixels of `Count` elements into planes.
+template <std::size_t Count, typename T>
+void split(const std::uint8_t* packed, std::size_t length, T* const* planes) {
+    if constexpr (Count == 1) {
+        std::memcpy(planes[0], packed, length * sizeof(T));
+    } else {
+        const hn::ScalableTag<T> d;
+        const std::size_t lanes = hn::Lanes(d);
+        alignas(64) T rest[Count * MAX_VECTOR_BYTES / sizeof(T)];
+        std::size_t i = 0;
+        for (; i + lanes <= length; i += lanes) {
+            splitVector<Count>(d, reinterpret_cast<const T*>(packed) + i * Count, planes, i);
+        }
+        if (i < length) {
+            std::memset(rest, 0, sizeof rest);
+            std::memcpy(rest, packed + i * Count * sizeof(T), (length - i) * Count * sizeof(T));
+            splitVector<Count>(d, rest, planes, i);
+        }
+    }
+}
+
+/// Planes into packed pixels of `Count` elements.
+template <std::size_t Count, typename T>
+void join(const T* const* planes, std::size_t length, std::uint8_t* packed) {
+    if constexpr (Count == 1) {
+        std::memcpy(packed, planes[0], length * sizeof(T));
+    } else {
+        const hn::ScalableTag<T> d;
+        const std::size_t lanes = hn::Lanes(d);
+        alignas(64) T rest[Count * MAX_VECTOR_BYTES / sizeof(T)];
+        std::size_t i = 0;
+        for (; i + lanes <= length; i += lanes) {
+            joinVector<Count>(d, planes, i, reinterpret_cast<T*>(packed) + i * Count);
+        }
+        if (i < length) {
+            joinVector<Count>(d, planes, i, rest);
+            std::memcpy(packed + i * Count * sizeof(T), rest, (length - i) * Count * sizeof(T));
+        }
+    }
+}
+
+template <std::size_t Size>
+void pack(const std::uint8_t* pixels, std::size_t stride, std::size_t length, std::uint8_t* packed) {
+    for (std::size_t i = 0; i < length; ++i) {
+        std::memcpy(packed + i * Size, pixels + i * stride, Size);
+    }
+}
+
+template <std::size_t Size>
+void unpack(const std::uint8_t* packed, std::size_t length, std::uint8_t* pixels, std::size_t stride) {
+    for (std::size_t i = 0; i < length; ++i) {
+        std::memcpy(pixels + i * stride, packed + i * Size, Size);
+    }
+}
+
+/// Pixels of any stride into planes.
+template <std::size_t Count, typename T>
+void splitPixels(const std::uint8_t* pixels, std::size_t stride, std::size_t length, T* const* planes) {
+    constexpr std::size_t SIZE = Count * sizeof(T);
+    if (stride == SIZE) {
+        split<Count>(pixels, length, planes);
+    } else {
+        std::uint8_t packed[RUN_LENGTH * SIZE] = {};
+        pack<SIZE>(pixels, stride, length, packed);
+        split<Count>(packed, length, planes);
+    }
+}
+
+/// Planes into pixels of any stride.
+template <std::size_t Count, typename T>
+void joinPixels(const T* const* planes, std::size_t length, std::uint8_t* pixels, std::size_t stride) {
+    constexpr std::size_t SIZE = Count * sizeof(T);
+    if (stride == SIZE) {
+        join<Count>(planes, length, pixels);
+    } else {
+        std::uint8_t packed[RUN_LENGTH * SIZE];
+        join<Count>(planes, length, packed);
+        unpack<SIZE>(packed, length, pixels, stride);
+    }
+}
+
+void decodeBytes(const std::uint8_t* codes, std::size_t length, const ByteTable& table, float* values) {
+    const F32 d;
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const auto indices = hn::PromoteTo(I32(), hn::LoadU(QuarterU8(), codes + i));
+        hn::StoreU(hn::GatherIndex(d, table.data(), indices), d, values + i);
+    }
+}
+
+void decodeAlpha(const std::uint8_t* codes, std::size_t length, float* values) {
+    const F32 d;
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const auto number = hn::ConvertTo(d, hn::PromoteTo(I32(), hn::LoadU(QuarterU8(), codes + i)));
+        hn::StoreU(hn::Div(number, hn::Set(d, 255.0F)), d, values + i);
+    }
+}
+
+/// See encodeGamma: the same buckets, with the guess and what its one threshold leaves of the bucket in one word.
+HWY_INLINE hn::Vec<I32> gammaCodes(hn::Vec<F32> v) {
+    const F32 d;
+    const I32 di;
+    const auto least = hn::Set(d, GAMMA_ENCODE_THRESHOLD[1]);
+    const auto one = hn::Set(d, 1.0F);
+    const auto isSome = hn::Ge(v, least); // not so for NaN
+    const auto isFull = hn::Ge(v, one);
+    const auto bits = hn::BitCast(di, hn::IfThenElse(isSome, hn::IfThenElse(isFull, one, v), least));
+    const auto bucket =
+        hn::Sub(hn::ShiftRight<GAMMA_BUCKET_SHIFT>(bits), hn::Set(di, static_cast<std::int32_t>(GAMMA_FIRST_BUCKET)));
+    const auto entry = hn::GatherIndex(di, GAMMA_BUCKETS.data(), bucket);
+    const auto within = hn::And(bits, hn::Set(di, (1 << GAMMA_BUCKET_SHIFT) - 1));
+    const auto threshold = hn::And(entry, hn::Set(di, (1 << GAMMA_BUCKET_CODE_SHIFT) - 1));
+    // A true comparison is -1 in every bit.
+    const auto isNext = hn::VecFromMask(di, hn::Lt(within, threshold));
+    const auto code = hn::Add(hn::Add(hn::ShiftRight<GAMMA_BUCKET_CODE_SHIFT>(entry), hn::Set(di, 1)), isNext);
+    return hn::IfThenElseZero(hn::RebindMask(di, isSome), code);
+}
+
+/// See encodeUnit.
+HWY_INLINE hn::Vec<I32> unitCodes(hn::Vec<F32> v) {
+    const F32 d;
+    const auto one = hn::Set(d, 1.0F);
+    const auto limited = hn::IfThenElse(hn::Lt(v, one), v, one);
+    const auto isSome = hn::Gt(v, hn::Zero(d)); // not so for NaN
+    return hn::ConvertTo(I32(), hn::IfThenElseZero(isSome, hn::Mul(hn::Set(d, 255.0F), limited)));
+}
+
+void encodeGammaBytes(const float* values, std::size_t length, std::uint8_t* codes) {
+    const F32 d;
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        hn::StoreU(hn::DemoteTo(QuarterU8(), gammaCodes(hn::LoadU(d, values + i))), QuarterU8(), codes + i);
+    }
+}
+
+void encodeUnitBytes(const float* values, std::size_t length, std::uint8_t* codes) {
+    const F32 d;
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        hn::StoreU(hn::DemoteTo(QuarterU8(), unitCodes(hn::LoadU(d, values + i))), QuarterU8(), codes + i);
+    }
+}
+
+/// Planes of bytes between pixels and floats.
+struct ByteRun {
+    alignas(64) std::uint8_t plane[4][RUN_LENGTH];
+};
+
+template <Format F>
+void decode(const std::uint8_t* pixels, std::size_t stride, std::size_t length, const ByteTable& table, Run& run) {
+    constexpr PixelFormat FORMAT = pixelFormat(F);
+    constexpr std::size_t COUNT = FORMAT.elementCount();
+    // Channels in the order of the pixel's elements.
+    float* planes[4] = {run.r};
+    if constexpr (!FORMAT.isGrey()) {
+        planes[FORMAT.red] = run.r;
+        planes[FORMAT.green] = run.g;
+        planes[FORMAT.blue] = run.b;
+    }
+    if constexpr (FORMAT.hasAlpha()) {
+        planes[FORMAT.alpha] = run.a;
+    }
+    if constexpr (FORMAT.isFloat()) {
+        splitPixels<COUNT, float>(pixels, stride, length, planes);
+    } else {
+        ByteRun bytes;
+        std::uint8_t* const codes[4] = {bytes.plane[0], bytes.plane[1], bytes.plane[2], bytes.plane[3]};
+        splitPixels<COUNT, std::uint8_t>(pixels, stride, length, codes);
+        for (std::size_t i = 0; i < COUNT; ++i) {
+            if (i == FORMAT.alpha) {
+                decodeAlpha(codes[i], length, planes[i]);
+            } else {
+                decodeBytes(codes[i], length, table, planes[i]);
+            }
+        }
+    }
+}
+
+template <Format F>
+void encode(const Planes& channels, std::size_t length, std::uint8_t* pixels, std::size_t stride) {
+    constexpr PixelFormat FORMAT = pixelFormat(F);
+    constexpr std::size_t COUNT = FORMAT.elementCount();
+    const float* planes[4] = {channels.r};
+    if constexpr (!FORMAT.isGrey()) {
+        planes[FORMAT.red] = channels.r;
+        planes[FORMAT.green] = channels.g;
+        planes[FORMAT.blue] = channels.b;
+    }
+    if constexpr (FORMAT.hasAlpha()) {
+        planes[FORMAT.alpha] = channels.a;
+    }
+    if constexpr (FORMAT.isFloat()) {
+        joinPixels<COUNT, float>(planes, length, pixels, stride);
+    } else {
+        ByteRun bytes;
+        const std::uint8_t* const codes[4] = {bytes.plane[0], bytes.plane[1], bytes.plane[2], bytes.plane[3]};
+        for (std::size_t i = 0; i < COUNT; ++i) {
+            if (i == FORMAT.alpha || FORMAT.encoding == Encoding::LINEAR_BYTE) {
+                encodeUnitBytes(planes[i], length, bytes.plane[i]);
+            } else {
+                encodeGammaBytes(planes[i], length, bytes.plane[i]);
+            }
+        }
+        joinPixels<COUNT, std::uint8_t>(codes, length, pixels, stride);
+    }
+}
+
+/// Luma of linear light, in place of the red plane.
+void greyOfLinearColor(Run& run, std::size_t length) {
+    const F32 d;
+    const auto red = hn::Set(d, LUMA_RED);
+    const auto green = hn::Set(d, LUMA_GREEN);
+    const auto blue = hn::Set(d, LUMA_BLUE);
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const auto sum = hn::Add(hn::Mul(red, hn::Load(d, run.r + i)), hn::Mul(green, hn::Load(d, run.g + i)));
+        hn::Store(hn::Add(sum, hn::Mul(blue, hn::Load(d, run.b + i))), d, run.r + i);
+    }
+}
+
+/// Luma of stored values, decoded as a whole, in place of the red plane.
+void greyOfStoredColor(Run& run, std::size_t length) {
+    const hn::ScalableTag<double> d;
+    const hn::Rebind<float, decltype(d)> df;
+    const auto red = hn::Set(df, ENCODED_LUMA_RED);
+    const auto green = hn::Set(df, ENCODED_LUMA_GREEN);
+    const auto blue = hn::Set(df, ENCODED_LUMA_BLUE);
+    const auto gamma = hn::Set(d, static_cast<double>(2.2F)); // the single-precision exponent
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const auto sum = hn::Add(hn::Mul(red, hn::Load(df, run.r + i)), hn::Mul(green, hn::Load(df, run.g + i)));
+        const auto stored = hn::Add(sum, hn::Mul(blue, hn::Load(df, run.b + i)));
+        const auto power = hn::DemoteTo(df, exp2(d, hn::Mul(gamma, log2(d, stored))));
+        hn::Store(power, df, run.r + i);
+    }
+}
+
+template <std::size_t... F>
+constexpr std::array<DecodeRun, FORMAT_COUNT> decoders(std::index_sequence<F...>) {
+    return {&decode<static_cast<Format>(F)>...};
+}
+
+template <std::size_t... F>
+constexpr std::array<EncodeRun, FORMAT_COUNT> encoders(std::index_sequence<F...>) {
+    return {&encode<static_cast<Format>(F)>...};
+}
+
+} // namespace
+
+DecodeRun decoder(Format format) {
+    static constexpr auto TABLE = decoders(std::make_index_sequence<FORMAT_COUNT>());
+    return TABLE[static_cast<std::size_t>(format)];
+}
+
+EncodeRun encoder(Format format) {
+    static constexpr auto TABLE = encoders(std::make_index_sequence<FORMAT_COUNT>());
+    return TABLE[static_cast<std::size_t>(format)];
+}
+
+void greyOfLinear(Run& run, std::size_t length) {
+    greyOfLinearColor(run, length);
+}
+
+void greyOfStored(Run& run, std::size_t length) {
+    greyOfStoredColor(run, length);
+}
+
+} // namespace zqx::img::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zqx::img::kernels {
+
+namespace {
+
+HWY_EXPORT(decoder);
+HWY_EXPORT(encoder);
+HWY_EXPORT(greyOfLinear);
+HWY_EXPORT(greyOfStored);
+
+bool takesGrey(Format source, Format channels) {
+    return pixelFormat(channels).isGrey() && !pixelFormat(source).isGrey();
+}
+
+} // namespace
+
+const ByteTable& linearLightTable(Format format) {
+    return pixelFormat(format).encoding == Encoding::GAMMA_BYTE ? GAMMA_DECODE : UNIT_DECODE;
+}
+
+DecodeRun decoderOf(Format format) {
+    return HWY_DYNAMIC_DISPATCH(decoder)(format);
+}
+
+EncodeRun encoderOf(Format format) {
+    return HWY_DYNAMIC_DISPATCH(encoder)(format);
+}
+
+RunReader::RunReader(Format source, Format channels)
+    : mDecode(decoderOf(source)), mTable(&linearLightTable(source)), mGrey(Grey::AS_READ),
+      mIsGrey(pixelFormat(source).isGrey() || pixelFormat(channels).isGrey()),
+      mLacksAlpha(pixelFormat(channels).hasAlpha() && !pixelFormat(source).hasAlpha()) {
+    if (takesGrey(source, channels)) {
+        const bool isStored = pixelFormat(source).encoding == Encoding::GAMMA_BYTE;
+        mGrey = isStored ? Grey::OF_STORED : Grey::OF_LINEAR;
+        mTable = &UNIT_DECODE;
+    }
+}
+
+Planes RunReader::read(const std::uint8_t* pixels, std::size_t stride, std::size_t length, Run& run) const {
+    mDecode(pixels, stride, length, *mTable, run);
+    switch (mGrey) {
+    case Grey::AS_READ: break;
+    case Grey::OF_LINEAR: takeGrey(run, length); break;
+    case Grey::OF_STORED: HWY_DYNAMIC_DISPATCH(greyOfStored)(run, length); break;
+    }
+    if (mLacksAlpha) {
+        std::fill_n(run.a, length, 1.0F);
+    }
+    return mIsGrey ? Planes{run.r, run.r, run.r, run.a} : Planes{run.r, run.g, run.b, run.a};
+}
+
+RunWriter::RunWriter(Format channels, Format target)
+    : mEncode(encoderOf(target)), mTakesGrey(takesGrey(channels, target)), mIsGrey(pixelFormat(channels).isGrey()),
+      mLacksAlpha(pixelFormat(target).hasAlpha() && !pixelFormat(channels).hasAlpha()) {
+}
+
+void RunWriter::write(Run& run, std::size_t length, std::uint8_t* pixels, std::size_t stride) const {
+    if (mTakesGrey) {
+        takeGrey(run, length);
+    }
+    if (mLacksAlpha) {
+        std::fill_n(run.a, length, 1.0F);
+    }
+    mEncode(mIsGrey ? Planes{run.r, run.r, run.r, run.a} : Planes{run.r, run.g, run.b, run.a}, length, pixels, stride);
+}
+
+void takeGrey(Run& run, std::size_t length) {
+    HWY_DYNAMIC_DISPATCH(greyOfLinear)(run, length);
+}
+
+} // namespace zqx::img::kernels
+#endif

@@ -1,0 +1,85 @@
+#include "WeightedSum.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "kernels/WeightedSum.cpp"
+#include <hwy/foreach_target.h> // before highway.h
+#include <hwy/highway.h>
+
+#include "Simd.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zqx::img::kernels::HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using F32 = hn::ScalableTag<float>;
+
+/// Sums stay in registers while the rows are gone through; several of them hide the latency of an addition.
+HWY_INLINE void sumFourVectors(const float* const* rows, std::size_t offset, const float* weights, std::size_t count,
+                               std::size_t i, float* target) {
+    const F32 d;
+    const std::size_t lanes = hn::Lanes(d);
+    auto sum0 = hn::Zero(d);
+    auto sum1 = hn::Zero(d);
+    auto sum2 = hn::Zero(d);
+    auto sum3 = hn::Zero(d);
+    for (std::size_t k = 0; k < count; ++k) {
+        const float* row = rows[k] + offset + i;
+        const auto weight = hn::Set(d, weights[k]);
+        sum0 = hn::Add(sum0, hn::Mul(weight, hn::LoadU(d, row)));
+        sum1 = hn::Add(sum1, hn::Mul(weight, hn::LoadU(d, row + lanes)));
+        sum2 = hn::Add(sum2, hn::Mul(weight, hn::LoadU(d, row + 2 * lanes)));
+        sum3 = hn::Add(sum3, hn::Mul(weight, hn::LoadU(d, row + 3 * lanes)));
+    }
+    hn::StoreU(sum0, d, target + i);
+    hn::StoreU(sum1, d, target + i + lanes);
+    hn::StoreU(sum2, d, target + i + 2 * lanes);
+    hn::StoreU(sum3, d, target + i + 3 * lanes);
+}
+
+HWY_INLINE void sumVector(const float* const* rows, std::size_t offset, const float* weights, std::size_t count,
+                          std::size_t i, float* target) {
+    const F32 d;
+    auto sum = hn::Zero(d);
+    for (std::size_t k = 0; k < count; ++k) {
+        sum = hn::Add(sum, hn::Mul(hn::Set(d, weights[k]), hn::LoadU(d, rows[k] + offset + i)));
+    }
+    hn::StoreU(sum, d, target + i);
+}
+
+void sumRows(const float* const* rows, std::size_t offset, const float* weights, std::size_t count, std::size_t length,
+             float* target) {
+    const std::size_t lanes = hn::Lanes(F32());
+    static_assert(hn::MaxLanes(F32()) <= WEIGHTED_SUM_EXCESS);
+    std::size_t i = 0;
+    for (; i + 4 * lanes <= length; i += 4 * lanes) {
+        sumFourVectors(rows, offset, weights, count, i, target);
+    }
+    for (; i < length; i += lanes) {
+        sumVector(rows, offset, weights, count, i, target);
+    }
+}
+
+} // namespace
+
+WeightedSum sumRowsKernel() {
+    return &sumRows;
+}
+
+} // namespace zqx::img::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zqx::img::kernels {
+
+namespace {
+HWY_EXPORT(sumRowsKernel);
+}
+
+WeightedSum weightedSum() {
+    return HWY_DYNAMIC_DISPATCH(sumRowsKernel)();
+}
+
+} // namespace zqx::img::kernels
+#endif
