@@ -5,6 +5,7 @@
 #include <limits>
 #include <new>
 
+#include "LargePages.h"
 #include "kernels/Channels.h"
 #include "kernels/Convert.h"
 #include "kernels/PixelFormat.h"
@@ -49,8 +50,10 @@ Image::Image(std::size_t width, std::size_t height, Format format, int rowAlignm
     const std::size_t padding = excess == 0 ? 0 : alignment - excess;
     const std::size_t rowStride = checkedSum(pixelBytes, padding);
 
-    setView(::operator new(checkedProduct(rowStride, height)), width, height, format, pixelStride, rowStride);
+    const std::size_t size = checkedProduct(rowStride, height);
+    setView(::operator new(size), width, height, format, pixelStride, rowStride);
     mOwnsData = true;
+    adviseLargePages(mData, size);
     if (padding != 0) {
         kernels::forEachRow(height, [&](std::size_t y) {
             std::memset(static_cast<unsigned char*>(getRowPtr(y)) + pixelBytes, 0, padding);

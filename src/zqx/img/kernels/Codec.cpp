@@ -6,9 +6,11 @@
 
 #include "ColorScience.h"
 #include "GammaTables.h"
+#include "LookUp.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernels/Codec.cpp"
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h> // before highway.h
 #include <hwy/highway.h>
 
@@ -28,6 +30,9 @@ using QuarterU8 = hn::Rebind<std::uint8_t, F32>; // as many bytes as a vector ho
 
 // Pixels are taken apart into planes of their elements and put together from them, then the elements of each plane are
 // converted. Elements are bytes or floats.
+
+/// Wider vectors are slower at this: the elements have to cross more lanes.
+constexpr std::size_t MAX_INTERLEAVED_BYTES = 32;
 
 template <std::size_t Count, class D, typename T>
 HWY_INLINE void splitVector(D d, const T* pixels, T* const* planes, std::size_t at) {
@@ -58,15 +63,23 @@ HWY_INLINE void joinVector(D d, const T* const* planes, std::size_t at, T* pixel
     }
 }
 
+/// Asks for the bytes of the next run, which arrive while this one is worked on.
+HWY_INLINE void prefetchNext(const std::uint8_t* packed, std::size_t bytes) {
+    constexpr std::size_t CACHE_LINE = 64;
+    for (std::size_t i = 0; i < bytes; i += CACHE_LINE) {
+        hwy::Prefetch(packed + bytes + i);
+    }
+}
+
 /// Packed pixels of `Count` elements into planes.
 template <std::size_t Count, typename T>
 void split(const std::uint8_t* packed, std::size_t length, T* const* planes) {
     if constexpr (Count == 1) {
         std::memcpy(planes[0], packed, length * sizeof(T));
     } else {
-        const hn::ScalableTag<T> d;
+        const hn::CappedTag<T, MAX_INTERLEAVED_BYTES / sizeof(T)> d;
         const std::size_t lanes = hn::Lanes(d);
-        alignas(64) T rest[Count * MAX_VECTOR_BYTES / sizeof(T)];
+        alignas(64) T rest[Count * MAX_INTERLEAVED_BYTES / sizeof(T)];
         std::size_t i = 0;
         for (; i + lanes <= length; i += lanes) {
             splitVector<Count>(d, reinterpret_cast<const T*>(packed) + i * Count, planes, i);
@@ -85,9 +98,9 @@ void join(const T* const* planes, std::size_t length, std::uint8_t* packed) {
     if constexpr (Count == 1) {
         std::memcpy(packed, planes[0], length * sizeof(T));
     } else {
-        const hn::ScalableTag<T> d;
+        const hn::CappedTag<T, MAX_INTERLEAVED_BYTES / sizeof(T)> d;
         const std::size_t lanes = hn::Lanes(d);
-        alignas(64) T rest[Count * MAX_VECTOR_BYTES / sizeof(T)];
+        alignas(64) T rest[Count * MAX_INTERLEAVED_BYTES / sizeof(T)];
         std::size_t i = 0;
         for (; i + lanes <= length; i += lanes) {
             joinVector<Count>(d, planes, i, reinterpret_cast<T*>(packed) + i * Count);
@@ -118,6 +131,7 @@ template <std::size_t Count, typename T>
 void splitPixels(const std::uint8_t* pixels, std::size_t stride, std::size_t length, T* const* planes) {
     constexpr std::size_t SIZE = Count * sizeof(T);
     if (stride == SIZE) {
+        prefetchNext(pixels, length * SIZE);
         split<Count>(pixels, length, planes);
     } else {
         std::uint8_t packed[RUN_LENGTH * SIZE] = {};
@@ -139,14 +153,6 @@ void joinPixels(const T* const* planes, std::size_t length, std::uint8_t* pixels
     }
 }
 
-void decodeBytes(const std::uint8_t* codes, std::size_t length, const ByteTable& table, float* values) {
-    const F32 d;
-    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
-        const auto indices = hn::PromoteTo(I32(), hn::LoadU(QuarterU8(), codes + i));
-        hn::StoreU(hn::GatherIndex(d, table.data(), indices), d, values + i);
-    }
-}
-
 void decodeAlpha(const std::uint8_t* codes, std::size_t length, float* values) {
     const F32 d;
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
@@ -155,24 +161,34 @@ void decodeAlpha(const std::uint8_t* codes, std::size_t length, float* values) {
     }
 }
 
-/// See encodeGamma: the same buckets, with the guess and what its one threshold leaves of the bucket in one word.
-HWY_INLINE hn::Vec<I32> gammaCodes(hn::Vec<F32> v) {
+/// See encodeGamma: the bucket of each value, and its place there.
+void findBuckets(const float* values, std::size_t length, std::int32_t* buckets, std::int32_t* places) {
     const F32 d;
     const I32 di;
     const auto least = hn::Set(d, GAMMA_ENCODE_THRESHOLD[1]);
     const auto one = hn::Set(d, 1.0F);
-    const auto isSome = hn::Ge(v, least); // not so for NaN
-    const auto isFull = hn::Ge(v, one);
-    const auto bits = hn::BitCast(di, hn::IfThenElse(isSome, hn::IfThenElse(isFull, one, v), least));
-    const auto bucket =
-        hn::Sub(hn::ShiftRight<GAMMA_BUCKET_SHIFT>(bits), hn::Set(di, static_cast<std::int32_t>(GAMMA_FIRST_BUCKET)));
-    const auto entry = hn::GatherIndex(di, GAMMA_BUCKETS.data(), bucket);
-    const auto within = hn::And(bits, hn::Set(di, (1 << GAMMA_BUCKET_SHIFT) - 1));
-    const auto threshold = hn::And(entry, hn::Set(di, (1 << GAMMA_BUCKET_CODE_SHIFT) - 1));
-    // A true comparison is -1 in every bit.
-    const auto isNext = hn::VecFromMask(di, hn::Lt(within, threshold));
-    const auto code = hn::Add(hn::Add(hn::ShiftRight<GAMMA_BUCKET_CODE_SHIFT>(entry), hn::Set(di, 1)), isNext);
-    return hn::IfThenElseZero(hn::RebindMask(di, isSome), code);
+    const auto before = hn::Set(di, static_cast<std::int32_t>(GAMMA_FIRST_BUCKET) - 1);
+    const auto mask = hn::Set(di, (1 << GAMMA_BUCKET_SHIFT) - 1);
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const auto v = hn::LoadU(d, values + i);
+        const auto isSome = hn::RebindMask(di, hn::Ge(v, least)); // not so for NaN
+        const auto bits = hn::BitCast(di, hn::IfThenElse(hn::Lt(v, one), v, one));
+        const auto bucket = hn::Sub(hn::ShiftRight<GAMMA_BUCKET_SHIFT>(bits), before);
+        hn::Store(hn::IfThenElseZero(isSome, bucket), di, buckets + i);
+        hn::Store(hn::And(bits, mask), di, places + i);
+    }
+}
+
+/// The code of each value, from the entry of its bucket and its place there.
+void takeCodes(const std::int32_t* entries, const std::int32_t* places, std::size_t length, std::uint8_t* codes) {
+    const I32 di;
+    const auto mask = hn::Set(di, (1 << GAMMA_BUCKET_CODE_SHIFT) - 1);
+    for (std::size_t i = 0; i < length; i += hn::Lanes(di)) {
+        const auto entry = hn::Load(di, entries + i);
+        const auto isBefore = hn::VecFromMask(di, hn::Lt(hn::Load(di, places + i), hn::And(entry, mask)));
+        const auto next = hn::Add(hn::ShiftRight<GAMMA_BUCKET_CODE_SHIFT>(entry), hn::Set(di, 1));
+        hn::StoreU(hn::DemoteTo(QuarterU8(), hn::Add(next, isBefore)), QuarterU8(), codes + i); // true is -1
+    }
 }
 
 /// See encodeUnit.
@@ -185,10 +201,12 @@ HWY_INLINE hn::Vec<I32> unitCodes(hn::Vec<F32> v) {
 }
 
 void encodeGammaBytes(const float* values, std::size_t length, std::uint8_t* codes) {
-    const F32 d;
-    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
-        hn::StoreU(hn::DemoteTo(QuarterU8(), gammaCodes(hn::LoadU(d, values + i))), QuarterU8(), codes + i);
-    }
+    alignas(64) std::int32_t buckets[RUN_LENGTH];
+    alignas(64) std::int32_t places[RUN_LENGTH];
+    alignas(64) std::int32_t entries[RUN_LENGTH];
+    findBuckets(values, length, buckets, places);
+    lookUp(GAMMA_BUCKETS.data(), buckets, length, entries);
+    takeCodes(entries, places, length, codes);
 }
 
 void encodeUnitBytes(const float* values, std::size_t length, std::uint8_t* codes) {
@@ -227,7 +245,7 @@ void decode(const std::uint8_t* pixels, std::size_t stride, std::size_t length, 
             if (i == FORMAT.alpha) {
                 decodeAlpha(codes[i], length, planes[i]);
             } else {
-                decodeBytes(codes[i], length, table, planes[i]);
+                lookUp(table.data(), codes[i], length, planes[i]);
             }
         }
     }

@@ -115,7 +115,7 @@ inline constexpr int GAMMA_BUCKET_SHIFT = 16;
 inline constexpr std::uint32_t GAMMA_FIRST_BUCKET =
     std::bit_cast<std::uint32_t>(GAMMA_ENCODE_THRESHOLD[1]) >> GAMMA_BUCKET_SHIFT;
 inline constexpr std::uint32_t GAMMA_LAST_BUCKET = std::bit_cast<std::uint32_t>(1.0F) >> GAMMA_BUCKET_SHIFT;
-inline constexpr std::size_t GAMMA_BUCKET_COUNT = GAMMA_LAST_BUCKET - GAMMA_FIRST_BUCKET + 1;
+inline constexpr std::size_t GAMMA_BUCKET_COUNT = GAMMA_LAST_BUCKET - GAMMA_FIRST_BUCKET + 2; // one for smaller floats
 
 /// Bits of a bucket's entry below the code: they hold the place within the bucket where the next code begins.
 inline constexpr int GAMMA_BUCKET_CODE_SHIFT = GAMMA_BUCKET_SHIFT + 1;
@@ -134,16 +134,16 @@ constexpr bool gammaBucketsHoldOneThresholdEach() {
 static_assert(gammaBucketsHoldOneThresholdEach());
 
 constexpr std::array<std::int32_t, GAMMA_BUCKET_COUNT> gammaBuckets() {
-    std::array<std::int32_t, GAMMA_BUCKET_COUNT> buckets{};
+    constexpr std::uint32_t END = 1U << GAMMA_BUCKET_SHIFT;
+    std::array<std::int32_t, GAMMA_BUCKET_COUNT> buckets{static_cast<std::int32_t>(END)};
     std::size_t code = 0;
-    for (std::size_t i = 0; i < GAMMA_BUCKET_COUNT; ++i) {
-        const auto first = static_cast<std::uint32_t>(GAMMA_FIRST_BUCKET + i) << GAMMA_BUCKET_SHIFT;
+    for (std::size_t i = 1; i < GAMMA_BUCKET_COUNT; ++i) {
+        const auto first = static_cast<std::uint32_t>(GAMMA_FIRST_BUCKET + i - 1) << GAMMA_BUCKET_SHIFT;
         while (std::bit_cast<float>(first) >= GAMMA_ENCODE_THRESHOLD[code + 1]) {
             ++code;
         }
-        const std::uint32_t end = 1U << GAMMA_BUCKET_SHIFT;
         const std::uint32_t next = std::bit_cast<std::uint32_t>(GAMMA_ENCODE_THRESHOLD[code + 1]) - first;
-        buckets[i] = static_cast<std::int32_t>(code << GAMMA_BUCKET_CODE_SHIFT | (next < end ? next : end));
+        buckets[i] = static_cast<std::int32_t>(code << GAMMA_BUCKET_CODE_SHIFT | (next < END ? next : END));
     }
     return buckets;
 }
@@ -151,7 +151,7 @@ constexpr std::array<std::int32_t, GAMMA_BUCKET_COUNT> gammaBuckets() {
 } // namespace detail
 
 /// For each bucket the code of its smallest float, shifted, and the place where the next code begins: the bucket's
-/// size where that is further on.
+/// size where that is further on. Entry 0 is for what is too small for code 1, entry 1 for the first bucket.
 inline constexpr auto GAMMA_BUCKETS = detail::gammaBuckets();
 
 /// Encodes linear light: trunc(255 * v^0.45454544) of v limited to [0, 1], for every float; NaN gives 0.
@@ -163,7 +163,7 @@ constexpr std::uint8_t encodeGamma(float v) {
         return 255;
     }
     const auto bits = std::bit_cast<std::uint32_t>(v);
-    const std::int32_t entry = GAMMA_BUCKETS[(bits >> GAMMA_BUCKET_SHIFT) - GAMMA_FIRST_BUCKET];
+    const std::int32_t entry = GAMMA_BUCKETS[(bits >> GAMMA_BUCKET_SHIFT) - GAMMA_FIRST_BUCKET + 1];
     const auto within = static_cast<std::int32_t>(bits & ((1U << GAMMA_BUCKET_SHIFT) - 1));
     const std::int32_t next = entry & ((1 << GAMMA_BUCKET_CODE_SHIFT) - 1);
     return static_cast<std::uint8_t>((entry >> GAMMA_BUCKET_CODE_SHIFT) + (within >= next ? 1 : 0));

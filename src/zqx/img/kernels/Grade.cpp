@@ -10,7 +10,7 @@
 
 #include "Codec.h"
 #include "ColorScience.h"
-#include "GammaTables.h"
+#include "LookUp.h"
 #include "Rows.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -236,21 +236,32 @@ void saturate(Run& run, std::size_t length, float saturation) {
     }
 }
 
-void mapGradient(Run& run, std::size_t length, const Color* table, float intensity) {
+/// Places of the gradient's entries for colours, in floats: an entry is four of them.
+void findEntries(const Run& run, std::size_t length, std::int32_t* entries) {
     const F32 d;
     const hn::RebindToSigned<F32> di;
-    const auto weight = hn::Set(d, intensity);
     const auto one = hn::Set(d, 1.0F);
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
-        const Triple<F32> color = loadColor(d, run, i);
-        const auto y = lumaOf(color);
+        const auto y = lumaOf(loadColor(d, run, i));
         const auto limited = hn::IfThenElse(hn::Lt(y, one), y, one);
         const auto code = hn::IfThenElseZero(hn::Gt(y, hn::Zero(d)), hn::Mul(hn::Set(d, 255.0F), limited));
-        const auto entry = hn::ShiftLeft<2>(hn::ConvertTo(di, code)); // colours are four floats
-        storeColor(d,
-                   {mix(color.x, hn::GatherIndex(d, &table->r, entry), weight),
-                    mix(color.y, hn::GatherIndex(d, &table->g, entry), weight),
-                    mix(color.z, hn::GatherIndex(d, &table->b, entry), weight)},
+        hn::Store(hn::ShiftLeft<2>(hn::ConvertTo(di, code)), di, entries + i);
+    }
+}
+
+void mapGradient(Run& run, std::size_t length, const Color* table, float intensity) {
+    alignas(64) std::int32_t entries[RUN_LENGTH];
+    Run mapped;
+    findEntries(run, length, entries);
+    lookUp(&table->r, entries, length, mapped.r);
+    lookUp(&table->g, entries, length, mapped.g);
+    lookUp(&table->b, entries, length, mapped.b);
+    const F32 d;
+    const auto weight = hn::Set(d, intensity);
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const Triple<F32> color = loadColor(d, run, i);
+        const Triple<F32> entry = loadColor(d, mapped, i);
+        storeColor(d, {mix(color.x, entry.x, weight), mix(color.y, entry.y, weight), mix(color.z, entry.z, weight)},
                    run, i);
     }
 }

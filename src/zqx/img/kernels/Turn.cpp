@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstring>
 
 #include "PixelFormat.h"
 #include "Rows.h"
@@ -33,18 +35,37 @@ void withPixelSize(Format format, const Function& function) {
     }
 }
 
-/// Target rows that are filled together: they are source columns, and a cache line of the source serves them all.
-constexpr std::size_t BLOCK_ROWS = 16;
+/// Bytes of source and target that are turned together: rows of one are columns of the other, and as many cache lines
+/// and memory pages as there are rows in a tile have to stay within reach.
+constexpr std::size_t TILE_BYTES = 16384;
 
-/// Fills the target row by row from source columns; source(x, y) tells which source pixel lands at target (x, y).
-template <std::size_t Size, typename SourcePixel>
-void fillFromColumns(const Image& target, const SourcePixel& source) {
+/// Pixels along the edge of a square tile.
+template <std::size_t Size>
+constexpr std::size_t TILE_EDGE = std::bit_floor(TILE_BYTES / Size) >= 4096 ? 64 : 32;
+
+/// A column of the source as it becomes a row of the target.
+struct Column {
+    const std::uint8_t* first;
+    std::ptrdiff_t step; ///< bytes to the next pixel
+};
+
+/// Fills the target tile by tile; column(y) tells which source column lands in target row y.
+template <std::size_t Size, typename ColumnOf>
+void fillFromColumns(const Image& target, const ColumnOf& columnOf) {
+    constexpr std::size_t EDGE = TILE_EDGE<Size>;
+    const std::size_t width = target.getWidth();
     const std::size_t height = target.getHeight();
-    forEachRow((height + BLOCK_ROWS - 1) / BLOCK_ROWS, [&](std::size_t block) {
-        const std::size_t end = std::min((block + 1) * BLOCK_ROWS, height);
-        for (std::size_t x = 0; x < target.getWidth(); ++x) {
-            for (std::size_t y = block * BLOCK_ROWS; y < end; ++y) {
-                rowOf<Size>(target, y)[x] = source(x, y);
+    forEachRow((height + EDGE - 1) / EDGE, [&](std::size_t band) {
+        const std::size_t endY = std::min((band + 1) * EDGE, height);
+        for (std::size_t startX = 0; startX < width; startX += EDGE) {
+            const std::size_t endX = std::min(startX + EDGE, width);
+            for (std::size_t y = band * EDGE; y < endY; ++y) {
+                const Column column = columnOf(y);
+                const std::uint8_t* from = column.first + static_cast<std::ptrdiff_t>(startX) * column.step;
+                Pixel<Size>* row = rowOf<Size>(target, y);
+                for (std::size_t x = startX; x < endX; ++x, from += column.step) {
+                    std::memcpy(row + x, from, Size);
+                }
             }
         }
     });
@@ -71,9 +92,12 @@ void mirrorRows(const Image& image) {
 }
 
 void turnClockwise(const Image& source, const Image& target) {
+    const auto step = static_cast<std::ptrdiff_t>(source.getByteRowStride());
     withPixelSize(source.getFormat(), [&]<std::size_t Size>() {
-        fillFromColumns<Size>(
-            target, [&](std::size_t x, std::size_t y) { return rowOf<Size>(source, source.getHeight() - 1 - x)[y]; });
+        fillFromColumns<Size>(target, [&](std::size_t y) {
+            const auto* bottom = rowOf<Size>(source, source.getHeight() - 1) + y;
+            return Column{bottom->data(), -step};
+        });
     });
 }
 
@@ -87,9 +111,12 @@ void turnAround(const Image& source, const Image& target) {
 }
 
 void turnCounterClockwise(const Image& source, const Image& target) {
+    const auto step = static_cast<std::ptrdiff_t>(source.getByteRowStride());
     withPixelSize(source.getFormat(), [&]<std::size_t Size>() {
-        fillFromColumns<Size>(
-            target, [&](std::size_t x, std::size_t y) { return rowOf<Size>(source, x)[source.getWidth() - 1 - y]; });
+        fillFromColumns<Size>(target, [&](std::size_t y) {
+            const auto* top = rowOf<Size>(source, 0) + (source.getWidth() - 1 - y);
+            return Column{top->data(), step};
+        });
     });
 }
 

@@ -1,0 +1,34 @@
+#include "LargePages.h"
+
+#if defined(__linux__)
+#include <cstdint>
+
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
+
+namespace zqx::img {
+
+#if defined(__linux__)
+
+void adviseLargePages(void* data, std::size_t size) {
+    constexpr std::size_t WORTHWHILE = std::size_t{4} << 20U; // two large pages at least, wherever the block begins
+    if (size < WORTHWHILE) {
+        return;
+    }
+    const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    const auto address = reinterpret_cast<std::uintptr_t>(data);
+    const std::uintptr_t first = (address + page - 1) / page * page;
+    const std::uintptr_t end = (address + size) / page * page;
+    // A hint: where it is refused, small pages serve as well.
+    static_cast<void>(madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE));
+}
+
+#else
+
+void adviseLargePages(void*, std::size_t) {
+}
+
+#endif
+
+} // namespace zqx::img
