@@ -5,13 +5,19 @@
 
 namespace oracle {
 
+/// The decoding power of a value that is no code, rounded once from double precision. Powers of mathematics libraries
+/// in single precision lie within one unit in the last place of it.
+inline float decodeValue(float stored) {
+    return static_cast<float>(std::pow(static_cast<double>(stored), static_cast<double>(2.2F)));
+}
+
 /// The grey of a colour pixel: luma of linear light, or the decoded weighted sum of encoded values.
 inline float greyOf(const Surface& source, std::size_t x, std::size_t y) {
     if (!facts(source.format).isEncoded) {
         return luma(readLinear(source, x, y));
     }
     const Values stored = readStored(source, x, y);
-    return powf(0.2989F * stored.r + 0.587F * stored.g + 0.114F * stored.b, 2.2F);
+    return decodeValue(0.2989F * stored.r + 0.587F * stored.g + 0.114F * stored.b);
 }
 
 inline void convert(const Surface& source, const Surface& target) {

@@ -164,6 +164,14 @@ TEST(GradingKernelTest, ContrastOfNegativeValuesIsNotANumber) {
     EXPECT_TRUE(std::isnan(gradedGrey(contrast(0.6F), {-0.5F})[0]));
 }
 
+TEST(GradingKernelTest, LowestContrastOfInfinityIsNotANumber) {
+    const float infinity = std::numeric_limits<float>::infinity();
+    const Floats flat = gradedGrey(contrast(0.0F), {infinity, std::numeric_limits<float>::max(), 0.0F});
+    EXPECT_TRUE(std::isnan(flat[0])) << "an infinite logarithm times zero";
+    EXPECT_NEAR(0.5F, flat[1], 1e-6);
+    EXPECT_NEAR(0.5F, flat[2], 1e-6);
+}
+
 TEST(GradingKernelTest, HighlightsLeaveTheirThresholdAlone) {
     EXPECT_FLOAT_EQ(0.66F, gradedGrey(highlight(8.0F), {0.66F})[0]);
     EXPECT_FLOAT_EQ(0.5F, gradedGrey(highlight(8.0F), {0.5F})[0]);
@@ -399,24 +407,53 @@ TEST(GradingKernelTest, AllPairsBetweenFreePixelStrides) {
     });
 }
 
+/// Calls visit(prepared, source, graded, expected) for a photograph in all pairs of formats.
+template <typename Visit>
+void gradePhotographs(const NamedSettings& set, Visit visit) {
+    const ColorGrading grading = gradingOf(set.settings);
+    const oracle::Prepared prepared = oracle::prepare(set.settings);
+    forAllPairs([&](Image::Format from, Image::Format to) {
+        SCOPED_TRACE(set.name + ", " + nameOf(from, to));
+        GuardedImage source(43, 11, from, {0, 4});
+        fillPhoto(source.surface(), from * 16 + to);
+        oracle::Picture expected(43, 11, to);
+        oracle::grade(prepared, source.surface(), expected.surface);
+        gradeGuarded(source, to, {0, 8}, grading, [&](const GuardedImage& target) {
+            visit(prepared, source.surface(), target.surface(), expected.surface);
+        });
+    });
+}
+
 TEST(GradingKernelTest, AllPairsAreNearOnAPhotographWithContrastOrHue) {
     for (const NamedSettings& set : curvedSettings()) {
-        SCOPED_TRACE(set.name);
-        const ColorGrading grading = gradingOf(set.settings);
-        const oracle::Prepared prepared = oracle::prepare(set.settings);
+        if (set.settings.intensity != 0.0F) {
+            continue; // a gradient makes steps of small differences: see the next test
+        }
         ByteTally tally;
-        forAllPairs([&](Image::Format from, Image::Format to) {
-            SCOPED_TRACE(nameOf(from, to));
-            GuardedImage source(43, 11, from, {0, 4});
-            fillPhoto(source.surface(), from * 16 + to);
-            oracle::Picture expected(43, 11, to);
-            oracle::grade(prepared, source.surface(), expected.surface);
-            gradeGuarded(source, to, {0, 8}, grading, [&](const GuardedImage& target) {
-                EXPECT_TRUE(nearPixels(target.surface(), expected.surface, GRADE_TOLERANCE, tally));
-            });
+        gradePhotographs(set, [&](const oracle::Prepared&, const oracle::Surface&, const oracle::Surface& graded,
+                                  const oracle::Surface& expected) {
+            EXPECT_TRUE(nearPixels(graded, expected, GRADE_TOLERANCE, tally));
         });
-        EXPECT_TRUE(tally.withinBound());
+        EXPECT_TRUE(tally.withinBound()) << set.name;
     }
+}
+
+TEST(GradingKernelTest, AllPairsTakeAGradientEntryWithinReachOnAPhotographWithContrastOrHue) {
+    int sets = 0;
+    for (const NamedSettings& set : curvedSettings()) {
+        if (set.settings.intensity == 0.0F) {
+            continue;
+        }
+        ++sets;
+        RangeTally tally;
+        gradePhotographs(set, [&](const oracle::Prepared& prepared, const oracle::Surface& source,
+                                  const oracle::Surface& graded, const oracle::Surface& expected) {
+            EXPECT_TRUE(withinRanges(prepared, source, graded, tally));
+            EXPECT_TRUE(sameAlpha(graded, expected));
+        });
+        EXPECT_EQ(0U, tally.open) << "every pixel of a photograph is judged";
+    }
+    EXPECT_GT(sets, 0);
 }
 
 TEST(GradingKernelTest, AllPairsStayInRangeOnAnyPixelWithContrastOrHue) {

@@ -111,6 +111,21 @@ inline testing::AssertionResult nearPixels(const oracle::Surface& actual, const 
         });
 }
 
+/// Compares alpha alone, where both have it.
+inline testing::AssertionResult sameAlpha(const oracle::Surface& actual, const oracle::Surface& expected) {
+    constexpr int ALPHA = 3;
+    for (std::size_t y = 0; y < expected.height && oracle::facts(expected.format).channels > ALPHA; ++y) {
+        for (std::size_t x = 0; x < expected.width; ++x) {
+            const float a = oracle::storedChannel(actual, x, y, ALPHA);
+            const float b = oracle::storedChannel(expected, x, y, ALPHA);
+            if (!sameFloat(a, b)) {
+                return differs(expected, x, y, ALPHA, a, b);
+            }
+        }
+    }
+    return testing::AssertionSuccess();
+}
+
 /// The bytes of a packed 8-bit image, row by row, for expectations that are written out.
 inline std::vector<int> bytesOf(const Image& image) {
     std::vector<int> bytes;

@@ -303,7 +303,7 @@ void greyOfStoredColor(Run& run, std::size_t length) {
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
         const auto sum = hn::Add(hn::Mul(red, hn::Load(df, run.r + i)), hn::Mul(green, hn::Load(df, run.g + i)));
         const auto stored = hn::Add(sum, hn::Mul(blue, hn::Load(df, run.b + i)));
-        const auto power = hn::DemoteTo(df, exp2(d, hn::Mul(gamma, log2(d, stored))));
+        const auto power = roundToFloat(d, exp2(d, hn::Mul(gamma, log2(d, stored))));
         hn::Store(power, df, run.r + i);
     }
 }

@@ -87,9 +87,9 @@ void applyContrast(float* plane, std::size_t length, float exponent) {
     const auto one = hn::Set(d, 1.0);
     const auto k = hn::Set(d, static_cast<double>(exponent));
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
-        const auto stops = hn::DemoteTo(df, log2(d, hn::Add(hn::Load(df, plane + i), offset)));
+        const auto stops = roundToFloat(d, log2(d, hn::Add(hn::Load(df, plane + i), offset)));
         const auto curved = exp2(d, hn::Sub(hn::Mul(hn::Add(hn::PromoteTo(d, stops), one), k), one));
-        const auto value = hn::Sub(hn::DemoteTo(df, curved), offset);
+        const auto value = hn::Sub(roundToFloat(d, curved), offset);
         const auto notNegative = hn::IfThenElse(hn::Lt(value, hn::Zero(df)), hn::Zero(df), value);
         hn::Store(hn::IfThenElse(hn::Gt(value, limit), limit, notNegative), df, plane + i);
     }
@@ -159,7 +159,6 @@ void applyMatrix(Run& run, std::size_t length, const Matrix3& matrix) {
 /// Lightness and the chroma plane of CIE 1976 L*u*v*.
 HWY_INLINE Triple<HalfF32> xyzToLuv(const Triple<HalfF32>& xyz) {
     const F64 d;
-    const HalfF32 df;
     const auto x = hn::PromoteTo(d, xyz.x);
     const auto y = hn::PromoteTo(d, xyz.y);
     const auto z = hn::PromoteTo(d, xyz.z);
@@ -171,14 +170,13 @@ HWY_INLINE Triple<HalfF32> xyzToLuv(const Triple<HalfF32>& xyz) {
     const auto factor = hn::Mul(hn::Set(d, 13.0), lightness);
     const auto u = hn::Sub(hn::Mul(hn::Mul(hn::Set(d, 4.0), x), scale), hn::Set(d, WHITE_U));
     const auto v = hn::Sub(hn::Mul(hn::Mul(hn::Set(d, 9.0), y), scale), hn::Set(d, WHITE_V));
-    return {hn::DemoteTo(df, lightness), hn::DemoteTo(df, hn::Mul(factor, u)), hn::DemoteTo(df, hn::Mul(factor, v))};
+    return {roundToFloat(d, lightness), roundToFloat(d, hn::Mul(factor, u)), roundToFloat(d, hn::Mul(factor, v))};
 }
 
 /// The inverse, with the intermediate terms of the usual formulas (B. Lindbloom, Luv to XYZ) multiplied out: one
 /// division. A colour that has u' = 0 is left without a value by those formulas, and so it is here.
 HWY_INLINE Triple<HalfF32> luvToXyz(const Triple<HalfF32>& luv) {
     const F64 d;
-    const HalfF32 df;
     const auto lightness = hn::PromoteTo(d, luv.x);
     const auto root = hn::Mul(hn::Add(lightness, hn::Set(d, 16.0)), hn::Set(d, 1.0 / 116.0));
     const auto cube = hn::Mul(hn::Mul(root, root), root);
@@ -193,8 +191,8 @@ HWY_INLINE Triple<HalfF32> luvToXyz(const Triple<HalfF32>& luv) {
     const auto rest = hn::Mul(hn::Sub(hn::Mul(hn::Set(d, 52.0), lightness), u), perV);
     const auto z = hn::Mul(y, hn::Sub(hn::Mul(hn::Set(d, 0.75), rest), hn::Set(d, 5.0)));
     const auto nothing = hn::Set(d, std::numeric_limits<double>::quiet_NaN());
-    return {hn::DemoteTo(df, x), hn::DemoteTo(df, y),
-            hn::DemoteTo(df, hn::IfThenElse(hn::Eq(u, hn::Zero(d)), nothing, z))};
+    return {roundToFloat(d, x), roundToFloat(d, y),
+            roundToFloat(d, hn::IfThenElse(hn::Eq(u, hn::Zero(d)), nothing, z))};
 }
 
 /// Turns the hue angle of CIE LCh(uv), keeping lightness and chroma: a rotation of the chroma plane. Black has no hue:
@@ -295,7 +293,7 @@ void decodePower(float* plane, std::size_t length) {
     const HalfF32 df;
     const auto gamma = hn::Set(d, static_cast<double>(2.2F));
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
-        hn::Store(hn::DemoteTo(df, exp2(d, hn::Mul(gamma, log2(d, hn::Load(df, plane + i))))), df, plane + i);
+        hn::Store(roundToFloat(d, exp2(d, hn::Mul(gamma, log2(d, hn::Load(df, plane + i))))), df, plane + i);
     }
 }
 

@@ -30,6 +30,24 @@ HWY_INLINE V polynomial(D d, V x, const double (&coefficients)[Count]) {
     return sum;
 }
 
+/// Rounds to the nearest float; what is beyond the range of floats becomes infinity.
+template <class D>
+HWY_INLINE hn::Vec<hn::Rebind<float, D>> roundToFloat(D d, hn::Vec<D> v) {
+    const hn::Rebind<float, D> df;
+#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
+    // Highway's own limits infinity to the largest float, here alone.
+    alignas(16) double wide[hn::MaxLanes(d)];
+    alignas(16) float narrow[hn::MaxLanes(d)];
+    hn::Store(v, d, wide);
+    for (std::size_t i = 0; i < hn::Lanes(d); ++i) {
+        narrow[i] = static_cast<float>(wide[i]);
+    }
+    return hn::Load(df, narrow);
+#else
+    return hn::DemoteTo(df, v);
+#endif
+}
+
 /// log2 of floats that are not subnormal, in double precision. Absolute error below 1e-13.
 /// Zero gives -infinity, infinity itself, what is negative or NaN gives NaN.
 template <class D, class VF>
@@ -60,7 +78,7 @@ HWY_INLINE hn::Vec<D> log2(D d, VF x) {
     return hn::IfThenElse(hn::Gt(wide, hn::Zero(d)), positive, notPositive);
 }
 
-/// 2^x in double precision. Relative error below 1e-12. x is limited to [-1022, 1023]; NaN gives NaN.
+/// 2^x in double precision. Relative error below 1e-13. x is limited to [-1022, 1023]; NaN gives NaN.
 template <class D, class V>
 HWY_INLINE V exp2(D d, V x) {
     const hn::RebindToUnsigned<D> du;
@@ -73,12 +91,18 @@ HWY_INLINE V exp2(D d, V x) {
     const auto fraction = hn::Sub(limited, hn::Sub(shifted, shifter));
 
     constexpr double SERIES[] = {
-        0x1.e4cf5158b8ec7p-28, // (ln 2)^10 / 10!, and so on
-        0x1.b5253d395e7c1p-24, 0x1.62c0223a5c822p-20,
-        0x1.ffcbfc588b0c5p-17, 0x1.430912f86c786p-13,
-        0x1.5d87fe78a6730p-10, 0x1.3b2ab6fba4e77p-7,
-        0x1.c6b08d704a0bfp-5,  0x1.ebfbdff82c58ep-3,
-        0x1.62e42fefa39efp-1,  1.0,
+        0x1.e8cac7351bb22p-32, // (ln 2)^11 / 11!, and so on
+        0x1.e4cf5158b8ec7p-28,
+        0x1.b5253d395e7c1p-24,
+        0x1.62c0223a5c822p-20,
+        0x1.ffcbfc588b0c5p-17,
+        0x1.430912f86c786p-13,
+        0x1.5d87fe78a6730p-10,
+        0x1.3b2ab6fba4e77p-7,
+        0x1.c6b08d704a0bfp-5,
+        0x1.ebfbdff82c58ep-3,
+        0x1.62e42fefa39efp-1,
+        1.0,
     };
     const auto power = polynomial(d, fraction, SERIES);
     const auto exponent = hn::ShiftLeft<52>(hn::BitCast(du, shifted));
@@ -87,7 +111,7 @@ HWY_INLINE V exp2(D d, V x) {
 }
 
 /// Cube root of doubles that are floats from 2^-100 to the largest. Relative error below 1e-13.
-/// Infinity and NaN give NaN; what is below the domain gives any number.
+/// Infinity gives itself, NaN gives NaN; what is below the domain gives any number.
 template <class D, class V>
 HWY_INLINE V cubeRoot(D d, V x) {
     const hn::Rebind<float, D> df;
