@@ -26,3 +26,7 @@ function(zqx_place_oidn target)
             VERBATIM)
     endif()
 endfunction()
+
+if(ZQX_INSTALL_OIDN)
+    install(FILES ${zqx_oidn_libraries} DESTINATION ${ZQX_INSTALL_LIBRARY_DIR})
+endif()

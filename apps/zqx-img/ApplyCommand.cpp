@@ -11,6 +11,7 @@
 #include "OutputFile.h"
 #include "ParameterTable.h"
 #include "Picture.h"
+#include "QualityOption.h"
 
 namespace zqx::img::app {
 
@@ -23,7 +24,7 @@ struct ApplyOptions {
     std::string output;
     std::string comparison;
     ParameterOptions adjustments;
-    int quality = 92;
+    int quality = DEFAULT_QUALITY;
 };
 
 bool isNeutral(ColorGrading grading) {
@@ -37,18 +38,6 @@ bool isNeutral(ColorGrading grading) {
 int neededStages(const Pipeline& pipeline) {
     const int always = Pipeline::STAGE_INVERSION | Pipeline::STAGE_SHARPEN | Pipeline::STAGE_FLIP;
     return isNeutral(pipeline.getColorGrading()) ? always : always | Pipeline::STAGE_COLOR_GRADING;
-}
-
-void warnOfLosses(const std::string& name, const Picture& source, Form form) {
-    if (hasAlpha(source.form) && !hasAlpha(form) && isTransparent(source)) {
-        warn(name, "this format has no transparency, the picture becomes opaque");
-    }
-    if (isFloat(source.form) && !isFloat(form)) {
-        warn(name, "this format has 8 bits per channel, values are limited to that");
-    }
-    if (form == Form::PALETTE8) {
-        warn(name, "this format has 256 colours, the picture's are reduced to them");
-    }
 }
 
 Bitmap render(const Pipeline& pipeline, const Picture& source, Form form) {
@@ -161,10 +150,7 @@ void addApplyCommand(CLI::App& program) {
     command.add_option("INPUT", options->input, "The picture to adjust")->type_name("FILE")->required();
     command.add_option("-o,--output", options->output, "The picture to write")->type_name("FILE")->required();
     options->adjustments.addTo(command);
-    command.add_option("--quality", options->quality, "Quality of JPEG, WebP and JPEG XR output, 1 to 100")
-        ->check(CLI::Range(1, 100))
-        ->type_name("N")
-        ->capture_default_str();
+    addQualityOption(command, options->quality);
     command
         .add_option("--before-after", options->comparison, "Also write a picture: left half before, right half after")
         ->type_name("FILE");

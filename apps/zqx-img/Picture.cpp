@@ -357,6 +357,22 @@ void carryOver(const std::string& name, FREE_IMAGE_FORMAT format, FIBITMAP* bitm
     FreeImage_CreateICCProfile(bitmap, profile.data(), static_cast<long>(profile.size()));
 }
 
+/// False for a picture whose alpha is the same as having none.
+bool isTransparent(const Picture& picture) {
+    if (picture.form != Form::RGBA_FLOAT) {
+        return FreeImage_IsTransparent(picture.bitmap.get()) != 0;
+    }
+    for (unsigned y = 0; y < picture.height(); ++y) {
+        const std::span<const FIRGBAF> row(
+            reinterpret_cast<const FIRGBAF*>(FreeImage_GetScanLine(picture.bitmap.get(), static_cast<int>(y))),
+            picture.width());
+        if (std::ranges::any_of(row, [](const FIRGBAF& pixel) { return pixel.alpha != 1.0F; })) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 bool hasColor(Form form) {
@@ -457,19 +473,16 @@ Image viewOf(const Bitmap& bitmap, Form form) {
             infoOf(form).format, FreeImage_GetPitch(bitmap.get())};
 }
 
-bool isTransparent(const Picture& picture) {
-    if (picture.form != Form::RGBA_FLOAT) {
-        return FreeImage_IsTransparent(picture.bitmap.get()) != 0;
+void warnOfLosses(const std::string& name, const Picture& source, Form form) {
+    if (hasAlpha(source.form) && !hasAlpha(form) && isTransparent(source)) {
+        warn(name, "this format has no transparency, the picture becomes opaque");
     }
-    for (unsigned y = 0; y < picture.height(); ++y) {
-        const std::span<const FIRGBAF> row(
-            reinterpret_cast<const FIRGBAF*>(FreeImage_GetScanLine(picture.bitmap.get(), static_cast<int>(y))),
-            picture.width());
-        if (std::ranges::any_of(row, [](const FIRGBAF& pixel) { return pixel.alpha != 1.0F; })) {
-            return true;
-        }
+    if (isFloat(source.form) && !isFloat(form)) {
+        warn(name, "this format has 8 bits per channel, values are limited to that");
     }
-    return false;
+    if (form == Form::PALETTE8) {
+        warn(name, "this format has 256 colours, the picture's are reduced to them");
+    }
 }
 
 void encodePicture(OutputFile& file, const std::string& name, FREE_IMAGE_FORMAT format, Bitmap bitmap, Form form,

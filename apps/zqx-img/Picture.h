@@ -56,8 +56,9 @@ Bitmap allocateBitmap(Form form, unsigned width, unsigned height);
 /// The bitmap's own memory as an image. Row 0 is the bottom row.
 Image viewOf(const Bitmap& bitmap, Form form);
 
-/// False for a picture whose alpha is the same as having none.
-bool isTransparent(const Picture& picture);
+/// Warns of what a form cannot keep of a picture.
+/// @param name the file to be written
+void warnOfLosses(const std::string& name, const Picture& source, Form form);
 
 /// Encodes a rendered bitmap, with the profile, resolution and metadata of the picture that it was
 /// made from.

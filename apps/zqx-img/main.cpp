@@ -22,6 +22,7 @@ constexpr int WRONG_USAGE = 2;
 constexpr const char* FOOTER = R"(Examples:
   zqx-img apply in.jpg -o out.jpg --set exposure=0.5 --set saturation=1.2
   zqx-img apply in.png -o out.tif --params look.json --before-after compare.png
+  zqx-img denoise noisy.exr --albedo albedo.exr --normal normal.exr -o clean.exr
   zqx-img params --set temperature=5000 -o look.json
   zqx-img lut --params look.json -o look.cube
   zqx-img info in.jpg
@@ -59,13 +60,14 @@ int run(CLI::App& program, int argc, char** argv) {
 
 int runProgram(int argc, char** argv) {
     qutil::Log::setReportingLevel(0); // results of components are told in the program's own words
-    CLI::App program("Adjusts photographs and rendered pictures: exposure, contrast, colour, sharpness, flips.",
+    CLI::App program("Adjusts photographs and rendered pictures: exposure, contrast, colour, sharpness, flips, noise.",
                      "zqx-img");
     program.set_version_flag("--version",
                              std::string("zqx-img " ZQX_IMG_VERSION " (FreeImage ") + FreeImage_GetVersion() + ")");
     program.require_subcommand(1);
     program.footer(FOOTER);
     addApplyCommand(program);
+    addDenoiseCommand(program);
     addParamsCommand(program);
     addLutCommand(program);
     addInfoCommand(program);

@@ -3,8 +3,9 @@
 
 #include <FreeImage.h>
 
-#include <cli/Program.h>
 #include <qutil/Streams.h>
+#include <support/DirectoryTest.h>
+#include <support/Process.h>
 
 #include "Component.h"
 #include "OtherPrograms.h"
@@ -12,7 +13,7 @@
 
 namespace zqx::img::test {
 
-class FileTest : public ProgramTest {
+class FileTest : public DirectoryTest {
 protected:
     /// A small PNG of bytes, written by the other program.
     std::string samplePng(const std::string& name = "sample.png") const {

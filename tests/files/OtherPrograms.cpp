@@ -3,7 +3,7 @@
 
 #include <stdexcept>
 
-#include <cli/Program.h>
+#include <support/Process.h>
 
 namespace zqx::img::test {
 

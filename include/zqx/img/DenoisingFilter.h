@@ -58,7 +58,7 @@ private:
 /// @param hdr as for DenoisingFilter::setHDR
 /// @param error set to the filter's message on failure, otherwise left alone
 /// @return false on failure; color is then unchanged
-/// @throws std::bad_alloc
+/// @throws std::bad_alloc, std::length_error for sizes that no memory could hold
 ZQX_IMG_API bool denoiseImage(float* color, float* albedo, float* normal, std::size_t width, std::size_t height,
                               bool hdr, std::string& error);
 

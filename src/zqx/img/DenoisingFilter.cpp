@@ -134,8 +134,8 @@ bool denoiseImage(float* color, float* albedo, float* normal, std::size_t width,
     static std::vector<float> output;
     const std::size_t floats = width * height * 3;
     if (input.size() != floats) {
+        output.resize(floats); // first: the size of the input says that both are ready
         input.resize(floats);
-        output.resize(floats);
     }
     const Image pixels(color, width, height, Image::RGBA32F, 0);
     const Image noisy(color != nullptr ? input.data() : nullptr, width, height, Image::RGB32F, 0);

@@ -17,7 +17,7 @@ struct Range {
 
 std::vector<Range> splitRange(std::size_t total, std::size_t size, std::size_t overlap) {
     std::vector<Range> ranges;
-    // An overlap beyond the size makes the step wrap around to more than any length, which ends the loop.
+    // An overlap beyond the size makes the step wrap around, to more than any sensible length: that ends the loop.
     for (std::size_t start = 0; start < total; start += size - overlap) {
         const Range next{start, std::min(total - start, size)};
         if (!ranges.empty() && ranges.back().end() >= next.end()) {
@@ -48,7 +48,8 @@ Axis divide(Range range, std::size_t total, std::size_t overlap, std::size_t mar
     const std::size_t near = isFirst ? 0 : margin;
     const std::size_t far = range.end() == total ? 0 : margin;
     const std::size_t blend = isFirst || margin > overlap / 2 ? 0 : overlap - 2 * margin;
-    return {near, blend, remaining(remaining(range.length, far), near + blend)};
+    const std::size_t kept = remaining(range.length, near + far);
+    return {near, std::min(blend, kept), remaining(kept, blend)};
 }
 
 } // namespace

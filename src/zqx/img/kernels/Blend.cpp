@@ -40,13 +40,18 @@ std::size_t step(std::size_t i, std::size_t j, Ramp ramp) {
 } // namespace
 
 void copyRectangle(const Image& src, const Image& target, const Tile& rectangle) {
-    const std::size_t bytes = rectangle.width * target.getBytePixelStride();
-    if (bytes == 0) {
+    const std::size_t pixelBytes = std::min(src.getBytePixelStride(), target.getBytePixelStride());
+    const bool isContiguous = src.getBytePixelStride() == target.getBytePixelStride();
+    const std::size_t pieces = isContiguous ? 1 : rectangle.width;
+    const std::size_t pieceBytes = isContiguous ? rectangle.width * pixelBytes : pixelBytes;
+    if (pieceBytes == 0) {
         return;
     }
     forEachRow(rectangle.height, [&](std::size_t i) {
-        std::memcpy(target.getPixelPtr(rectangle.x, rectangle.y + i), src.getPixelPtr(rectangle.x, rectangle.y + i),
-                    bytes);
+        for (std::size_t piece = 0; piece < pieces; ++piece) {
+            std::memcpy(target.getPixelPtr(rectangle.x + piece, rectangle.y + i),
+                        src.getPixelPtr(rectangle.x + piece, rectangle.y + i), pieceBytes);
+        }
     });
 }
 

@@ -13,7 +13,8 @@ enum class Ramp {
     CORNER,  ///< away from the left and the top edge: by the nearer of the two
 };
 
-/// Copies the pixels of a rectangle to the same place in the target, byte for byte by the target's pixel stride.
+/// Copies the pixels of a rectangle to the same place in the target, byte for byte: as many bytes of each as both pixel
+/// strides leave room for.
 void copyRectangle(const Image& src, const Image& target, const Tile& rectangle);
 
 /// target = target * (1 - a) + src * a over a rectangle, for the three floats at the beginning of each pixel.

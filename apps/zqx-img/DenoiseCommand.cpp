@@ -1,0 +1,193 @@
+// denoise: a noisy render and what its renderer knows of the surfaces, through the denoising filter into a new file.
+#include <cmath>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <utility>
+
+#include <CLI/CLI.hpp>
+
+#include <zqx/img/Color.h>
+#include <zqx/img/DenoisingFilter.h>
+
+#include "Commands.h"
+#include "Error.h"
+#include "OutputFile.h"
+#include "Picture.h"
+#include "QualityOption.h"
+
+namespace zqx::img::app {
+
+namespace {
+
+struct DenoiseOptions {
+    std::string color;
+    std::string albedo;
+    std::string normal;
+    std::string output;
+    /// Not the default for bytes either: noise averages out in linear light. Encoded it averages to something lighter,
+    /// and the denoiser leaves more of it.
+    bool displayReferred = false;
+    int quality = DEFAULT_QUALITY;
+};
+
+/// The filter asks for the guides as well, but only once the pictures are read and its library is there.
+void requireGuides(const DenoiseOptions& options) {
+    for (const auto& [option, file] : {std::pair("--albedo", options.albedo), std::pair("--normal", options.normal)}) {
+        if (file.empty()) {
+            throw Error(option, "Invalid Input, the denoiser needs both guides, give --albedo and --normal");
+        }
+    }
+}
+
+/// Linear floats with their rows from the top: the denoiser is trained on upright pictures, and bitmaps are not.
+std::shared_ptr<Image> uprightPixels(const Picture& picture) {
+    std::shared_ptr<Image> image = viewOf(picture.bitmap, picture.form).convertTo(Image::RGBA32F);
+    image->flipVertical();
+    return image;
+}
+
+void forEachPixel(Image& image, const std::function<Color(const Color&)>& change) {
+    const std::span<Color> pixels(static_cast<Color*>(image.getDataPtr()), image.getWidth() * image.getHeight());
+    for (Color& pixel : pixels) {
+        pixel = change(pixel);
+    }
+}
+
+Picture loadGuide(const std::string& name, const Picture& color) {
+    Picture guide = loadPicture(name);
+    if (guide.width() != color.width() || guide.height() != color.height()) {
+        const auto size = [](const Picture& picture) {
+            return std::to_string(picture.width()) + " x " + std::to_string(picture.height());
+        };
+        throw Error(name, "is " + size(guide) + ", but the colour picture is " + size(color));
+    }
+    return guide;
+}
+
+/// Bytes hold a direction as (n + 1) / 2. Black is no direction: it is what renderers leave where there is no surface.
+Color expandDirection(const Color& decoded) {
+    if (decoded.r == 0.0F && decoded.g == 0.0F && decoded.b == 0.0F) {
+        return decoded;
+    }
+    const Color stored = decoded.toSrgb();
+    return {2.0F * stored.r - 1.0F, 2.0F * stored.g - 1.0F, 2.0F * stored.b - 1.0F, stored.a};
+}
+
+std::shared_ptr<Image> loadNormal(const std::string& name, const Picture& color) {
+    const Picture picture = loadGuide(name, color);
+    std::shared_ptr<Image> normal = uprightPixels(picture);
+    if (!isFloat(picture.form)) {
+        forEachPixel(*normal, expandDirection);
+    }
+    return normal;
+}
+
+/// Replaces the colours. The filter reads and writes three floats at the stride of four, so that alpha stays.
+void denoise(Image& color, const Image& albedo, const Image& normal, const DenoiseOptions& options) {
+    DenoisingFilter filter;
+    filter.setInput(DenoisingFilter::COLOR, color);
+    filter.setInput(DenoisingFilter::ALBEDO, albedo);
+    filter.setInput(DenoisingFilter::NORMAL, normal);
+    filter.setOutput(color);
+    filter.setHDR(!options.displayReferred);
+    if (!filter.execute()) {
+        const std::string& words = filter.getErrorMessage();
+        throw Error(options.color, words.empty() ? "cannot be denoised, for a reason that the denoiser keeps" : words);
+    }
+}
+
+/// Within [0, 1]; NaN becomes 0.
+float limited(float value) {
+    return std::fmin(std::fmax(value, 0.0F), 1.0F);
+}
+
+/// Encoding to bytes truncates. Denoised values scatter around the right one and would come out half a step too dark.
+Color raisedByHalfStep(const Color& encoded) {
+    constexpr float HALF_STEP = 0.5F / 255.0F;
+    return {encoded.r + HALF_STEP, encoded.g + HALF_STEP, encoded.b + HALF_STEP, encoded.a};
+}
+
+Bitmap makeBitmap(Image& color, bool encoded, Form from, Form to) {
+    if (!isFloat(to)) {
+        forEachPixel(color, [encoded](const Color& pixel) {
+            const Color inRange{limited(pixel.r), limited(pixel.g), limited(pixel.b), pixel.a};
+            return raisedByHalfStep(encoded ? inRange : inRange.toSrgb()).toLinear();
+        });
+    } else if (encoded && !isFloat(from)) {
+        forEachPixel(color, [](const Color& pixel) { return pixel.toLinear(); });
+    }
+    color.flipVertical();
+    Bitmap bitmap =
+        allocateBitmap(to, static_cast<unsigned>(color.getWidth()), static_cast<unsigned>(color.getHeight()));
+    viewOf(bitmap, to).convertFrom(color);
+    return bitmap;
+}
+
+Bitmap render(const Picture& source, Form form, const DenoiseOptions& options) {
+    const std::shared_ptr<Image> color = uprightPixels(source);
+    const std::shared_ptr<Image> albedo = uprightPixels(loadGuide(options.albedo, source));
+    const std::shared_ptr<Image> normal = loadNormal(options.normal, source);
+    if (options.displayReferred && !isFloat(source.form)) {
+        forEachPixel(*color, [](const Color& pixel) { return pixel.toSrgb(); }); // back to what is stored
+    }
+    denoise(*color, *albedo, *normal, options);
+    return makeBitmap(*color, options.displayReferred, source.form, form);
+}
+
+void runDenoise(const DenoiseOptions& options) {
+    requireGuides(options);
+    const FREE_IMAGE_FORMAT format = outputFormat(options.output);
+    OutputFile::check(options.output);
+    const Picture source = loadPicture(options.color);
+    const Form form = chooseForm(options.output, format, source.form);
+    warnOfLosses(options.output, source, form);
+    Bitmap bitmap = render(source, form, options);
+    OutputFile file(options.output);
+    encodePicture(file, options.output, format, std::move(bitmap), form, source, options.quality);
+    file.commit();
+}
+
+constexpr const char* FOOTER = R"(
+COLOR, ALBEDO and NORMAL are three pictures of the same view and size, as renderers write them: the noisy picture, the
+reflectance of the surface seen at each pixel, and its direction. All three are needed. What is a guide's alpha is
+ignored, COLOR's is kept. The format of OUTPUT follows its extension; it appears whole or not at all.
+
+How values are read:
+  COLOR   float pictures (EXR, HDR, PFM, float TIFF) as they are; 8-bit pictures are decoded to linear light and
+          encoded again afterwards. --ldr is for float pictures that hold display-referred values: nothing beyond
+          [0, 1], encoded for a screen. 8-bit pictures it takes as stored, which leaves more noise and lighter shadows
+          than decoding them does.
+  ALBEDO  like COLOR without --ldr: 0 reflects nothing, 1 everything
+  NORMAL  float pictures as they are, -1 to 1 in any space; 8-bit pictures from the stored bytes, 0 is -1 and 255 is 1
+Black in ALBEDO and NORMAL, whatever their format, is a place without a surface.
+
+Denoising is done by OpenImageDenoise, version 1 or 2, which has to be installed or to lie beside this program's
+library. It uses all processors; without --ldr two runs may differ in the last bits of floats.
+
+Examples:
+  zqx-img denoise noisy.exr --albedo albedo.exr --normal normal.exr -o clean.exr
+  zqx-img denoise noisy.png --albedo albedo.png --normal normal.png -o clean.png
+  zqx-img denoise display.tif --albedo albedo.exr --normal normal.exr --ldr -o clean.tif
+
+Exit codes: 0 done, 1 something failed, 2 the command line cannot be meant.
+)";
+
+} // namespace
+
+void addDenoiseCommand(CLI::App& program) {
+    CLI::App& command = *program.add_subcommand("denoise", "Remove the noise of a render");
+    const auto options = std::make_shared<DenoiseOptions>();
+    command.add_option("COLOR", options->color, "The noisy picture")->type_name("FILE")->required();
+    command.add_option("--albedo", options->albedo, "The reflectance of the surfaces")->type_name("FILE");
+    command.add_option("--normal", options->normal, "The directions of the surfaces")->type_name("FILE");
+    command.add_option("-o,--output", options->output, "The picture to write")->type_name("FILE")->required();
+    CLI::Option* linear = command.add_flag("--hdr")->description("COLOR is linear light (the default)");
+    command.add_flag("--ldr", options->displayReferred, "COLOR is display-referred, between 0 and 1")->excludes(linear);
+    addQualityOption(command, options->quality);
+    command.footer(FOOTER);
+    command.callback([options] { runDenoise(*options); });
+}
+
+} // namespace zqx::img::app
