@@ -24,19 +24,19 @@ std::size_t bandCount(const BlurShape& shape, std::size_t floatsPerBand) {
 
 BlurBands::BlurBands(const BlurShape& shape)
     : mShape(shape), mPlaneStride(roundUp(shape.width + WEIGHTED_SUM_EXCESS, WEIGHTED_SUM_EXCESS)),
-      mRingRows(std::min(2 * shape.radius + 1, shape.height)) {
-    const std::size_t seam = shape.isInPlace ? 2 * shape.radius : 0;
-    mFloatsPerBand = lineFloats() + (mRingRows + seam) * rowFloats() + WEIGHTED_SUM_EXCESS;
+      mRingRows(std::min(2 * shape.radius + BLUR_GROUP, shape.height)) {
+    mRowsPerBand = mRingRows + (shape.isInPlace ? 2 * shape.radius : 0);
+    mFloatsPerBand = roundUp(lineFloats() + WEIGHTED_SUM_EXCESS, WEIGHTED_SUM_EXCESS) + mRowsPerBand * rowFloats();
     mCount = bandCount(shape, mFloatsPerBand);
-    mMemory.reset(new float[mCount * mFloatsPerBand]);
+    mMemory.reset(new (VECTOR_ALIGNMENT) float[mCount * mFloatsPerBand]);
 }
 
 float* BlurBands::row(std::size_t band, std::size_t y) const {
     const std::size_t below = seamOf(band, y);
     if (below != 0) {
-        return line(below) + lineFloats() + (mRingRows + y - seamBegin(below)) * rowFloats();
+        return ring(below) + (mRingRows + y - seamBegin(below)) * rowFloats();
     }
-    return line(band) + lineFloats() + y % mRingRows * rowFloats();
+    return ring(band) + y % mRingRows * rowFloats();
 }
 
 std::size_t BlurBands::seamOf(std::size_t band, std::size_t y) const {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include "Rows.h"
@@ -13,13 +14,24 @@
 
 namespace zqx::img::kernels {
 
+inline constexpr std::align_val_t VECTOR_ALIGNMENT{64};
+
+/// Output rows that are finished together.
+inline constexpr std::size_t BLUR_GROUP = WEIGHTED_SUM_GROUP;
+
 struct BlurShape {
-    std::size_t width;  ///< at least 1
+    std::size_t width;  ///< elements of a row, at least 1
     std::size_t height; ///< at least 1
     std::size_t planes; ///< 1, 3 or 4
+    std::size_t step;   ///< distance in a row from an element to its neighbour: more than 1 for interleaved samples
     std::size_t radius;
     bool isInPlace; ///< a row of the source is lost as soon as its result is written
 };
+
+struct AlignedDelete {
+    void operator()(float* floats) const { ::operator delete[](floats, VECTOR_ALIGNMENT); }
+};
+using AlignedFloats = std::unique_ptr<float[], AlignedDelete>;
 
 /// The division into bands, and the memory that they work in.
 ///
@@ -38,7 +50,9 @@ public:
     std::size_t planeStride() const { return mPlaneStride; }
     /// A band's scratch row: the planes of a row with border pixels repeated on both sides.
     float* line(std::size_t band) const { return mMemory.get() + band * mFloatsPerBand; }
-    std::size_t lineStride() const { return mPlaneStride + 2 * mShape.radius; }
+    std::size_t lineStride() const { return mPlaneStride + 2 * border(); }
+    /// Elements on each side of a line that repeat border pixels.
+    std::size_t border() const { return mShape.radius * mShape.step; }
 
     /// A lengthwise blurred row as a band keeps it: in its ring, or in a seam of its own or of the next band.
     float* row(std::size_t band, std::size_t y) const;
@@ -52,13 +66,16 @@ private:
     std::size_t seamOf(std::size_t band, std::size_t y) const;
     std::size_t rowFloats() const { return mPlaneStride * mShape.planes; }
     std::size_t lineFloats() const { return lineStride() * mShape.planes; }
+    /// What follows the line: the rows of the ring, and after them those of the seam above the band.
+    float* ring(std::size_t band) const { return line(band + 1) - mRowsPerBand * rowFloats(); }
 
     BlurShape mShape;
     std::size_t mPlaneStride;
     std::size_t mRingRows;
+    std::size_t mRowsPerBand; ///< of ring and seam
     std::size_t mFloatsPerBand;
     std::size_t mCount;
-    std::unique_ptr<float[]> mMemory;
+    AlignedFloats mMemory;
 };
 
 /// Blurs a picture by rows that are read and written in runs.
@@ -72,8 +89,8 @@ public:
     /// @param taps 2 * radius + 1 weights
     /// @throws std::bad_alloc
     BandBlur(const BlurShape& shape, const std::vector<float>& taps, const Read& read, const Write& write)
-        : mShape(shape), mTaps(taps), mRead(read), mWrite(write), mBands(shape), mRows(mBands.count() * taps.size()),
-          mSum(weightedSum()) {}
+        : mShape(shape), mTaps(taps), mRead(read), mWrite(write), mBands(shape), mRows(mBands.count() * rowsPerBand()),
+          mSums(weightedSums()) {}
 
     void run() {
         forEachRow(mBands.count(), [this](std::size_t band) { keepSeam(band); });
@@ -88,32 +105,37 @@ private:
     }
 
     void blurBand(std::size_t band) {
-        const std::size_t begin = mBands.begin(band);
-        std::size_t next = begin - std::min(begin, mShape.radius);
-        for (std::size_t y = begin; y < mBands.begin(band + 1); ++y) {
-            for (; next <= std::min(y + mShape.radius, mShape.height - 1); ++next) {
+        const std::size_t end = mBands.begin(band + 1);
+        std::size_t y = mBands.begin(band);
+        std::size_t next = y - std::min(y, mShape.radius);
+        while (y < end) {
+            const std::size_t count = mTaps.size() >= BLUR_GROUP && y + BLUR_GROUP <= end ? BLUR_GROUP : 1;
+            for (; next <= std::min(y + count - 1 + mShape.radius, mShape.height - 1); ++next) {
                 if (!mBands.isInSeam(band, next)) {
                     blurLengthwise(band, next);
                 }
             }
-            sumDown(band, y);
+            sumDown(band, y, count);
+            y += count;
         }
     }
 
-    /// Where a band lists the rows of a sum: one for each tap.
-    const float** rowsOf(std::size_t band) { return mRows.data() + band * mTaps.size(); }
+    /// Rows that the sums of a group of output rows read: one for each tap of the first, and one more for each other.
+    std::size_t rowsPerBand() const { return mTaps.size() + BLUR_GROUP - 1; }
+    /// Where a band lists the rows of its sums.
+    const float** rowsOf(std::size_t band) { return mRows.data() + band * rowsPerBand(); }
 
     void blurLengthwise(std::size_t band, std::size_t y) {
         float* line = mBands.line(band);
         fillLine(y, line);
         const float** rows = rowsOf(band);
         for (std::size_t tap = 0; tap < mTaps.size(); ++tap) {
-            rows[tap] = line + tap;
+            rows[tap] = line + tap * mShape.step;
         }
         float* target = mBands.row(band, y);
         for (std::size_t plane = 0; plane < mShape.planes; ++plane) {
-            mSum(rows, plane * mBands.lineStride(), mTaps.data(), mTaps.size(), mShape.width,
-                 target + plane * mBands.planeStride());
+            mSums.one(rows, plane * mBands.lineStride(), mTaps.data(), mTaps.size(), mShape.width,
+                      target + plane * mBands.planeStride());
         }
     }
 
@@ -123,30 +145,50 @@ private:
             mRead(y, first, length, run);
             const float* const from[] = {run.r, run.g, run.b, run.a};
             for (std::size_t plane = 0; plane < mShape.planes; ++plane) {
-                std::copy_n(from[plane], length, line + plane * mBands.lineStride() + mShape.radius + first);
+                std::copy_n(from[plane], length, line + plane * mBands.lineStride() + mBands.border() + first);
             }
         });
         for (std::size_t plane = 0; plane < mShape.planes; ++plane) {
-            float* pixels = line + plane * mBands.lineStride() + mShape.radius;
-            std::fill_n(pixels - mShape.radius, mShape.radius, pixels[0]);
-            std::fill_n(pixels + mShape.width, mShape.radius, pixels[mShape.width - 1]);
+            float* first = line + plane * mBands.lineStride() + mBands.border();
+            float* end = first + mShape.width;
+            for (std::size_t i = 0; i < mBands.border(); ++i) {
+                *(first - i - 1) = first[mShape.step - 1 - i % mShape.step];
+                end[i] = *(end - mShape.step + i % mShape.step);
+            }
         }
     }
 
-    void sumDown(std::size_t band, std::size_t y) {
+    /// Finishes one output row or a group of them.
+    void sumDown(std::size_t band, std::size_t y, std::size_t count) {
         const float** rows = rowsOf(band);
-        for (std::size_t tap = 0; tap < mTaps.size(); ++tap) {
-            const std::size_t above = std::max(y + tap, mShape.radius) - mShape.radius; // the first row at least
-            rows[tap] = mBands.row(band, std::min(above, mShape.height - 1));
+        for (std::size_t i = 0; i < mTaps.size() + count - 1; ++i) {
+            const std::size_t above = std::max(y + i, mShape.radius) - mShape.radius; // the first row at least
+            rows[i] = mBands.row(band, std::min(above, mShape.height - 1));
         }
-        Run run;
+        Run runs[BLUR_GROUP];
         forEachRun(mShape.width, [&](std::size_t first, std::size_t length) {
-            float* const to[] = {run.r, run.g, run.b, run.a};
             for (std::size_t plane = 0; plane < mShape.planes; ++plane) {
-                mSum(rows, plane * mBands.planeStride() + first, mTaps.data(), mTaps.size(), length, to[plane]);
+                sumPlane(rows, plane, first, length, count, runs);
             }
-            mWrite(y, first, length, run);
+            for (std::size_t i = 0; i < count; ++i) {
+                mWrite(y + i, first, length, runs[i]);
+            }
         });
+    }
+
+    void sumPlane(const float** rows, std::size_t plane, std::size_t first, std::size_t length, std::size_t count,
+                  Run* runs) {
+        const std::size_t offset = plane * mBands.planeStride() + first;
+        float* targets[BLUR_GROUP];
+        for (std::size_t i = 0; i < BLUR_GROUP; ++i) {
+            float* const planes[] = {runs[i].r, runs[i].g, runs[i].b, runs[i].a};
+            targets[i] = planes[plane];
+        }
+        if (count == BLUR_GROUP) {
+            mSums.group(rows, offset, mTaps.data(), mTaps.size(), length, targets);
+        } else {
+            mSums.one(rows, offset, mTaps.data(), mTaps.size(), length, targets[0]);
+        }
     }
 
     const BlurShape mShape;
@@ -155,7 +197,7 @@ private:
     const Write& mWrite;
     const BlurBands mBands;
     std::vector<const float*> mRows;
-    const WeightedSum mSum;
+    const WeightedSums mSums;
 };
 
 /// Runs a BandBlur over a picture that has pixels.

@@ -140,16 +140,36 @@ void splitPixels(const std::uint8_t* pixels, std::size_t stride, std::size_t len
     }
 }
 
+/// Bytes to memory past the cache. Other threads see them after the loop over rows, which waits for such stores.
+void stream(const std::uint8_t* bytes, std::size_t count, std::uint8_t* target) {
+    const U8 d;
+    const std::size_t lanes = hn::Lanes(d);
+    const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(target) % lanes;
+    std::size_t i = std::min(count, misaligned == 0 ? 0 : lanes - misaligned);
+    std::memcpy(target, bytes, i);
+    for (; i + lanes <= count; i += lanes) {
+        hn::Stream(hn::LoadU(d, bytes + i), d, target + i);
+    }
+    std::memcpy(target + i, bytes + i, count - i);
+}
+
 /// Planes into pixels of any stride.
-template <std::size_t Count, typename T>
+template <std::size_t Count, Writing W, typename T>
 void joinPixels(const T* const* planes, std::size_t length, std::uint8_t* pixels, std::size_t stride) {
     constexpr std::size_t SIZE = Count * sizeof(T);
-    if (stride == SIZE) {
+    const bool isPacked = stride == SIZE;
+    if (isPacked && W == Writing::THROUGH_CACHE) {
         join<Count>(planes, length, pixels);
+    } else if (isPacked && Count == 1) {
+        stream(reinterpret_cast<const std::uint8_t*>(planes[0]), length * SIZE, pixels);
     } else {
-        std::uint8_t packed[RUN_LENGTH * SIZE];
+        alignas(64) std::uint8_t packed[RUN_LENGTH * SIZE];
         join<Count>(planes, length, packed);
-        unpack<SIZE>(packed, length, pixels, stride);
+        if (isPacked) {
+            stream(packed, length * SIZE, pixels);
+        } else {
+            unpack<SIZE>(packed, length, pixels, stride);
+        }
     }
 }
 
@@ -251,7 +271,7 @@ void decode(const std::uint8_t* pixels, std::size_t stride, std::size_t length, 
     }
 }
 
-template <Format F>
+template <Format F, Writing W>
 void encode(const Planes& channels, std::size_t length, std::uint8_t* pixels, std::size_t stride) {
     constexpr PixelFormat FORMAT = pixelFormat(F);
     constexpr std::size_t COUNT = FORMAT.elementCount();
@@ -265,7 +285,7 @@ void encode(const Planes& channels, std::size_t length, std::uint8_t* pixels, st
         planes[FORMAT.alpha] = channels.a;
     }
     if constexpr (FORMAT.isFloat()) {
-        joinPixels<COUNT, float>(planes, length, pixels, stride);
+        joinPixels<COUNT, W, float>(planes, length, pixels, stride);
     } else {
         ByteRun bytes;
         const std::uint8_t* const codes[4] = {bytes.plane[0], bytes.plane[1], bytes.plane[2], bytes.plane[3]};
@@ -276,7 +296,7 @@ void encode(const Planes& channels, std::size_t length, std::uint8_t* pixels, st
                 encodeGammaBytes(planes[i], length, bytes.plane[i]);
             }
         }
-        joinPixels<COUNT, std::uint8_t>(codes, length, pixels, stride);
+        joinPixels<COUNT, W, std::uint8_t>(codes, length, pixels, stride);
     }
 }
 
@@ -313,9 +333,9 @@ constexpr std::array<DecodeRun, FORMAT_COUNT> decoders(std::index_sequence<F...>
     return {&decode<static_cast<Format>(F)>...};
 }
 
-template <std::size_t... F>
+template <Writing W, std::size_t... F>
 constexpr std::array<EncodeRun, FORMAT_COUNT> encoders(std::index_sequence<F...>) {
-    return {&encode<static_cast<Format>(F)>...};
+    return {&encode<static_cast<Format>(F), W>...};
 }
 
 } // namespace
@@ -325,9 +345,11 @@ DecodeRun decoder(Format format) {
     return TABLE[static_cast<std::size_t>(format)];
 }
 
-EncodeRun encoder(Format format) {
-    static constexpr auto TABLE = encoders(std::make_index_sequence<FORMAT_COUNT>());
-    return TABLE[static_cast<std::size_t>(format)];
+EncodeRun encoder(Format format, Writing writing) {
+    constexpr auto FORMATS = std::make_index_sequence<FORMAT_COUNT>();
+    static constexpr auto THROUGH_CACHE = encoders<Writing::THROUGH_CACHE>(FORMATS);
+    static constexpr auto PAST_CACHE = encoders<Writing::PAST_CACHE>(FORMATS);
+    return (writing == Writing::PAST_CACHE ? PAST_CACHE : THROUGH_CACHE)[static_cast<std::size_t>(format)];
 }
 
 void greyOfLinear(Run& run, std::size_t length) {
@@ -365,8 +387,22 @@ DecodeRun decoderOf(Format format) {
     return HWY_DYNAMIC_DISPATCH(decoder)(format);
 }
 
-EncodeRun encoderOf(Format format) {
-    return HWY_DYNAMIC_DISPATCH(encoder)(format);
+EncodeRun encoderOf(Format format, Writing writing) {
+    return HWY_DYNAMIC_DISPATCH(encoder)(format, writing);
+}
+
+Writing writingOf(const Image& source, const Image& target) {
+    // More than the last-level cache of a processor has for each of two pictures.
+    constexpr std::size_t LARGE = std::size_t{32} << 20U;
+    const bool isLarge = target.getHeight() * target.getByteRowStride() >= LARGE;
+    // Runs of bytes are too short to gain: the cache lines at their ends are written by halves.
+    return isLarge && target.hasFloatFormat() && !shareMemory(source, target) ? Writing::PAST_CACHE : Writing::THROUGH_CACHE;
+}
+
+bool shareMemory(const Image& a, const Image& b) {
+    const auto begin = [](const Image& image) { return reinterpret_cast<std::uintptr_t>(image.getDataPtr()); };
+    const auto end = [&](const Image& image) { return begin(image) + image.getHeight() * image.getByteRowStride(); };
+    return begin(a) < end(b) && begin(b) < end(a);
 }
 
 RunReader::RunReader(Format source, Format channels)
@@ -393,8 +429,9 @@ Planes RunReader::read(const std::uint8_t* pixels, std::size_t stride, std::size
     return mIsGrey ? Planes{run.r, run.r, run.r, run.a} : Planes{run.r, run.g, run.b, run.a};
 }
 
-RunWriter::RunWriter(Format channels, Format target)
-    : mEncode(encoderOf(target)), mTakesGrey(takesGrey(channels, target)), mIsGrey(pixelFormat(channels).isGrey()),
+RunWriter::RunWriter(Format channels, Format target, Writing writing)
+    : mEncode(encoderOf(target, writing)), mTakesGrey(takesGrey(channels, target)),
+      mIsGrey(pixelFormat(channels).isGrey()),
       mLacksAlpha(pixelFormat(target).hasAlpha() && !pixelFormat(channels).hasAlpha()) {
 }
 

@@ -24,9 +24,21 @@ using DecodeRun = void (*)(const std::uint8_t* pixels, std::size_t stride, std::
 /// Writes `length` pixels. Grey formats take r alone. Bytes are limited and truncated (see encodeGamma, encodeUnit).
 using EncodeRun = void (*)(const Planes& planes, std::size_t length, std::uint8_t* pixels, std::size_t stride);
 
+/// How pixels get to memory.
+enum class Writing {
+    THROUGH_CACHE,
+    PAST_CACHE, ///< for pictures that would not stay in the cache: what they replace is not read first
+};
+
+/// The better way to write a picture that is made from another.
+Writing writingOf(const Image& source, const Image& target);
+
 /// For a known format.
 DecodeRun decoderOf(Format format);
-EncodeRun encoderOf(Format format);
+EncodeRun encoderOf(Format format, Writing writing = Writing::THROUGH_CACHE);
+
+/// Whether any byte belongs to both images.
+bool shareMemory(const Image& a, const Image& b);
 
 /// Reads pixels of one format as planes of the channels of another: as converting them to floats would give.
 class RunReader {
@@ -52,7 +64,7 @@ private:
 class RunWriter {
 public:
     /// @param channels GRAY32F, RGB32F or RGBA32F
-    RunWriter(Format channels, Format target);
+    RunWriter(Format channels, Format target, Writing writing);
 
     /// Leaves the planes changed.
     void write(Run& run, std::size_t length, std::uint8_t* pixels, std::size_t stride) const;

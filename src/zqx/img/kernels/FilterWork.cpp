@@ -13,20 +13,19 @@ Format floatChannels(Format known) {
     return format.isGrey() ? Image::GRAY32F : format.hasAlpha() ? Image::RGBA32F : Image::RGB32F;
 }
 
-bool shareMemory(const Image& a, const Image& b) {
-    const auto begin = [](const Image& image) { return reinterpret_cast<std::uintptr_t>(image.getDataPtr()); };
-    const auto end = [&](const Image& image) { return begin(image) + image.getHeight() * image.getByteRowStride(); };
-    return begin(a) < end(b) && begin(b) < end(a);
-}
-
 bool haveSameLayout(const Image& a, const Image& b) {
     return a.getDataPtr() == b.getDataPtr() && a.getBytePixelStride() == b.getBytePixelStride() &&
            a.getByteRowStride() == b.getByteRowStride();
 }
 
+RowLayout rowOf(const Image& source, const Image& output, Treatment treatment) {
+    const RowLayout pixels = pixelRow(source, output);
+    return treatment == Treatment::OF_CHANNELS ? sampleRow(source, output).value_or(pixels) : pixels;
+}
+
 } // namespace
 
-std::optional<FilterWork> FilterWork::between(const Image& source, const Image& output) {
+std::optional<FilterWork> FilterWork::between(const Image& source, const Image& output, Treatment treatment) {
     if (!isKnown(output.getFormat())) {
         return std::nullopt;
     }
@@ -39,23 +38,20 @@ std::optional<FilterWork> FilterWork::between(const Image& source, const Image& 
         return std::nullopt;
     }
     const Format channels = output.hasFloatFormat() ? output.getFormat() : floatChannels(effective.getFormat());
-    if (!shareMemory(effective, output)) {
-        return FilterWork(std::make_shared<Image>(effective), output, channels, false);
-    }
-    if (haveSameLayout(effective, output)) {
-        return FilterWork(std::make_shared<Image>(effective), output, channels, true);
-    }
-    return FilterWork(effective.convertTo(channels), output, channels, false);
+    const bool isEntangled = shareMemory(effective, output) && !haveSameLayout(effective, output);
+    return FilterWork(isEntangled ? effective.convertTo(channels) : std::make_shared<Image>(effective), output,
+                      channels, treatment);
 }
 
-FilterWork::FilterWork(std::shared_ptr<Image> source, const Image& output, Format channels, bool isInPlace)
-    : mSource(std::move(source)), mOutput(output), mChannels(channels), mIsInPlace(isInPlace),
-      mReader(mSource->getFormat(), channels), mWriter(channels, output.getFormat()) {
+FilterWork::FilterWork(std::shared_ptr<Image> source, const Image& output, Format channels, Treatment treatment)
+    : mSource(std::move(source)), mOutput(output), mRow(rowOf(*mSource, output, treatment)),
+      mChannels(mRow.step > 1 ? Image::GRAY32F : channels), mIsInPlace(shareMemory(*mSource, output)),
+      mReader(mRow.source, mChannels), mWriter(mChannels, mRow.target, writingOf(*mSource, output)) {
 }
 
 void FilterWork::read(std::size_t y, std::size_t first, std::size_t length, Run& run) const {
-    const Planes planes = mReader.read(static_cast<const std::uint8_t*>(mSource->getPixelPtr(first, y)),
-                                       mSource->getBytePixelStride(), length, run);
+    const auto* pixels = static_cast<const std::uint8_t*>(mSource->getRowPtr(y)) + first * mRow.sourceStride;
+    const Planes planes = mReader.read(pixels, mRow.sourceStride, length, run);
     if (planes.g == run.r && !pixelFormat(mChannels).isGrey()) {
         std::copy_n(run.r, length, run.g);
         std::copy_n(run.r, length, run.b);
@@ -63,7 +59,8 @@ void FilterWork::read(std::size_t y, std::size_t first, std::size_t length, Run&
 }
 
 void FilterWork::write(std::size_t y, std::size_t first, std::size_t length, Run& run) const {
-    mWriter.write(run, length, static_cast<std::uint8_t*>(mOutput.getPixelPtr(first, y)), mOutput.getBytePixelStride());
+    auto* pixels = static_cast<std::uint8_t*>(mOutput.getRowPtr(y)) + first * mRow.targetStride;
+    mWriter.write(run, length, pixels, mRow.targetStride);
 }
 
 } // namespace zqx::img::kernels

@@ -77,9 +77,21 @@ void expose(float* plane, std::size_t length, float factor) {
     }
 }
 
-/// A power curve through (0.5, 0.5), evaluated as 0.5 * (2c)^exponent in the logarithmic domain. The logarithm is
-/// rounded to single precision in between.
-void applyContrast(float* plane, std::size_t length, float exponent) {
+// Long chains of dependent operations leave a processor waiting: so what takes logarithms or roots is done in several
+// short loops over a run, which stays in the first-level cache, and not in one.
+
+/// Logarithms in single precision.
+void takeLogarithms(float* plane, std::size_t length) {
+    const F64 d;
+    const HalfF32 df;
+    const auto offset = hn::Set(df, CONTRAST_OFFSET);
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        hn::Store(roundToFloat(d, log2(d, hn::Add(hn::Load(df, plane + i), offset))), df, plane + i);
+    }
+}
+
+/// 2^((l + 1) * exponent - 1) of logarithms l, limited.
+void takePowers(float* plane, std::size_t length, float exponent) {
     const F64 d;
     const HalfF32 df;
     const auto offset = hn::Set(df, CONTRAST_OFFSET);
@@ -87,12 +99,18 @@ void applyContrast(float* plane, std::size_t length, float exponent) {
     const auto one = hn::Set(d, 1.0);
     const auto k = hn::Set(d, static_cast<double>(exponent));
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
-        const auto stops = roundToFloat(d, log2(d, hn::Add(hn::Load(df, plane + i), offset)));
-        const auto curved = exp2(d, hn::Sub(hn::Mul(hn::Add(hn::PromoteTo(d, stops), one), k), one));
+        const auto stops = hn::PromoteTo(d, hn::Load(df, plane + i));
+        const auto curved = exp2(d, hn::Sub(hn::Mul(hn::Add(stops, one), k), one));
         const auto value = hn::Sub(roundToFloat(d, curved), offset);
         const auto notNegative = hn::IfThenElse(hn::Lt(value, hn::Zero(df)), hn::Zero(df), value);
         hn::Store(hn::IfThenElse(hn::Gt(value, limit), limit, notNegative), df, plane + i);
     }
+}
+
+/// A power curve through (0.5, 0.5), evaluated as 0.5 * (2c)^exponent in the logarithmic domain.
+void applyContrast(float* plane, std::size_t length, float exponent) {
+    takeLogarithms(plane, length);
+    takePowers(plane, length, exponent);
 }
 
 HWY_INLINE hn::Vec<F32> adjustHighlight(hn::Vec<F32> c, float highlight) {
@@ -156,62 +174,88 @@ void applyMatrix(Run& run, std::size_t length, const Matrix3& matrix) {
     }
 }
 
-/// Lightness and the chroma plane of CIE 1976 L*u*v*.
-HWY_INLINE Triple<HalfF32> xyzToLuv(const Triple<HalfF32>& xyz) {
+/// CIE 1976 lightness of relative luminance, which it takes the place of.
+void takeLightness(const float* luminance, std::size_t length, float* lightness) {
     const F64 d;
-    const auto x = hn::PromoteTo(d, xyz.x);
-    const auto y = hn::PromoteTo(d, xyz.y);
-    const auto z = hn::PromoteTo(d, xyz.z);
-    const auto scale =
-        hn::Div(hn::Set(d, 1.0), hn::Add(hn::Add(x, hn::Mul(hn::Set(d, 15.0), y)), hn::Mul(hn::Set(d, 3.0), z)));
-    const auto root = hn::Sub(hn::Mul(hn::Set(d, 116.0), cubeRoot(d, y)), hn::Set(d, 16.0));
-    const auto line = hn::Mul(hn::Set(d, CIE_KAPPA), y);
-    const auto lightness = hn::IfThenElse(hn::Gt(y, hn::Set(d, CIE_EPSILON)), root, line);
-    const auto factor = hn::Mul(hn::Set(d, 13.0), lightness);
-    const auto u = hn::Sub(hn::Mul(hn::Mul(hn::Set(d, 4.0), x), scale), hn::Set(d, WHITE_U));
-    const auto v = hn::Sub(hn::Mul(hn::Mul(hn::Set(d, 9.0), y), scale), hn::Set(d, WHITE_V));
-    return {roundToFloat(d, lightness), roundToFloat(d, hn::Mul(factor, u)), roundToFloat(d, hn::Mul(factor, v))};
+    const HalfF32 df;
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const auto y = hn::PromoteTo(d, hn::Load(df, luminance + i));
+        const auto root = hn::Sub(hn::Mul(hn::Set(d, 116.0), cubeRoot(d, y)), hn::Set(d, 16.0));
+        const auto line = hn::Mul(hn::Set(d, CIE_KAPPA), y);
+        hn::Store(roundToFloat(d, hn::IfThenElse(hn::Gt(y, hn::Set(d, CIE_EPSILON)), root, line)), df, lightness + i);
+    }
 }
 
-/// The inverse, with the intermediate terms of the usual formulas (B. Lindbloom, Luv to XYZ) multiplied out: one
-/// division. A colour that has u' = 0 is left without a value by those formulas, and so it is here.
-HWY_INLINE Triple<HalfF32> luvToXyz(const Triple<HalfF32>& luv) {
+/// XYZ in the planes into lightness and the chroma plane of CIE 1976 L*u*v*.
+void takeChroma(Run& run, std::size_t length, const float* lightness) {
     const F64 d;
-    const auto lightness = hn::PromoteTo(d, luv.x);
-    const auto root = hn::Mul(hn::Add(lightness, hn::Set(d, 16.0)), hn::Set(d, 1.0 / 116.0));
-    const auto cube = hn::Mul(hn::Mul(root, root), root);
-    const auto line = hn::Mul(lightness, hn::Set(d, 1.0 / CIE_KAPPA));
-    const auto y = hn::IfThenElse(hn::Gt(lightness, hn::Set(d, 8.0)), cube, line);
-
-    const auto factor = hn::Mul(hn::Set(d, 13.0), lightness);
-    const auto u = hn::Add(hn::PromoteTo(d, luv.y), hn::Mul(factor, hn::Set(d, WHITE_U)));
-    const auto v = hn::Add(hn::PromoteTo(d, luv.z), hn::Mul(factor, hn::Set(d, WHITE_V)));
-    const auto perV = hn::Div(hn::Set(d, 1.0), v);
-    const auto x = hn::Mul(hn::Mul(hn::Mul(hn::Set(d, 2.25), y), u), perV);
-    const auto rest = hn::Mul(hn::Sub(hn::Mul(hn::Set(d, 52.0), lightness), u), perV);
-    const auto z = hn::Mul(y, hn::Sub(hn::Mul(hn::Set(d, 0.75), rest), hn::Set(d, 5.0)));
-    const auto nothing = hn::Set(d, std::numeric_limits<double>::quiet_NaN());
-    return {roundToFloat(d, x), roundToFloat(d, y),
-            roundToFloat(d, hn::IfThenElse(hn::Eq(u, hn::Zero(d)), nothing, z))};
+    const HalfF32 df;
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const Triple<HalfF32> xyz = loadColor(df, run, i);
+        const auto x = hn::PromoteTo(d, xyz.x);
+        const auto y = hn::PromoteTo(d, xyz.y);
+        const auto z = hn::PromoteTo(d, xyz.z);
+        const auto sum = hn::Add(hn::Add(x, hn::Mul(hn::Set(d, 15.0), y)), hn::Mul(hn::Set(d, 3.0), z));
+        const auto scale = hn::Div(hn::Set(d, 1.0), sum);
+        const auto l = hn::Load(df, lightness + i);
+        const auto factor = hn::Mul(hn::Set(d, 13.0), hn::PromoteTo(d, l));
+        const auto u = hn::Sub(hn::Mul(hn::Mul(hn::Set(d, 4.0), x), scale), hn::Set(d, WHITE_U));
+        const auto v = hn::Sub(hn::Mul(hn::Mul(hn::Set(d, 9.0), y), scale), hn::Set(d, WHITE_V));
+        storeColor(df, {l, roundToFloat(d, hn::Mul(factor, u)), roundToFloat(d, hn::Mul(factor, v))}, run, i);
+    }
 }
 
-/// Turns the hue angle of CIE LCh(uv), keeping lightness and chroma: a rotation of the chroma plane. Black has no hue:
-/// its 0/0 is left to stand. Chroma beyond the range of floats leaves no colour, as it would in polar coordinates.
-void turnHue(Run& run, std::size_t length, float cosine, float sine) {
-    const HalfF32 d;
+/// Turns the chroma plane. Chroma beyond the range of floats leaves no colour, as it would in polar coordinates.
+void turnChroma(Run& run, std::size_t length, float cosine, float sine) {
+    const F32 d;
     const auto c = hn::Set(d, cosine);
     const auto s = hn::Set(d, sine);
     const auto infinity = hn::Set(d, std::numeric_limits<float>::infinity());
     const auto nothing = hn::Set(d, std::numeric_limits<float>::quiet_NaN());
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
-        const auto luv = xyzToLuv(transform(d, RGB_TO_XYZ, loadColor(d, run, i)));
+        const Triple<F32> luv = loadColor(d, run, i);
         const auto u = hn::Sub(hn::Mul(luv.y, c), hn::Mul(luv.z, s));
         const auto v = hn::Add(hn::Mul(luv.y, s), hn::Mul(luv.z, c));
         const auto squaredChroma = hn::Add(hn::Mul(luv.y, luv.y), hn::Mul(luv.z, luv.z));
-        const auto isBoundless = hn::Eq(squaredChroma, infinity);
-        const auto xyz = luvToXyz({luv.x, hn::IfThenElse(isBoundless, nothing, u), v});
-        storeColor(d, transform(d, XYZ_TO_RGB, xyz), run, i);
+        storeColor(d, {luv.x, hn::IfThenElse(hn::Eq(squaredChroma, infinity), nothing, u), v}, run, i);
     }
+}
+
+/// L*u*v* in the planes into XYZ, with the intermediate terms of the usual formulas (B. Lindbloom, Luv to XYZ)
+/// multiplied out: one division. A colour of u' = 0 is left without a value by those formulas, and so it is here.
+void luvToXyz(Run& run, std::size_t length) {
+    const F64 d;
+    const HalfF32 df;
+    const auto nothing = hn::Set(d, std::numeric_limits<double>::quiet_NaN());
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        const Triple<HalfF32> luv = loadColor(df, run, i);
+        const auto lightness = hn::PromoteTo(d, luv.x);
+        const auto root = hn::Mul(hn::Add(lightness, hn::Set(d, 16.0)), hn::Set(d, 1.0 / 116.0));
+        const auto cube = hn::Mul(hn::Mul(root, root), root);
+        const auto line = hn::Mul(lightness, hn::Set(d, 1.0 / CIE_KAPPA));
+        const auto y = hn::IfThenElse(hn::Gt(lightness, hn::Set(d, 8.0)), cube, line);
+
+        const auto factor = hn::Mul(hn::Set(d, 13.0), lightness);
+        const auto u = hn::Add(hn::PromoteTo(d, luv.y), hn::Mul(factor, hn::Set(d, WHITE_U)));
+        const auto v = hn::Add(hn::PromoteTo(d, luv.z), hn::Mul(factor, hn::Set(d, WHITE_V)));
+        const auto perV = hn::Div(hn::Set(d, 1.0), v);
+        const auto x = hn::Mul(hn::Mul(hn::Mul(hn::Set(d, 2.25), y), u), perV);
+        const auto rest = hn::Mul(hn::Sub(hn::Mul(hn::Set(d, 52.0), lightness), u), perV);
+        const auto z = hn::Mul(y, hn::Sub(hn::Mul(hn::Set(d, 0.75), rest), hn::Set(d, 5.0)));
+        const auto zOrNothing = hn::IfThenElse(hn::Eq(u, hn::Zero(d)), nothing, z);
+        storeColor(df, {roundToFloat(d, x), roundToFloat(d, y), roundToFloat(d, zOrNothing)}, run, i);
+    }
+}
+
+/// Turns the hue angle of CIE LCh(uv), keeping lightness and chroma. Black has no hue: its 0/0 is left to stand.
+void turnHue(Run& run, std::size_t length, float cosine, float sine) {
+    alignas(64) float lightness[RUN_LENGTH];
+    applyMatrix(run, length, RGB_TO_XYZ);
+    takeLightness(run.g, length, lightness);
+    takeChroma(run, length, lightness);
+    turnChroma(run, length, cosine, sine);
+    luvToXyz(run, length);
+    applyMatrix(run, length, XYZ_TO_RGB);
 }
 
 HWY_INLINE hn::Vec<F32> lumaOf(const Triple<F32>& color) {
@@ -409,7 +453,7 @@ void gradePixels(const Image& source, const Image& destination, const ColorGradi
     }
     const Settings settings(params);
     const GradedReader reader(source.getFormat(), settings);
-    const EncodeRun encode = encoderOf(destination.getFormat());
+    const EncodeRun encode = encoderOf(destination.getFormat(), writingOf(source, destination));
     const auto grade = chosenSteps().gradeColor;
     forEachRow(source.getHeight(), [&](std::size_t y) {
         const auto* from = static_cast<const std::uint8_t*>(source.getRowPtr(y));

@@ -11,6 +11,9 @@
 #define ZQX_IMG_MATHS_INL_H_
 #endif
 
+#include <bit>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 
 #include <hwy/highway.h>
@@ -20,14 +23,27 @@ namespace zqx::img::kernels::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-/// Horner's rule. Coefficients from the highest power down.
+/// The part of a polynomial from one coefficient on, divided by its power of x.
+template <std::size_t Begin, std::size_t Count, class D, class V, std::size_t Total>
+HWY_INLINE V polynomialPart(D d, const double (&coefficients)[Total], V x, V x2, V x4, V x8) {
+    if constexpr (Count == 1) {
+        return hn::Set(d, coefficients[Begin]);
+    } else {
+        constexpr std::size_t HALF = std::bit_ceil(Count) / 2;
+        static_assert(HALF <= 8);
+        const V power = HALF == 1 ? x : HALF == 2 ? x2 : HALF == 4 ? x4 : x8;
+        const V low = polynomialPart<Begin, HALF>(d, coefficients, x, x2, x4, x8);
+        const V high = polynomialPart<Begin + HALF, Count - HALF>(d, coefficients, x, x2, x4, x8);
+        return hn::Add(low, hn::Mul(high, power));
+    }
+}
+
+/// Coefficients from the constant term up, by Estrin's scheme: halves are computed side by side.
 template <class D, class V, std::size_t Count>
 HWY_INLINE V polynomial(D d, V x, const double (&coefficients)[Count]) {
-    V sum = hn::Set(d, coefficients[0]);
-    for (std::size_t i = 1; i < Count; ++i) {
-        sum = hn::Add(hn::Mul(sum, x), hn::Set(d, coefficients[i]));
-    }
-    return sum;
+    const V x2 = hn::Mul(x, x);
+    const V x4 = hn::Mul(x2, x2);
+    return polynomialPart<0, Count>(d, coefficients, x, x2, x4, hn::Mul(x4, x4));
 }
 
 /// Rounds to the nearest float; what is beyond the range of floats becomes infinity.
@@ -48,29 +64,40 @@ HWY_INLINE hn::Vec<hn::Rebind<float, D>> roundToFloat(D d, hn::Vec<D> v) {
 #endif
 }
 
-/// log2 of floats that are not subnormal, in double precision. Absolute error below 1e-13.
-/// Zero gives -infinity, infinity itself, what is negative or NaN gives NaN.
-template <class D, class VF>
-HWY_INLINE hn::Vec<D> log2(D d, VF x) {
-    const hn::Rebind<float, D> df;
-    const hn::RebindToSigned<decltype(df)> di;
-    // x = 2^exponent * mantissa, the mantissa between the roots of 1/2 and 2.
-    constexpr std::int32_t ROOT_OF_HALF_BITS = 0x3f3504f3;
-    const auto bits = hn::BitCast(di, x);
-    const auto exponent = hn::ShiftRight<23>(hn::Sub(bits, hn::Set(di, ROOT_OF_HALF_BITS)));
-    const auto mantissa = hn::PromoteTo(d, hn::BitCast(df, hn::Sub(bits, hn::ShiftLeft<23>(exponent))));
+/// log2 of doubles that are positive, finite and not subnormal. Absolute error below 1e-13.
+/// What is outside the domain gives any number.
+template <class D, class V>
+HWY_INLINE V log2OfPositive(D d, V x) {
+    const hn::RebindToUnsigned<D> du;
+    // x = 2^exponent * mantissa, the mantissa between the roots of 1/2 and 2. Conversions between integers and doubles
+    // are slow: the exponent becomes one as the last bits of 2^52.
+    constexpr std::uint64_t ROOT_OF_HALF = 0x3fe6a09e667f3bcd;
+    constexpr std::uint64_t ONE = 0x3ff0000000000000;
+    constexpr std::uint64_t EXPONENT_BITS = 0xfff0000000000000;
+    const auto bits = hn::BitCast(du, x);
+    const auto shifted = hn::Add(bits, hn::Set(du, ONE - ROOT_OF_HALF));
+    const auto biased = hn::Or(hn::ShiftRight<52>(shifted), hn::BitCast(du, hn::Set(d, 0x1p52)));
+    const auto exponent = hn::Sub(hn::BitCast(d, biased), hn::Set(d, 0x1p52 + 1023.0));
+    const auto power = hn::Sub(hn::And(shifted, hn::Set(du, EXPONENT_BITS)), hn::Set(du, ONE));
+    const auto mantissa = hn::BitCast(d, hn::Sub(bits, power));
 
     // log2 m = 2 / ln 2 * artanh((m - 1) / (m + 1))
     constexpr double SERIES[] = {
-        0x1.89f3b1694cffep-3, // 2 / ln 2 / 15, and so on down to 1
-        0x1.c68f568d31760p-3, 0x1.0c9a84994022dp-2, 0x1.484b13d7c02a9p-2, 0x1.a61762a7aded9p-2,
-        0x1.2776c50ef9bfep-1, 0x1.ec709dc3a03fdp-1, 0x1.71547652b82fep+1,
+        0x1.71547652b82fep+1, // 2 / ln 2, and that by 3, by 5 and so on
+        0x1.ec709dc3a03fdp-1, 0x1.2776c50ef9bfep-1, 0x1.a61762a7aded9p-2, 0x1.484b13d7c02a9p-2,
+        0x1.0c9a84994022dp-2, 0x1.c68f568d31760p-3, 0x1.89f3b1694cffep-3,
     };
     const auto one = hn::Set(d, 1.0);
     const auto t = hn::Div(hn::Sub(mantissa, one), hn::Add(mantissa, one));
-    const auto logarithm = hn::Add(hn::PromoteTo(d, exponent), hn::Mul(t, polynomial(d, hn::Mul(t, t), SERIES)));
+    return hn::Add(exponent, hn::Mul(t, polynomial(d, hn::Mul(t, t), SERIES)));
+}
 
+/// The same for all floats but subnormal ones: zero gives -infinity, infinity itself, what is negative or NaN gives
+/// NaN.
+template <class D, class VF>
+HWY_INLINE hn::Vec<D> log2(D d, VF x) {
     const auto wide = hn::PromoteTo(d, x);
+    const auto logarithm = log2OfPositive(d, wide);
     const auto infinity = hn::Set(d, std::numeric_limits<double>::infinity());
     const auto notPositive = hn::IfThenElse(hn::Eq(wide, hn::Zero(d)), hn::Neg(infinity),
                                             hn::Set(d, std::numeric_limits<double>::quiet_NaN()));
@@ -78,9 +105,9 @@ HWY_INLINE hn::Vec<D> log2(D d, VF x) {
     return hn::IfThenElse(hn::Gt(wide, hn::Zero(d)), positive, notPositive);
 }
 
-/// 2^x in double precision. Relative error below 1e-13. x is limited to [-1022, 1023]; NaN gives NaN.
+/// 2^x in double precision. Relative error below 1e-13. x is limited to [-1022, 1023]; NaN gives any number.
 template <class D, class V>
-HWY_INLINE V exp2(D d, V x) {
+HWY_INLINE V exp2OfNumber(D d, V x) {
     const hn::RebindToUnsigned<D> du;
     const auto most = hn::Set(d, 1023.0);
     const auto least = hn::Set(d, -1022.0);
@@ -91,23 +118,28 @@ HWY_INLINE V exp2(D d, V x) {
     const auto fraction = hn::Sub(limited, hn::Sub(shifted, shifter));
 
     constexpr double SERIES[] = {
-        0x1.e8cac7351bb22p-32, // (ln 2)^11 / 11!, and so on
-        0x1.e4cf5158b8ec7p-28,
-        0x1.b5253d395e7c1p-24,
-        0x1.62c0223a5c822p-20,
-        0x1.ffcbfc588b0c5p-17,
-        0x1.430912f86c786p-13,
-        0x1.5d87fe78a6730p-10,
-        0x1.3b2ab6fba4e77p-7,
-        0x1.c6b08d704a0bfp-5,
-        0x1.ebfbdff82c58ep-3,
-        0x1.62e42fefa39efp-1,
         1.0,
+        0x1.62e42fefa39efp-1,
+        0x1.ebfbdff82c58ep-3,
+        0x1.c6b08d704a0bfp-5,
+        0x1.3b2ab6fba4e77p-7,
+        0x1.5d87fe78a6730p-10,
+        0x1.430912f86c786p-13,
+        0x1.ffcbfc588b0c5p-17,
+        0x1.62c0223a5c822p-20,
+        0x1.b5253d395e7c1p-24,
+        0x1.e4cf5158b8ec7p-28,
+        0x1.e8cac7351bb22p-32, // (ln 2)^k / k!
     };
     const auto power = polynomial(d, fraction, SERIES);
     const auto exponent = hn::ShiftLeft<52>(hn::BitCast(du, shifted));
-    const auto scaled = hn::BitCast(d, hn::Add(hn::BitCast(du, power), exponent));
-    return hn::IfThenElse(hn::Eq(x, x), scaled, x);
+    return hn::BitCast(d, hn::Add(hn::BitCast(du, power), exponent));
+}
+
+/// The same; NaN gives NaN.
+template <class D, class V>
+HWY_INLINE V exp2(D d, V x) {
+    return hn::IfThenElse(hn::Eq(x, x), exp2OfNumber(d, x), x);
 }
 
 /// Cube root of doubles that are floats from 2^-100 to the largest. Relative error below 1e-13.

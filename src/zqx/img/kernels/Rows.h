@@ -12,6 +12,8 @@
 #include <omp.h>
 #endif
 
+#include <hwy/cache_control.h>
+
 namespace zqx::img::kernels {
 
 /// Threads that a loop over many rows is spread over.
@@ -36,6 +38,7 @@ void forEachRow(std::size_t count, const Body& body) {
             for (std::size_t row = worker * count / workers; row < (worker + 1) * count / workers; ++row) {
                 body(row);
             }
+            hwy::FlushStream();
         });
     }
     for (std::thread& thread : team) {
@@ -43,9 +46,13 @@ void forEachRow(std::size_t count, const Body& body) {
     }
 #else
     const auto rows = static_cast<std::int64_t>(count); // OpenMP 2.0 wants a signed index
-#pragma omp parallel for schedule(static)
-    for (std::int64_t row = 0; row < rows; ++row) {
-        body(static_cast<std::size_t>(row));
+#pragma omp parallel
+    {
+#pragma omp for schedule(static) nowait
+        for (std::int64_t row = 0; row < rows; ++row) {
+            body(static_cast<std::size_t>(row));
+        }
+        hwy::FlushStream(); // what bodies wrote past the cache
     }
 #endif
 }

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstring>
 
 #include "PixelFormat.h"
@@ -35,13 +34,10 @@ void withPixelSize(Format format, const Function& function) {
     }
 }
 
-/// Bytes of source and target that are turned together: rows of one are columns of the other, and as many cache lines
-/// and memory pages as there are rows in a tile have to stay within reach.
-constexpr std::size_t TILE_BYTES = 16384;
-
-/// Pixels along the edge of a square tile.
+/// Pixels along the edge of a square tile that is turned at once. Rows of one picture are columns of the other, so as
+/// many cache lines and memory pages as a tile has rows must stay within reach.
 template <std::size_t Size>
-constexpr std::size_t TILE_EDGE = std::bit_floor(TILE_BYTES / Size) >= 4096 ? 64 : 32;
+constexpr std::size_t TILE_EDGE = Size <= 4 ? 64 : 32;
 
 /// A column of the source as it becomes a row of the target.
 struct Column {
@@ -71,23 +67,46 @@ void fillFromColumns(const Image& target, const ColumnOf& columnOf) {
     });
 }
 
+/// std::swap of pixels goes byte by byte; this moves whole words.
+template <std::size_t Size>
+void exchange(Pixel<Size>* a, Pixel<Size>* b) {
+    std::uint8_t saved[Size];
+    std::memcpy(saved, a, Size);
+    std::memcpy(a, b, Size);
+    std::memcpy(b, saved, Size);
+}
+
+/// Exchanges two blocks of bytes by way of the first-level cache.
+void exchange(std::uint8_t* a, std::uint8_t* b, std::size_t count) {
+    constexpr std::size_t PIECE = 4096;
+    std::uint8_t saved[PIECE];
+    for (std::size_t first = 0; first < count; first += PIECE) {
+        const std::size_t length = std::min(PIECE, count - first);
+        std::memcpy(saved, a + first, length);
+        std::memcpy(a + first, b + first, length);
+        std::memcpy(b + first, saved, length);
+    }
+}
+
 } // namespace
 
 void mirrorColumns(const Image& image) {
     withPixelSize(image.getFormat(), [&]<std::size_t Size>() {
         forEachRow(image.getHeight(), [&](std::size_t y) {
-            auto* row = rowOf<Size>(image, y);
-            std::reverse(row, row + image.getWidth());
+            Pixel<Size>* left = rowOf<Size>(image, y);
+            Pixel<Size>* right = left + image.getWidth();
+            while (left + 1 < right) {
+                exchange<Size>(left++, --right);
+            }
         });
     });
 }
 
 void mirrorRows(const Image& image) {
-    withPixelSize(image.getFormat(), [&]<std::size_t Size>() {
-        forEachRow(image.getHeight() / 2, [&](std::size_t y) {
-            auto* upper = rowOf<Size>(image, y);
-            std::swap_ranges(upper, upper + image.getWidth(), rowOf<Size>(image, image.getHeight() - 1 - y));
-        });
+    const std::size_t bytes = image.getWidth() * pixelByteSize(image.getFormat());
+    forEachRow(image.getHeight() / 2, [&](std::size_t y) {
+        exchange(static_cast<std::uint8_t*>(image.getRowPtr(y)),
+                 static_cast<std::uint8_t*>(image.getRowPtr(image.getHeight() - 1 - y)), bytes);
     });
 }
 

@@ -86,7 +86,7 @@ HWY_EXPORT(sharpenRun);
 
 void sharpenLuminance(const Image& source, const Image& output, const std::vector<float>& taps,
                       const SharpenSettings& settings) {
-    const std::optional<FilterWork> work = FilterWork::between(source, output);
+    const std::optional<FilterWork> work = FilterWork::between(source, output, Treatment::OF_PIXELS);
     if (!work) {
         return;
     }
@@ -104,7 +104,7 @@ void sharpenLuminance(const Image& source, const Image& output, const std::vecto
         sharpen(run, length, blurred.r, settings);
         work->write(y, first, length, run);
     };
-    blurInBands({work->width(), work->height(), 1, taps.size() / 2, work->isInPlace()}, taps, readLuminance, write);
+    blurInBands({work->width(), work->height(), 1, 1, taps.size() / 2, work->isInPlace()}, taps, readLuminance, write);
 }
 
 } // namespace zqx::img::kernels

@@ -61,10 +61,64 @@ void sumRows(const float* const* rows, std::size_t offset, const float* weights,
     }
 }
 
+/// The sums of a group at one place. Row k is the k-th of the first sum and the (k - 1)-th of the second.
+struct SumGroup {
+    hn::Vec<F32> sum0;
+    hn::Vec<F32> sum1;
+    hn::Vec<F32> sum2;
+    hn::Vec<F32> sum3;
+};
+
+HWY_INLINE void addTo(hn::Vec<F32>& sum, float weight, hn::Vec<F32> value) {
+    sum = hn::Add(sum, hn::Mul(hn::Set(F32(), weight), value));
+}
+
+/// Adds a row to those of the sums that it belongs to.
+HWY_INLINE void addRow(SumGroup& group, const float* weights, std::size_t count, std::size_t k, hn::Vec<F32> value) {
+    if (k < count) {
+        addTo(group.sum0, weights[k], value);
+    }
+    if (k >= 1 && k - 1 < count) {
+        addTo(group.sum1, weights[k - 1], value);
+    }
+    if (k >= 2 && k - 2 < count) {
+        addTo(group.sum2, weights[k - 2], value);
+    }
+    if (k >= 3 && k - 3 < count) {
+        addTo(group.sum3, weights[k - 3], value);
+    }
+}
+
+void sumRowGroup(const float* const* rows, std::size_t offset, const float* weights, std::size_t count,
+                 std::size_t length, float* const* targets) {
+    static_assert(WEIGHTED_SUM_GROUP == 4);
+    const F32 d;
+    for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
+        SumGroup group{hn::Zero(d), hn::Zero(d), hn::Zero(d), hn::Zero(d)};
+        for (std::size_t k = 0; k < 3; ++k) {
+            addRow(group, weights, count, k, hn::LoadU(d, rows[k] + offset + i));
+        }
+        for (std::size_t k = 3; k < count; ++k) { // rows of all four
+            const auto row = hn::LoadU(d, rows[k] + offset + i);
+            addTo(group.sum0, weights[k], row);
+            addTo(group.sum1, weights[k - 1], row);
+            addTo(group.sum2, weights[k - 2], row);
+            addTo(group.sum3, weights[k - 3], row);
+        }
+        for (std::size_t k = count; k < count + 3; ++k) {
+            addRow(group, weights, count, k, hn::LoadU(d, rows[k] + offset + i));
+        }
+        hn::StoreU(group.sum0, d, targets[0] + i);
+        hn::StoreU(group.sum1, d, targets[1] + i);
+        hn::StoreU(group.sum2, d, targets[2] + i);
+        hn::StoreU(group.sum3, d, targets[3] + i);
+    }
+}
+
 } // namespace
 
-WeightedSum sumRowsKernel() {
-    return &sumRows;
+WeightedSums sums() {
+    return {&sumRows, &sumRowGroup};
 }
 
 } // namespace zqx::img::kernels::HWY_NAMESPACE
@@ -74,11 +128,11 @@ HWY_AFTER_NAMESPACE();
 namespace zqx::img::kernels {
 
 namespace {
-HWY_EXPORT(sumRowsKernel);
+HWY_EXPORT(sums);
 }
 
-WeightedSum weightedSum() {
-    return HWY_DYNAMIC_DISPATCH(sumRowsKernel)();
+WeightedSums weightedSums() {
+    return HWY_DYNAMIC_DISPATCH(sums)();
 }
 
 } // namespace zqx::img::kernels
