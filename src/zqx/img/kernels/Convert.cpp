@@ -1,17 +1,32 @@
-// Conversion row by row: read runs as the target's channels, encode them.
+// Conversion row by row: look bytes up, or read runs as the target's channels, encode them.
 #include "Convert.h"
 
 #include "Codec.h"
+#include "LookUp.h"
 #include "Rows.h"
 #include "Samples.h"
 
 namespace zqx::img::kernels {
 
-void convertPixels(const Image& source, const Image& target) {
-    if (!isKnown(source.getFormat()) || !isKnown(target.getFormat())) {
-        return;
-    }
-    const RowLayout row = sampleRow(source, target).value_or(pixelRow(source, target));
+namespace {
+
+bool isPacked(const RowLayout& row) {
+    return row.sourceStride == pixelByteSize(row.source) && row.targetStride == pixelByteSize(row.target);
+}
+
+/// Single bytes become floats by their table alone.
+bool isLookUp(const RowLayout& row) {
+    return row.target == Image::GRAY32F && pixelFormat(row.source).byteSize() == 1 && isPacked(row);
+}
+
+void lookUpRows(const RowLayout& row, const Image& source, const Image& target) {
+    const ByteTable& table = linearLightTable(row.source);
+    forEachRow(source.getHeight(), [&](std::size_t y) {
+        lookUp(table.data(), static_cast<const std::uint8_t*>(source.getRowPtr(y)), row.width, target.getRowPtr(y));
+    });
+}
+
+void convertRows(const RowLayout& row, const Image& source, const Image& target) {
     const RunReader reader(row.source, row.target);
     const EncodeRun encode = encoderOf(row.target, writingOf(source, target));
     forEachRow(source.getHeight(), [&](std::size_t y) {
@@ -23,6 +38,16 @@ void convertPixels(const Image& source, const Image& target) {
             encode(planes, length, to + first * row.targetStride, row.targetStride);
         });
     });
+}
+
+} // namespace
+
+void convertPixels(const Image& source, const Image& target) {
+    if (!isKnown(source.getFormat()) || !isKnown(target.getFormat())) {
+        return;
+    }
+    const RowLayout row = sampleRow(source, target).value_or(pixelRow(source, target));
+    isLookUp(row) ? lookUpRows(row, source, target) : convertRows(row, source, target);
 }
 
 void bringInto(const Image& source, Image& target) {

@@ -76,18 +76,6 @@ void exchange(Pixel<Size>* a, Pixel<Size>* b) {
     std::memcpy(b, saved, Size);
 }
 
-/// Exchanges two blocks of bytes by way of the first-level cache.
-void exchange(std::uint8_t* a, std::uint8_t* b, std::size_t count) {
-    constexpr std::size_t PIECE = 4096;
-    std::uint8_t saved[PIECE];
-    for (std::size_t first = 0; first < count; first += PIECE) {
-        const std::size_t length = std::min(PIECE, count - first);
-        std::memcpy(saved, a + first, length);
-        std::memcpy(a + first, b + first, length);
-        std::memcpy(b + first, saved, length);
-    }
-}
-
 } // namespace
 
 void mirrorColumns(const Image& image) {
@@ -105,8 +93,8 @@ void mirrorColumns(const Image& image) {
 void mirrorRows(const Image& image) {
     const std::size_t bytes = image.getWidth() * pixelByteSize(image.getFormat());
     forEachRow(image.getHeight() / 2, [&](std::size_t y) {
-        exchange(static_cast<std::uint8_t*>(image.getRowPtr(y)),
-                 static_cast<std::uint8_t*>(image.getRowPtr(image.getHeight() - 1 - y)), bytes);
+        auto* upper = static_cast<std::uint8_t*>(image.getRowPtr(y));
+        std::swap_ranges(upper, upper + bytes, static_cast<std::uint8_t*>(image.getRowPtr(image.getHeight() - 1 - y)));
     });
 }
 
