@@ -15,15 +15,22 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 using F32 = hn::ScalableTag<float>;
 
-/// Sums stay in registers while the rows are gone through; several of them hide the latency of an addition.
-HWY_INLINE void sumFourVectors(const float* const* rows, std::size_t offset, const float* weights, std::size_t count,
-                               std::size_t i, float* target) {
+/// Vectors whose sums stay in registers while the rows are gone through. Several hide the latency of an addition, and
+/// share the weight.
+constexpr std::size_t BLOCK_VECTORS = 8;
+
+HWY_INLINE void sumBlock(const float* const* rows, std::size_t offset, const float* weights, std::size_t count,
+                         std::size_t i, float* target) {
     const F32 d;
     const std::size_t lanes = hn::Lanes(d);
     auto sum0 = hn::Zero(d);
     auto sum1 = hn::Zero(d);
     auto sum2 = hn::Zero(d);
     auto sum3 = hn::Zero(d);
+    auto sum4 = hn::Zero(d);
+    auto sum5 = hn::Zero(d);
+    auto sum6 = hn::Zero(d);
+    auto sum7 = hn::Zero(d);
     for (std::size_t k = 0; k < count; ++k) {
         const float* row = rows[k] + offset + i;
         const auto weight = hn::Set(d, weights[k]);
@@ -31,11 +38,19 @@ HWY_INLINE void sumFourVectors(const float* const* rows, std::size_t offset, con
         sum1 = hn::Add(sum1, hn::Mul(weight, hn::LoadU(d, row + lanes)));
         sum2 = hn::Add(sum2, hn::Mul(weight, hn::LoadU(d, row + 2 * lanes)));
         sum3 = hn::Add(sum3, hn::Mul(weight, hn::LoadU(d, row + 3 * lanes)));
+        sum4 = hn::Add(sum4, hn::Mul(weight, hn::LoadU(d, row + 4 * lanes)));
+        sum5 = hn::Add(sum5, hn::Mul(weight, hn::LoadU(d, row + 5 * lanes)));
+        sum6 = hn::Add(sum6, hn::Mul(weight, hn::LoadU(d, row + 6 * lanes)));
+        sum7 = hn::Add(sum7, hn::Mul(weight, hn::LoadU(d, row + 7 * lanes)));
     }
     hn::StoreU(sum0, d, target + i);
     hn::StoreU(sum1, d, target + i + lanes);
     hn::StoreU(sum2, d, target + i + 2 * lanes);
     hn::StoreU(sum3, d, target + i + 3 * lanes);
+    hn::StoreU(sum4, d, target + i + 4 * lanes);
+    hn::StoreU(sum5, d, target + i + 5 * lanes);
+    hn::StoreU(sum6, d, target + i + 6 * lanes);
+    hn::StoreU(sum7, d, target + i + 7 * lanes);
 }
 
 HWY_INLINE void sumVector(const float* const* rows, std::size_t offset, const float* weights, std::size_t count,
@@ -53,8 +68,8 @@ void sumRows(const float* const* rows, std::size_t offset, const float* weights,
     const std::size_t lanes = hn::Lanes(F32());
     static_assert(hn::MaxLanes(F32()) <= WEIGHTED_SUM_EXCESS);
     std::size_t i = 0;
-    for (; i + 4 * lanes <= length; i += 4 * lanes) {
-        sumFourVectors(rows, offset, weights, count, i, target);
+    for (; i + BLOCK_VECTORS * lanes <= length; i += BLOCK_VECTORS * lanes) {
+        sumBlock(rows, offset, weights, count, i, target);
     }
     for (; i < length; i += lanes) {
         sumVector(rows, offset, weights, count, i, target);
