@@ -11,9 +11,9 @@ std::atomic<std::size_t> gPeak = 0;
 std::atomic<std::size_t> gLargest = 0;
 std::atomic<std::size_t> gCount = 0;
 
-/// In front of each piece of memory stands its size; what follows is aligned as malloc would.
-constexpr std::size_t HEADER = alignof(std::max_align_t);
-static_assert(HEADER >= sizeof(std::size_t));
+/// In front of each piece of memory stands its size, in as many bytes as what follows is aligned to.
+constexpr std::size_t PLAIN = alignof(std::max_align_t);
+static_assert(PLAIN >= sizeof(std::size_t));
 
 void raise(std::atomic<std::size_t>& mark, std::size_t value) {
     std::size_t seen = mark.load();
@@ -21,8 +21,9 @@ void raise(std::atomic<std::size_t>& mark, std::size_t value) {
     }
 }
 
-void* allocate(std::size_t size) noexcept {
-    void* memory = std::malloc(HEADER + size);
+void* allocate(std::size_t size, std::size_t alignment = PLAIN) noexcept {
+    const std::size_t whole = (alignment + size + alignment - 1) / alignment * alignment;
+    void* memory = std::aligned_alloc(alignment, whole);
     if (memory == nullptr) {
         return nullptr;
     }
@@ -30,20 +31,20 @@ void* allocate(std::size_t size) noexcept {
     raise(gPeak, gHeld += size);
     raise(gLargest, size);
     ++gCount;
-    return static_cast<unsigned char*>(memory) + HEADER;
+    return static_cast<unsigned char*>(memory) + alignment;
 }
 
-void* allocateOrThrow(std::size_t size) {
-    void* memory = allocate(size);
+void* allocateOrThrow(std::size_t size, std::size_t alignment = PLAIN) {
+    void* memory = allocate(size, alignment);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
     return memory;
 }
 
-void release(void* memory) noexcept {
+void release(void* memory, std::size_t alignment = PLAIN) noexcept {
     if (memory != nullptr) {
-        void* start = static_cast<unsigned char*>(memory) - HEADER;
+        void* start = static_cast<unsigned char*>(memory) - alignment;
         gHeld -= *static_cast<std::size_t*>(start);
         std::free(start);
     }
@@ -113,4 +114,28 @@ void operator delete(void* memory, const std::nothrow_t&) noexcept {
 
 void operator delete[](void* memory, const std::nothrow_t&) noexcept {
     release(memory);
+}
+
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    return allocateOrThrow(size, static_cast<std::size_t>(alignment));
+}
+
+void* operator new[](std::size_t size, std::align_val_t alignment) {
+    return allocateOrThrow(size, static_cast<std::size_t>(alignment));
+}
+
+void operator delete(void* memory, std::align_val_t alignment) noexcept {
+    release(memory, static_cast<std::size_t>(alignment));
+}
+
+void operator delete[](void* memory, std::align_val_t alignment) noexcept {
+    release(memory, static_cast<std::size_t>(alignment));
+}
+
+void operator delete(void* memory, std::size_t, std::align_val_t alignment) noexcept {
+    release(memory, static_cast<std::size_t>(alignment));
+}
+
+void operator delete[](void* memory, std::size_t, std::align_val_t alignment) noexcept {
+    release(memory, static_cast<std::size_t>(alignment));
 }
