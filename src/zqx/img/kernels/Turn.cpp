@@ -5,6 +5,8 @@
 #include <array>
 #include <cstring>
 
+#include <hwy/cache_control.h>
+
 #include "PixelFormat.h"
 #include "Rows.h"
 
@@ -43,7 +45,19 @@ constexpr std::size_t TILE_EDGE = Size <= 4 ? 64 : 32;
 struct Column {
     const std::uint8_t* first;
     std::ptrdiff_t step; ///< bytes to the next pixel
+
+    const std::uint8_t* at(std::size_t x) const { return first + static_cast<std::ptrdiff_t>(x) * step; }
 };
+
+/// Asks for the source of a tile: a stretch of bytes from each of several rows, which no processor foresees.
+void prefetchRows(const std::uint8_t* first, std::ptrdiff_t step, std::size_t rows, std::size_t bytes) {
+    constexpr std::size_t CACHE_LINE = 64;
+    for (std::size_t row = 0; row < rows; ++row, first += step) {
+        for (std::size_t i = 0; i < bytes; i += CACHE_LINE) {
+            hwy::Prefetch(first + i);
+        }
+    }
+}
 
 /// Fills the target tile by tile; column(y) tells which source column lands in target row y.
 template <std::size_t Size, typename ColumnOf>
@@ -52,12 +66,17 @@ void fillFromColumns(const Image& target, const ColumnOf& columnOf) {
     const std::size_t width = target.getWidth();
     const std::size_t height = target.getHeight();
     forEachRow((height + EDGE - 1) / EDGE, [&](std::size_t band) {
-        const std::size_t endY = std::min((band + 1) * EDGE, height);
+        const std::size_t beginY = band * EDGE;
+        const std::size_t endY = std::min(beginY + EDGE, height);
+        const Column leftmost{std::min(columnOf(beginY).first, columnOf(endY - 1).first), columnOf(beginY).step};
         for (std::size_t startX = 0; startX < width; startX += EDGE) {
             const std::size_t endX = std::min(startX + EDGE, width);
-            for (std::size_t y = band * EDGE; y < endY; ++y) {
+            if (endX < width) {
+                prefetchRows(leftmost.at(endX), leftmost.step, std::min(EDGE, width - endX), (endY - beginY) * Size);
+            }
+            for (std::size_t y = beginY; y < endY; ++y) {
                 const Column column = columnOf(y);
-                const std::uint8_t* from = column.first + static_cast<std::ptrdiff_t>(startX) * column.step;
+                const std::uint8_t* from = column.at(startX);
                 Pixel<Size>* row = rowOf<Size>(target, y);
                 for (std::size_t x = startX; x < endX; ++x, from += column.step) {
                     std::memcpy(row + x, from, Size);
