@@ -31,7 +31,7 @@ fetch_version_2() {
 }
 
 build() {
-    cmake -S . -B "$work/release" -DCMAKE_BUILD_TYPE=Release -DZQX_BUILD_BENCH=ON -DZQX_BUILD_TESTS=OFF >/dev/null
+    cmake --preset release -B "$work/release" -DZQX_BUILD_BENCH=ON -DZQX_BUILD_TESTS=OFF >/dev/null
     cmake --build "$work/release" --parallel "$threads" --target zqx_denoise_time >/dev/null
 }
 
