@@ -87,6 +87,17 @@ void expectSameInPlace(FilterFunction filter, std::size_t radius, Image::Format 
     }
 }
 
+TEST_F(FilterMemoryTest, VeryWidePicturesInStripsComeOutAsInPlaceInOne) {
+    for (const FilterFunction filter : FILTERS) {
+        for (const Image::Format format :
+             {Image::SRGB8, Image::RGB32F, Image::SRGBA8, Image::RGBA32F, Image::GRAY32F, Image::GRAY8}) {
+            for (const std::size_t radius : {1, 12}) {
+                expectSameInPlace(filter, radius, format, 12007, 5);
+            }
+        }
+    }
+}
+
 TEST_F(FilterMemoryTest, InPlaceAllFormatsComeOutAsApartForAnyThreadCount) {
     for (const FilterFunction filter : FILTERS) {
         for (const Image::Format format : ALL_FORMATS) {

@@ -236,6 +236,17 @@ TEST(GaussianBlurTest, LargePictureIsBlurredAcrossAllItsBands) {
     EXPECT_TRUE(tally.withinBound());
 }
 
+TEST(GaussianBlurTest, VeryWidePictureIsBlurredAcrossAllItsStrips) {
+    ByteTally tally;
+    for (const Image::Format format : {Image::SRGBA8, Image::RGB32F, Image::GRAY8}) {
+        GuardedImage source(7013, 3, format);
+        fillPhoto(source.surface(), 31);
+        expectBlur(source, format, 6.0F, tally);
+        expectBlur(source, Image::RGBA32F, 6.0F, tally);
+    }
+    EXPECT_TRUE(tally.withinBound());
+}
+
 TEST(GaussianBlurTest, FloatPicturesAreBlurredInPlace) {
     ByteTally none;
     for (const Image::Format format : FLOAT_FORMATS) {

@@ -22,6 +22,17 @@ std::size_t bandCount(const BlurShape& shape, std::size_t floatsPerBand) {
 
 } // namespace
 
+BlurShape stripOf(const BlurShape& picture) {
+    constexpr std::size_t CACHE_SHARE = (std::size_t{640} << 10U) / sizeof(float);
+    const std::size_t unit = RUN_LENGTH * picture.step; // whole runs, and whole pixels
+    const std::size_t rows = (2 * picture.radius + BLUR_GROUP) * picture.planes;
+    BlurShape strip = picture;
+    if (!picture.isInPlace) {
+        strip.width = std::min(picture.width, std::max<std::size_t>(1, CACHE_SHARE / rows / unit) * unit);
+    }
+    return strip;
+}
+
 BlurBands::BlurBands(const BlurShape& shape)
     : mShape(shape), mPlaneStride(roundUp(shape.width + WEIGHTED_SUM_EXCESS, WEIGHTED_SUM_EXCESS)),
       mRingRows(std::min(2 * shape.radius + BLUR_GROUP, shape.height)) {

@@ -78,23 +78,31 @@ private:
     AlignedFloats mMemory;
 };
 
+/// The shape of a strip of columns whose rings stay in the second-level cache. In place, the whole picture: a strip
+/// would overwrite what the next one has to read.
+BlurShape stripOf(const BlurShape& picture);
+
 /// Blurs a picture by rows that are read and written in runs.
 ///
-/// `read(y, first, length, run)` fills the run with some pixels of a source row; it is called once for each pixel of a
-/// band and its halo. `write(y, first, length, run)` takes blurred planes, in the run; rows come in ascending order.
-/// Both must not throw, and are called from several threads.
+/// `read(y, first, length, run)` fills the run with some pixels of a source row; it is called for each pixel of a band
+/// and of its surroundings. `write(y, first, length, run)` takes blurred planes, in the run; rows come in ascending
+/// order. Both must not throw, and are called from several threads.
 template <typename Read, typename Write>
 class BandBlur {
 public:
     /// @param taps 2 * radius + 1 weights
     /// @throws std::bad_alloc
     BandBlur(const BlurShape& shape, const std::vector<float>& taps, const Read& read, const Write& write)
-        : mShape(shape), mTaps(taps), mRead(read), mWrite(write), mBands(shape), mRows(mBands.count() * rowsPerBand()),
-          mSums(weightedSums()) {}
+        : mShape(stripOf(shape)), mTotalWidth(shape.width), mTaps(taps), mRead(read), mWrite(write), mBands(mShape),
+          mRows(mBands.count() * rowsPerBand()), mSums(weightedSums()) {}
 
+    /// Blurs the whole picture, strip by strip. In place there is one strip.
     void run() {
-        forEachRow(mBands.count(), [this](std::size_t band) { keepSeam(band); });
-        forEachRow(mBands.count(), [this](std::size_t band) { blurBand(band); });
+        for (mFirst = 0; mFirst < mTotalWidth; mFirst += mShape.width) {
+            mWidth = std::min(mShape.width, mTotalWidth - mFirst);
+            forEachRow(mBands.count(), [this](std::size_t band) { keepSeam(band); });
+            forEachRow(mBands.count(), [this](std::size_t band) { blurBand(band); });
+        }
     }
 
 private:
@@ -134,27 +142,41 @@ private:
         }
         float* target = mBands.row(band, y);
         for (std::size_t plane = 0; plane < mShape.planes; ++plane) {
-            mSums.one(rows, plane * mBands.lineStride(), mTaps.data(), mTaps.size(), mShape.width,
+            mSums.one(rows, plane * mBands.lineStride(), mTaps.data(), mTaps.size(), mWidth,
                       target + plane * mBands.planeStride());
         }
     }
 
+    /// Reads the strip's stretch of a row with the pixels around it, repeating those at the picture's border.
     void fillLine(std::size_t y, float* line) {
+        const std::size_t begin = mFirst - std::min(mFirst, mBands.border());
+        const std::size_t end = std::min(mFirst + mWidth + mBands.border(), mTotalWidth);
+        const std::size_t missing = begin + mBands.border() - mFirst; // on the left
         Run run;
-        forEachRun(mShape.width, [&](std::size_t first, std::size_t length) {
-            mRead(y, first, length, run);
+        forEachRun(end - begin, [&](std::size_t offset, std::size_t length) {
+            mRead(y, begin + offset, length, run);
             const float* const from[] = {run.r, run.g, run.b, run.a};
             for (std::size_t plane = 0; plane < mShape.planes; ++plane) {
-                std::copy_n(from[plane], length, line + plane * mBands.lineStride() + mBands.border() + first);
+                std::copy_n(from[plane], length, line + plane * mBands.lineStride() + missing + offset);
             }
         });
         for (std::size_t plane = 0; plane < mShape.planes; ++plane) {
-            float* first = line + plane * mBands.lineStride() + mBands.border();
-            float* end = first + mShape.width;
-            for (std::size_t i = 0; i < mBands.border(); ++i) {
-                *(first - i - 1) = first[mShape.step - 1 - i % mShape.step];
-                end[i] = *(end - mShape.step + i % mShape.step);
-            }
+            float* first = line + plane * mBands.lineStride();
+            float* last = first + mWidth + 2 * mBands.border();
+            repeatBorders({first, first + missing}, {first + missing + (end - begin), last});
+        }
+    }
+
+    struct Gap {
+        float* begin;
+        float* end;
+    };
+    void repeatBorders(Gap left, Gap right) {
+        for (float* element = left.end; element != left.begin; --element) {
+            element[-1] = element[static_cast<std::ptrdiff_t>(mShape.step) - 1];
+        }
+        for (float* element = right.begin; element != right.end; ++element) {
+            *element = *(element - mShape.step);
         }
     }
 
@@ -166,12 +188,12 @@ private:
             rows[i] = mBands.row(band, std::min(above, mShape.height - 1));
         }
         Run runs[BLUR_GROUP];
-        forEachRun(mShape.width, [&](std::size_t first, std::size_t length) {
+        forEachRun(mWidth, [&](std::size_t first, std::size_t length) {
             for (std::size_t plane = 0; plane < mShape.planes; ++plane) {
                 sumPlane(rows, plane, first, length, count, runs);
             }
             for (std::size_t i = 0; i < count; ++i) {
-                mWrite(y + i, first, length, runs[i]);
+                mWrite(y + i, mFirst + first, length, runs[i]);
             }
         });
     }
@@ -191,7 +213,10 @@ private:
         }
     }
 
-    const BlurShape mShape;
+    const BlurShape mShape; // of a strip
+    const std::size_t mTotalWidth;
+    std::size_t mFirst = 0; // of the strip at work
+    std::size_t mWidth = 0;
     const std::vector<float>& mTaps;
     const Read& mRead;
     const Write& mWrite;
