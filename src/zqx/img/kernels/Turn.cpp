@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
 #include <hwy/cache_control.h>
@@ -95,6 +96,44 @@ void exchange(Pixel<Size>* a, Pixel<Size>* b) {
     std::memcpy(b, saved, Size);
 }
 
+/// Four pixels of three bytes are three words: taken as numbers (first byte lowest) they are turned by shifts.
+struct FourPixels {
+    std::uint64_t low;
+    std::uint32_t high;
+
+    static FourPixels load(const Pixel<3>* pixels) {
+        FourPixels four;
+        std::memcpy(&four.low, pixels, sizeof four.low);
+        std::memcpy(&four.high, pixels->data() + sizeof four.low, sizeof four.high);
+        return four;
+    }
+
+    void storeReversed(Pixel<3>* pixels) const {
+        constexpr std::uint64_t PIXEL = 0xFFFFFF;
+        const std::uint64_t first = low & PIXEL;
+        const std::uint64_t second = low >> 24U & PIXEL;
+        const std::uint64_t third = low >> 48U | (high & 0xFFU) << 16U;
+        const std::uint64_t fourth = high >> 8U;
+        const std::uint64_t newLow = fourth | third << 24U | second << 48U;
+        const auto newHigh = static_cast<std::uint32_t>(second >> 16U | first << 8U);
+        std::memcpy(pixels, &newLow, sizeof newLow);
+        std::memcpy(pixels->data() + sizeof newLow, &newHigh, sizeof newHigh);
+    }
+};
+
+/// Mirrors as much of a row as goes by fours, from both ends; what is left in the middle lies between the pointers.
+template <std::size_t Size>
+void mirrorByFours(Pixel<Size>*& left, Pixel<Size>*& right) {
+    if constexpr (Size == 3 && std::endian::native == std::endian::little) {
+        for (; right - left >= 8; left += 4, right -= 4) {
+            const FourPixels fromLeft = FourPixels::load(left);
+            const FourPixels fromRight = FourPixels::load(right - 4);
+            fromRight.storeReversed(left);
+            fromLeft.storeReversed(right - 4);
+        }
+    }
+}
+
 } // namespace
 
 void mirrorColumns(const Image& image) {
@@ -102,6 +141,7 @@ void mirrorColumns(const Image& image) {
         forEachRow(image.getHeight(), [&](std::size_t y) {
             Pixel<Size>* left = rowOf<Size>(image, y);
             Pixel<Size>* right = left + image.getWidth();
+            mirrorByFours<Size>(left, right);
             while (left + 1 < right) {
                 exchange<Size>(left++, --right);
             }
