@@ -241,20 +241,26 @@ struct ByteRun {
     alignas(64) std::uint8_t plane[4][RUN_LENGTH];
 };
 
+/// Lists the planes of channels in the order of a pixel's elements.
+template <Format F, typename Channels, typename Plane>
+HWY_INLINE void putInOrder(Channels& channels, Plane* (&planes)[4]) {
+    constexpr PixelFormat FORMAT = pixelFormat(F);
+    planes[FORMAT.red] = channels.r;
+    if constexpr (!FORMAT.isGrey()) {
+        planes[FORMAT.green] = channels.g;
+        planes[FORMAT.blue] = channels.b;
+    }
+    if constexpr (FORMAT.hasAlpha()) {
+        planes[FORMAT.alpha] = channels.a;
+    }
+}
+
 template <Format F>
 void decode(const std::uint8_t* pixels, std::size_t stride, std::size_t length, const ByteTable& table, Run& run) {
     constexpr PixelFormat FORMAT = pixelFormat(F);
     constexpr std::size_t COUNT = FORMAT.elementCount();
-    // Channels in the order of the pixel's elements.
-    float* planes[4] = {run.r};
-    if constexpr (!FORMAT.isGrey()) {
-        planes[FORMAT.red] = run.r;
-        planes[FORMAT.green] = run.g;
-        planes[FORMAT.blue] = run.b;
-    }
-    if constexpr (FORMAT.hasAlpha()) {
-        planes[FORMAT.alpha] = run.a;
-    }
+    float* planes[4];
+    putInOrder<F>(run, planes);
     if constexpr (FORMAT.isFloat()) {
         splitPixels<COUNT, float>(pixels, stride, length, planes);
     } else {
@@ -275,15 +281,8 @@ template <Format F, Writing W>
 void encode(const Planes& channels, std::size_t length, std::uint8_t* pixels, std::size_t stride) {
     constexpr PixelFormat FORMAT = pixelFormat(F);
     constexpr std::size_t COUNT = FORMAT.elementCount();
-    const float* planes[4] = {channels.r};
-    if constexpr (!FORMAT.isGrey()) {
-        planes[FORMAT.red] = channels.r;
-        planes[FORMAT.green] = channels.g;
-        planes[FORMAT.blue] = channels.b;
-    }
-    if constexpr (FORMAT.hasAlpha()) {
-        planes[FORMAT.alpha] = channels.a;
-    }
+    const float* planes[4];
+    putInOrder<F>(channels, planes);
     if constexpr (FORMAT.isFloat()) {
         joinPixels<COUNT, W, float>(planes, length, pixels, stride);
     } else {
@@ -396,7 +395,8 @@ Writing writingOf(const Image& source, const Image& target) {
     constexpr std::size_t LARGE = std::size_t{32} << 20U;
     const bool isLarge = target.getHeight() * target.getByteRowStride() >= LARGE;
     // Runs of bytes are too short to gain: the cache lines at their ends are written by halves.
-    return isLarge && target.hasFloatFormat() && !shareMemory(source, target) ? Writing::PAST_CACHE : Writing::THROUGH_CACHE;
+    return isLarge && target.hasFloatFormat() && !shareMemory(source, target) ? Writing::PAST_CACHE
+                                                                              : Writing::THROUGH_CACHE;
 }
 
 bool shareMemory(const Image& a, const Image& b) {
