@@ -1,8 +1,6 @@
 // The grading settings and their preparation. The operation itself is in kernels/Grade.
 #include <zqx/img/ColorGrading.h>
 
-#include <cmath>
-
 #include "kernels/Grade.h"
 #include "kernels/GradingParams.h"
 #include "kernels/Limit.h"
@@ -62,7 +60,7 @@ int ColorGrading::compare(const ColorGrading& other) const {
 
 ColorGradingParamsInternal ColorGrading::prepareParams() const {
     ColorGradingParamsInternal params;
-    params.exposureFactor = std::exp2(mExposure);
+    params.exposureFactor = kernels::exposureFactor(mExposure);
     params.contrastExponent = kernels::contrastExponent(mContrast);
     params.highlight = mHighlight;
     params.shadow = mShadow;

@@ -2,6 +2,10 @@
 
 #include "Simd.h"
 
+#ifndef ZQX_IMG_RING_KIB
+#define ZQX_IMG_RING_KIB 640 // bench/sizes measures others
+#endif
+
 namespace zqx::img::kernels {
 
 namespace {
@@ -23,7 +27,7 @@ std::size_t bandCount(const BlurShape& shape, std::size_t floatsPerBand) {
 } // namespace
 
 BlurShape stripOf(const BlurShape& picture) {
-    constexpr std::size_t CACHE_SHARE = (std::size_t{640} << 10U) / sizeof(float);
+    constexpr std::size_t CACHE_SHARE = (std::size_t{ZQX_IMG_RING_KIB} << 10U) / sizeof(float);
     const std::size_t unit = RUN_LENGTH * picture.step; // whole runs, and whole pixels
     const std::size_t rows = (2 * picture.radius + BLUR_GROUP) * picture.planes;
     BlurShape strip = picture;

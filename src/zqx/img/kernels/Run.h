@@ -7,8 +7,13 @@
 
 namespace zqx::img::kernels {
 
-/// Pixels per run. The benchmark "run length" shows a flat optimum around here: four planes take 8 KiB.
-inline constexpr std::size_t RUN_LENGTH = 512;
+#ifndef ZQX_IMG_RUN_LENGTH
+#define ZQX_IMG_RUN_LENGTH 512 // bench/sizes measures others
+#endif
+
+/// Pixels per run: four planes take 8 KiB of the first-level cache. A multiple of any vector.
+inline constexpr std::size_t RUN_LENGTH = ZQX_IMG_RUN_LENGTH;
+static_assert(RUN_LENGTH % 64 == 0);
 
 /// Planes of linear values; grey formats use r alone. Kernels work on whole vectors, so what follows the pixels up to
 /// the next multiple of MAX_VECTOR_BYTES elements is scratch.

@@ -66,6 +66,9 @@ void fillFromColumns(const Image& target, const ColumnOf& columnOf) {
     constexpr std::size_t EDGE = TILE_EDGE<Size>;
     const std::size_t width = target.getWidth();
     const std::size_t height = target.getHeight();
+    if (width == 0) {
+        return; // columns of no pixels have no address
+    }
     forEachRow((height + EDGE - 1) / EDGE, [&](std::size_t band) {
         const std::size_t beginY = band * EDGE;
         const std::size_t endY = std::min(beginY + EDGE, height);
