@@ -92,7 +92,7 @@ private:
     }
 
     static Position positionOf(float t, int count) {
-        const float size = static_cast<float>(count);
+        const auto size = static_cast<float>(count);
         const float centred = t - 0.5F / size;
         const float limited = centred > 0.0F ? std::min(centred, 1.0F) : 0.0F; // also NaN
         const float position = size * limited;

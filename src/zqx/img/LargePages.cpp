@@ -17,11 +17,10 @@ void adviseLargePages(void* data, std::size_t size) {
         return;
     }
     const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-    const auto address = reinterpret_cast<std::uintptr_t>(data);
-    const std::uintptr_t first = (address + page - 1) / page * page;
-    const std::uintptr_t end = (address + size) / page * page;
+    const std::uintptr_t toFirst = (page - reinterpret_cast<std::uintptr_t>(data) % page) % page;
+    const std::uintptr_t wholePages = (size - toFirst) / page * page;
     // A hint: where it is refused, small pages serve as well.
-    static_cast<void>(madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE));
+    static_cast<void>(madvise(static_cast<unsigned char*>(data) + toFirst, wholePages, MADV_HUGEPAGE));
 }
 
 #else

@@ -372,8 +372,8 @@ HWY_EXPORT(encoder);
 HWY_EXPORT(greyOfLinear);
 HWY_EXPORT(greyOfStored);
 
-bool takesGrey(Format source, Format channels) {
-    return pixelFormat(channels).isGrey() && !pixelFormat(source).isGrey();
+bool takesGrey(Format from, Format to) {
+    return pixelFormat(to).isGrey() && !pixelFormat(from).isGrey();
 }
 
 } // namespace
@@ -406,7 +406,7 @@ bool shareMemory(const Image& a, const Image& b) {
 }
 
 RunReader::RunReader(Format source, Format channels)
-    : mDecode(decoderOf(source)), mTable(&linearLightTable(source)), mGrey(Grey::AS_READ),
+    : mDecode(decoderOf(source)), mTable(&linearLightTable(source)),
       mIsGrey(pixelFormat(source).isGrey() || pixelFormat(channels).isGrey()),
       mLacksAlpha(pixelFormat(channels).hasAlpha() && !pixelFormat(source).hasAlpha()) {
     if (takesGrey(source, channels)) {

@@ -55,7 +55,7 @@ private:
 
     DecodeRun mDecode;
     const ByteTable* mTable;
-    Grey mGrey;
+    Grey mGrey = Grey::AS_READ;
     bool mIsGrey;
     bool mLacksAlpha;
 };
