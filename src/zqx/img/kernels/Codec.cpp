@@ -318,12 +318,10 @@ void greyOfStoredColor(Run& run, std::size_t length) {
     const auto red = hn::Set(df, ENCODED_LUMA_RED);
     const auto green = hn::Set(df, ENCODED_LUMA_GREEN);
     const auto blue = hn::Set(df, ENCODED_LUMA_BLUE);
-    const auto gamma = hn::Set(d, static_cast<double>(2.2F)); // the single-precision exponent
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
         const auto sum = hn::Add(hn::Mul(red, hn::Load(df, run.r + i)), hn::Mul(green, hn::Load(df, run.g + i)));
         const auto stored = hn::Add(sum, hn::Mul(blue, hn::Load(df, run.b + i)));
-        const auto power = roundToFloat(d, exp2(d, hn::Mul(gamma, log2(d, stored))));
-        hn::Store(power, df, run.r + i);
+        hn::Store(powerOfStored(d, stored), df, run.r + i);
     }
 }
 

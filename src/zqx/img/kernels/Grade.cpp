@@ -335,9 +335,8 @@ void gradeColor(Run& run, std::size_t length, const Settings& settings) {
 void decodePower(float* plane, std::size_t length) {
     const F64 d;
     const HalfF32 df;
-    const auto gamma = hn::Set(d, static_cast<double>(2.2F));
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
-        hn::Store(roundToFloat(d, exp2(d, hn::Mul(gamma, log2(d, hn::Load(df, plane + i))))), df, plane + i);
+        hn::Store(powerOfStored(d, hn::Load(df, plane + i)), df, plane + i);
     }
 }
 

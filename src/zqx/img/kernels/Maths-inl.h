@@ -105,9 +105,9 @@ HWY_INLINE hn::Vec<D> log2(D d, VF x) {
     return hn::IfThenElse(hn::Gt(wide, hn::Zero(d)), positive, notPositive);
 }
 
-/// 2^x in double precision. Relative error below 1e-13. x is limited to [-1022, 1023]; NaN gives any number.
+/// 2^x in double precision. Relative error below 1e-13. x is limited to [-1022, 1023]; NaN gives NaN.
 template <class D, class V>
-HWY_INLINE V exp2OfNumber(D d, V x) {
+HWY_INLINE V exp2(D d, V x) {
     const hn::RebindToUnsigned<D> du;
     const auto most = hn::Set(d, 1023.0);
     const auto least = hn::Set(d, -1022.0);
@@ -133,13 +133,15 @@ HWY_INLINE V exp2OfNumber(D d, V x) {
     };
     const auto power = polynomial(d, fraction, SERIES);
     const auto exponent = hn::ShiftLeft<52>(hn::BitCast(du, shifted));
-    return hn::BitCast(d, hn::Add(hn::BitCast(du, power), exponent));
+    const auto scaled = hn::BitCast(d, hn::Add(hn::BitCast(du, power), exponent));
+    return hn::IfThenElse(hn::Eq(x, x), scaled, x);
 }
 
-/// The same; NaN gives NaN.
-template <class D, class V>
-HWY_INLINE V exp2(D d, V x) {
-    return hn::IfThenElse(hn::Eq(x, x), exp2OfNumber(d, x), x);
+/// The linear light of stored values: their power 2.2, with the exponent in single precision, rounded to single
+/// precision.
+template <class D, class VF>
+HWY_INLINE VF powerOfStored(D d, VF stored) {
+    return roundToFloat(d, exp2(d, hn::Mul(hn::Set(d, static_cast<double>(2.2F)), log2(d, stored))));
 }
 
 /// Cube root of doubles that are floats from 2^-100 to the largest. Relative error below 1e-13.

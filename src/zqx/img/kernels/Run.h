@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "Simd.h"
+
 namespace zqx::img::kernels {
 
 #ifndef ZQX_IMG_RUN_LENGTH
@@ -13,7 +15,7 @@ namespace zqx::img::kernels {
 
 /// Pixels per run: four planes take 8 KiB of the first-level cache. A multiple of any vector.
 inline constexpr std::size_t RUN_LENGTH = ZQX_IMG_RUN_LENGTH;
-static_assert(RUN_LENGTH % 64 == 0);
+static_assert(RUN_LENGTH % MAX_VECTOR_BYTES == 0);
 
 /// Planes of linear values; grey formats use r alone. Kernels work on whole vectors, so what follows the pixels up to
 /// the next multiple of MAX_VECTOR_BYTES elements is scratch.
