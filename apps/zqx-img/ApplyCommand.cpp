@@ -7,10 +7,10 @@
 #include <CLI/CLI.hpp>
 
 #include "Commands.h"
+#include "Decode.h"
+#include "Encode.h"
 #include "Error.h"
-#include "OutputFile.h"
 #include "ParameterTable.h"
-#include "Picture.h"
 #include "QualityOption.h"
 
 namespace zqx::img::app {
@@ -24,6 +24,7 @@ struct ApplyOptions {
     std::string output;
     std::string comparison;
     ParameterOptions adjustments;
+    LoadOptions loading;
     int quality = DEFAULT_QUALITY;
 };
 
@@ -115,7 +116,7 @@ void runApply(const ApplyOptions& options) {
         targets.emplace_back(options.comparison);
     }
     Pipeline pipeline = options.adjustments.makePipeline();
-    const Picture source = loadPicture(options.input);
+    const Picture source = loadPicture(options.input, options.loading);
     pipeline.setActiveStages(neededStages(pipeline));
     pipeline.setInputImage(std::make_shared<Image>(viewOf(source.bitmap, source.form)));
     for (Target& target : targets) {
@@ -150,6 +151,7 @@ void addApplyCommand(CLI::App& program) {
     command.add_option("INPUT", options->input, "The picture to adjust")->type_name("FILE")->required();
     command.add_option("-o,--output", options->output, "The picture to write")->type_name("FILE")->required();
     options->adjustments.addTo(command);
+    options->loading.addTo(command);
     addQualityOption(command, options->quality);
     command
         .add_option("--before-after", options->comparison, "Also write a picture: left half before, right half after")

@@ -12,9 +12,9 @@
 #include <zqx/img/DenoisingFilter.h>
 
 #include "Commands.h"
+#include "Decode.h"
+#include "Encode.h"
 #include "Error.h"
-#include "OutputFile.h"
-#include "Picture.h"
 #include "QualityOption.h"
 
 namespace zqx::img::app {
@@ -26,6 +26,7 @@ struct DenoiseOptions {
     std::string albedo;
     std::string normal;
     std::string output;
+    LoadOptions loading;
     /// Not the default for bytes either: noise averages out in linear light. Encoded it averages to something lighter,
     /// and the denoiser leaves more of it.
     bool displayReferred = false;
@@ -55,8 +56,8 @@ void forEachPixel(Image& image, const std::function<Color(const Color&)>& change
     }
 }
 
-Picture loadGuide(const std::string& name, const Picture& color) {
-    Picture guide = loadPicture(name);
+Picture loadGuide(const std::string& name, const Picture& color, const LoadOptions& loading) {
+    Picture guide = loadPicture(name, loading);
     if (guide.width() != color.width() || guide.height() != color.height()) {
         const auto size = [](const Picture& picture) {
             return std::to_string(picture.width()) + " x " + std::to_string(picture.height());
@@ -75,8 +76,8 @@ Color expandDirection(const Color& decoded) {
     return {2.0F * stored.r - 1.0F, 2.0F * stored.g - 1.0F, 2.0F * stored.b - 1.0F, stored.a};
 }
 
-std::shared_ptr<Image> loadNormal(const std::string& name, const Picture& color) {
-    const Picture picture = loadGuide(name, color);
+std::shared_ptr<Image> loadNormal(const std::string& name, const Picture& color, const LoadOptions& loading) {
+    const Picture picture = loadGuide(name, color, loading);
     std::shared_ptr<Image> normal = uprightPixels(picture);
     if (!isFloat(picture.form)) {
         forEachPixel(*normal, expandDirection);
@@ -127,8 +128,8 @@ Bitmap makeBitmap(Image& color, bool encoded, Form from, Form to) {
 
 Bitmap render(const Picture& source, Form form, const DenoiseOptions& options) {
     const std::shared_ptr<Image> color = uprightPixels(source);
-    const std::shared_ptr<Image> albedo = uprightPixels(loadGuide(options.albedo, source));
-    const std::shared_ptr<Image> normal = loadNormal(options.normal, source);
+    const std::shared_ptr<Image> albedo = uprightPixels(loadGuide(options.albedo, source, options.loading));
+    const std::shared_ptr<Image> normal = loadNormal(options.normal, source, options.loading);
     if (options.displayReferred && !isFloat(source.form)) {
         forEachPixel(*color, [](const Color& pixel) { return pixel.toSrgb(); }); // back to what is stored
     }
@@ -140,7 +141,7 @@ void runDenoise(const DenoiseOptions& options) {
     requireGuides(options);
     const FREE_IMAGE_FORMAT format = outputFormat(options.output);
     OutputFile::check(options.output);
-    const Picture source = loadPicture(options.color);
+    const Picture source = loadPicture(options.color, options.loading);
     const Form form = chooseForm(options.output, format, source.form);
     warnOfLosses(options.output, source, form);
     Bitmap bitmap = render(source, form, options);
@@ -186,6 +187,7 @@ void addDenoiseCommand(CLI::App& program) {
     CLI::Option* linear = command.add_flag("--hdr")->description("COLOR is linear light (the default)");
     command.add_flag("--ldr", options->displayReferred, "COLOR is display-referred, between 0 and 1")->excludes(linear);
     addQualityOption(command, options->quality);
+    options->loading.addTo(command);
     command.footer(FOOTER);
     command.callback([options] { runDenoise(*options); });
 }

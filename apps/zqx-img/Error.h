@@ -1,7 +1,7 @@
 // What can go wrong in the program, as exceptions that carry the whole line for the user, and warnings.
 #pragma once
 
-#include <cstdio>
+#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -20,9 +20,26 @@ public:
     using Error::Error;
 };
 
-/// Tells the user about something that was done, but not quite as asked.
-inline void warn(const std::string& subject, const std::string& text) {
-    std::fprintf(stderr, "zqx-img: warning: %s: %s\n", subject.c_str(), text.c_str());
-}
+/// Ends the program with an exit code of its own. All that there is to say has been said.
+struct ExitCode {
+    int value;
+};
+
+/// Tells the user about something that was done, but not quite as asked: on standard error, or to the thread's
+/// listener.
+void warn(const std::string& subject, const std::string& text);
+
+/// Takes the warnings of the calling thread for as long as it lives, in place of standard error.
+class WarningListener {
+public:
+    /// @param listener gets "subject: text"
+    explicit WarningListener(std::function<void(const std::string&)> listener);
+    WarningListener(const WarningListener&) = delete;
+    WarningListener& operator=(const WarningListener&) = delete;
+    ~WarningListener();
+
+private:
+    std::function<void(const std::string&)> mPrevious;
+};
 
 } // namespace zqx::img::app

@@ -5,8 +5,8 @@
 #include <CLI/CLI.hpp>
 
 #include "Commands.h"
+#include "Decode.h"
 #include "Error.h"
-#include "Picture.h"
 
 namespace zqx::img::app {
 

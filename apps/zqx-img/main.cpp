@@ -1,14 +1,14 @@
-// The command line program: sets up the commands, and turns whatever goes wrong into one line and an exit code.
+// The command line program: runs the command that was asked for, and turns whatever goes wrong into one line and an
+// exit code.
 #include <cstdio>
 #include <exception>
+#include <memory>
 #include <new>
 
 #include <CLI/CLI.hpp>
-#include <FreeImage.h>
-
 #include <qutil/Log.h>
 
-#include "Commands.h"
+#include "CommandLine.h"
 #include "Error.h"
 
 namespace {
@@ -18,19 +18,6 @@ using namespace zqx::img::app;
 constexpr int DONE = 0;
 constexpr int FAILED = 1;
 constexpr int WRONG_USAGE = 2;
-
-constexpr const char* FOOTER = R"(Examples:
-  zqx-img apply in.jpg -o out.jpg --set exposure=0.5 --set saturation=1.2
-  zqx-img apply in.png -o out.tif --params look.json --before-after compare.png
-  zqx-img denoise noisy.exr --albedo albedo.exr --normal normal.exr -o clean.exr
-  zqx-img params --set temperature=5000 -o look.json
-  zqx-img lut --params look.json -o look.cube
-  zqx-img info in.jpg
-
-"zqx-img COMMAND --help" explains a command. A file name that begins with a dash goes after "--".
-
-Exit codes: 0 done, 1 something failed (nothing is left half written), 2 the command line cannot be meant.
-)";
 
 int complain(const char* text, int code) {
     std::fprintf(stderr, "zqx-img: %s\n", text);
@@ -47,6 +34,8 @@ int run(CLI::App& program, int argc, char** argv) {
         }
         complain(error.what(), WRONG_USAGE);
         return complain("see \"zqx-img --help\"", WRONG_USAGE);
+    } catch (const ExitCode& code) {
+        return code.value;
     } catch (const UsageError& error) {
         return complain(error.what(), WRONG_USAGE);
     } catch (const Error& error) {
@@ -60,18 +49,8 @@ int run(CLI::App& program, int argc, char** argv) {
 
 int runProgram(int argc, char** argv) {
     qutil::Log::setReportingLevel(0); // results of components are told in the program's own words
-    CLI::App program("Adjusts photographs and rendered pictures: exposure, contrast, colour, sharpness, flips, noise.",
-                     "zqx-img");
-    program.set_version_flag("--version",
-                             std::string("zqx-img " ZQX_IMG_VERSION " (FreeImage ") + FreeImage_GetVersion() + ")");
-    program.require_subcommand(1);
-    program.footer(FOOTER);
-    addApplyCommand(program);
-    addDenoiseCommand(program);
-    addParamsCommand(program);
-    addLutCommand(program);
-    addInfoCommand(program);
-    return run(program, argc, argv);
+    const std::unique_ptr<CLI::App> program = makeCommandLine();
+    return run(*program, argc, argv);
 }
 
 } // namespace

@@ -1,0 +1,183 @@
+// The decisions about decoded bitmaps: FreeImage knows some forty kinds, the image model works with six of them.
+#include "Decode.h"
+
+#include <algorithm>
+#include <span>
+
+#include <qutil/SehException.h>
+#include <qutil/SehTranslator.h>
+
+#include "Error.h"
+#include "FreeImageMessages.h"
+#include "Metadata.h"
+
+namespace zqx::img::app {
+
+namespace {
+
+/// Several decoders fill up what is missing at the end of a file without a word. What a complete file lets its decoder
+/// read differs: some never read a byte too many, some read ahead in blocks, and some check for themselves.
+bool isCutShort(const InputFile& file, FREE_IMAGE_FORMAT format) {
+    switch (format) {
+    case FIF_BMP:
+    case FIF_EXR:
+    case FIF_HDR:
+    case FIF_PBM:
+    case FIF_PBMRAW:
+    case FIF_PGM:
+    case FIF_PGMRAW:
+    case FIF_PPM:
+    case FIF_PPMRAW:
+    case FIF_PSD:
+    case FIF_RAS:
+    case FIF_SGI: return file.wasReadShort();
+    case FIF_JPEG:
+    case FIF_PCX:
+    case FIF_TARGA: return file.wasReadAtEnd();
+    default: return false;
+    }
+}
+
+int loadFlags(FREE_IMAGE_FORMAT format) {
+    switch (format) {
+    case FIF_JPEG: return JPEG_ACCURATE | JPEG_EXIFROTATE;
+    case FIF_ICO: return ICO_MAKEALPHA;
+    case FIF_RAW: return RAW_DISPLAY; // the default is linear light in 16 bits, which would be taken for encoded colour
+    default: return 0;
+    }
+}
+
+std::span<const RGBQUAD> paletteOf(FIBITMAP* bitmap) {
+    return {FreeImage_GetPalette(bitmap), FreeImage_GetColorsUsed(bitmap)};
+}
+
+bool hasGreyPalette(FIBITMAP* bitmap) {
+    return std::ranges::all_of(paletteOf(bitmap), [](const RGBQUAD& entry) {
+        return entry.rgbRed == entry.rgbGreen && entry.rgbGreen == entry.rgbBlue;
+    });
+}
+
+/// True where the index already is the grey value.
+bool isGreyRamp(FIBITMAP* bitmap) {
+    const std::span<const RGBQUAD> palette = paletteOf(bitmap);
+    for (std::size_t i = 0; i < palette.size(); ++i) {
+        if (palette[i].rgbRed != i) {
+            return false;
+        }
+    }
+    return FreeImage_GetBPP(bitmap) == 8;
+}
+
+FIBITMAP* doublesToFloats(FIBITMAP* bitmap) {
+    const unsigned width = FreeImage_GetWidth(bitmap);
+    const unsigned height = FreeImage_GetHeight(bitmap);
+    FIBITMAP* result = FreeImage_AllocateT(FIT_FLOAT, static_cast<int>(width), static_cast<int>(height), 32);
+    for (unsigned y = 0; result != nullptr && y < height; ++y) {
+        const auto* from = reinterpret_cast<const double*>(FreeImage_GetScanLine(bitmap, static_cast<int>(y)));
+        auto* to = reinterpret_cast<float*>(FreeImage_GetScanLine(result, static_cast<int>(y)));
+        std::transform(from, from + width, to, [](double value) { return static_cast<float>(value); });
+    }
+    return result;
+}
+
+struct Converted {
+    FIBITMAP* bitmap; // the one given where nothing had to be converted
+    Form form;
+};
+
+Converted convertPalette(FIBITMAP* bitmap) {
+    if (FreeImage_IsTransparent(bitmap)) {
+        return {FreeImage_ConvertTo32Bits(bitmap), Form::RGBA8};
+    }
+    if (!hasGreyPalette(bitmap)) {
+        return {FreeImage_ConvertTo24Bits(bitmap), Form::RGB8};
+    }
+    return {isGreyRamp(bitmap) ? bitmap : FreeImage_ConvertToGreyscale(bitmap), Form::GREY8};
+}
+
+Converted convertStandard(FIBITMAP* bitmap) {
+    switch (FreeImage_GetBPP(bitmap)) {
+    case 32: return {bitmap, Form::RGBA8};
+    case 24: return {bitmap, Form::RGB8};
+    case 16: return {FreeImage_ConvertTo24Bits(bitmap), Form::RGB8};
+    default: return convertPalette(bitmap);
+    }
+}
+
+Converted convertStretched(const std::string& name, FIBITMAP* bitmap) {
+    warn(name, "holds numbers without a known range, which are stretched to 8-bit grey");
+    return {FreeImage_ConvertToStandardType(bitmap, TRUE), Form::GREY8};
+}
+
+Converted convertToWorkingForm(const std::string& name, FIBITMAP* bitmap) {
+    const FREE_IMAGE_TYPE type = FreeImage_GetImageType(bitmap);
+    if (type == FIT_UINT16 || type == FIT_RGB16 || type == FIT_RGBA16) {
+        warn(name, "has 16 bits per channel, of which the upper 8 are used");
+    }
+    switch (type) {
+    case FIT_BITMAP: return convertStandard(bitmap);
+    case FIT_UINT16: return {FreeImage_ConvertTo8Bits(bitmap), Form::GREY8};
+    case FIT_RGB16: return {FreeImage_ConvertTo24Bits(bitmap), Form::RGB8};
+    case FIT_RGBA16: return {FreeImage_ConvertTo32Bits(bitmap), Form::RGBA8};
+    case FIT_FLOAT: return {bitmap, Form::GREY_FLOAT};
+    case FIT_DOUBLE: return {doublesToFloats(bitmap), Form::GREY_FLOAT};
+    case FIT_RGBF: return {bitmap, Form::RGB_FLOAT};
+    case FIT_RGBAF: return {bitmap, Form::RGBA_FLOAT};
+    default: return convertStretched(name, bitmap);
+    }
+}
+
+} // namespace
+
+Bitmap decodeBitmap(InputFile& file, FREE_IMAGE_FORMAT format, int flags) {
+    listenToFreeImage();
+    Bitmap bitmap;
+    try {
+        const qutil::SehTranslator translator; // FreeImage's decoders trust what damaged files say of themselves
+        bitmap.reset(file.decode(format, flags));
+    } catch (const qutil::SehException&) {
+        throw Error(file.name(), std::string("brought the ") + FreeImage_GetFormatFromFIF(format) +
+                                     " decoder down, the file must be damaged");
+    }
+    if (!bitmap) {
+        throw Error(file.name(), std::string("cannot be read as ") + FreeImage_GetFormatFromFIF(format) + inItsWords() +
+                                     ", the file may be damaged");
+    }
+    return bitmap;
+}
+
+Picture loadPicture(const std::string& name, const LoadOptions&) {
+    InputFile file(name);
+    const FREE_IMAGE_FORMAT format = file.detectFormat();
+    Bitmap bitmap = decodeBitmap(file, format, loadFlags(format));
+    if (isCutShort(file, format)) {
+        throw Error(name, "is cut short" + inItsWords() + ", get a complete copy");
+    }
+    if (!freeImageMessages().empty()) {
+        warn(name, freeImageMessages());
+    }
+    if (isTurnedOver(format)) {
+        FreeImage_FlipVertical(bitmap.get());
+    }
+    if (!FreeImage_HasPixels(bitmap.get())) {
+        throw Error(name, "holds no pixels");
+    }
+    if (FreeImage_GetColorType(bitmap.get()) == FIC_CMYK) {
+        throw Error(name, "is in printing inks (CMYK), convert it to RGB first");
+    }
+    Picture picture{nullptr, Form::RGB8, iccProfileOf(bitmap.get()), format == FIF_JPEG};
+    const Converted converted = convertToWorkingForm(name, bitmap.get());
+    if (converted.bitmap == nullptr) {
+        throw Error(name, "cannot be converted" + inItsWords());
+    }
+    if (converted.bitmap == bitmap.get()) {
+        picture.bitmap = std::move(bitmap);
+    } else {
+        picture.bitmap.reset(converted.bitmap);
+        FreeImage_CloneMetadata(converted.bitmap, bitmap.get());
+    }
+    picture.form = converted.form;
+    return picture;
+}
+
+} // namespace zqx::img::app

@@ -1,0 +1,22 @@
+// Working bitmaps into picture files.
+#pragma once
+
+#include <string>
+
+#include "OutputFile.h"
+#include "Picture.h"
+
+namespace zqx::img::app {
+
+/// Warns of what a form cannot keep of a picture.
+/// @param name the file to be written
+void warnOfLosses(const std::string& name, const Picture& source, Form form);
+
+/// Encodes a rendered bitmap, with the profile, resolution and metadata of the picture that it was
+/// made from.
+/// @param quality 1 to 100, for the formats that have one
+/// @throws Error naming the file
+void encodePicture(OutputFile& file, const std::string& name, FREE_IMAGE_FORMAT format, Bitmap bitmap, Form form,
+                   const Picture& original, int quality);
+
+} // namespace zqx::img::app

@@ -1,0 +1,19 @@
+// What FreeImage says about the file that a thread works on.
+#pragma once
+
+#include <string>
+
+namespace zqx::img::app {
+
+/// Forgets what was said and listens, for the calling thread.
+void listenToFreeImage();
+
+/// What FreeImage said on this thread since it last began to listen; empty when nothing.
+const std::string& freeImageMessages();
+
+/// " (words)", or nothing where there are none.
+std::string inParentheses(const std::string& words);
+/// The messages in parentheses.
+std::string inItsWords();
+
+} // namespace zqx::img::app
