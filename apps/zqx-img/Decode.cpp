@@ -165,7 +165,9 @@ Picture loadPicture(const std::string& name, const LoadOptions&) {
     if (FreeImage_GetColorType(bitmap.get()) == FIC_CMYK) {
         throw Error(name, "is in printing inks (CMYK), convert it to RGB first");
     }
-    Picture picture{nullptr, Form::RGB8, iccProfileOf(bitmap.get()), format == FIF_JPEG};
+    Picture picture;
+    picture.metadata.icc = iccProfileOf(bitmap.get());
+    picture.turnedUpright = format == FIF_JPEG;
     const Converted converted = convertToWorkingForm(name, bitmap.get());
     if (converted.bitmap == nullptr) {
         throw Error(name, "cannot be converted" + inItsWords());
@@ -176,7 +178,7 @@ Picture loadPicture(const std::string& name, const LoadOptions&) {
         picture.bitmap.reset(converted.bitmap);
         FreeImage_CloneMetadata(converted.bitmap, bitmap.get());
     }
-    picture.form = converted.form;
+    picture.form = picture.stored = converted.form;
     return picture;
 }
 

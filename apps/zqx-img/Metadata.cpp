@@ -63,7 +63,7 @@ void markUpright(FIBITMAP* bitmap) {
 bool profileFits(const Picture& original, Form form) {
     constexpr std::size_t SIGNATURE_OFFSET = 16;
     constexpr std::size_t HEADER_SIZE = 128;
-    const std::vector<BYTE>& profile = original.iccProfile;
+    const std::vector<BYTE>& profile = original.metadata.icc;
     return profile.size() >= HEADER_SIZE && isFloat(form) == isFloat(original.form) &&
            std::memcmp(profile.data() + SIGNATURE_OFFSET, hasColor(form) ? "RGB " : "GRAY", 4) == 0;
 }
@@ -85,14 +85,14 @@ void carryOver(const std::string& name, FREE_IMAGE_FORMAT format, FIBITMAP* bitm
     if (original.turnedUpright) {
         markUpright(bitmap);
     }
-    if (original.iccProfile.empty()) {
+    if (original.metadata.icc.empty()) {
         return;
     }
     if (!FreeImage_FIFSupportsICCProfiles(format) || !profileFits(original, form)) {
         warn(name, "the colour profile of the source does not fit this file and is left out");
         return;
     }
-    std::vector<BYTE> profile = original.iccProfile;
+    std::vector<BYTE> profile = original.metadata.icc;
     FreeImage_CreateICCProfile(bitmap, profile.data(), static_cast<long>(profile.size()));
 }
 

@@ -1,18 +1,28 @@
 // A decoded picture.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "Form.h"
 
 namespace zqx::img::app {
 
+/// What travels beside the pixels, each as the block of bytes that its standard describes; empty where there is none.
+struct Metadata {
+    std::vector<BYTE> icc;  ///< ICC profile
+    std::vector<BYTE> exif; ///< TIFF structure, without the "Exif" in front of it; its orientation is upright
+    std::vector<BYTE> iptc; ///< IPTC IIM datasets
+    std::string xmp;        ///< XMP packet
+};
+
 /// A picture in one of the working forms, with what has to travel beside its pixels.
 struct Picture {
-    Bitmap bitmap;
-    Form form;
-    std::vector<BYTE> iccProfile;
-    bool turnedUpright; ///< by its orientation tag, which the metadata still hold
+    Bitmap bitmap; ///< in a working form; the resolution is kept in it, too
+    Form form;     ///< of the bitmap
+    Form stored;   ///< of the file; another one than the bitmap's where that has more depth
+    Metadata metadata;
+    bool turnedUpright = false; ///< by its orientation tag, which the bitmap's own tags still hold
 
     unsigned width() const { return FreeImage_GetWidth(bitmap.get()); }
     unsigned height() const { return FreeImage_GetHeight(bitmap.get()); }

@@ -1,0 +1,11 @@
+// What this build of the program is and does.
+#pragma once
+
+#include <string>
+
+namespace zqx::img::app {
+
+/// The instruction set that the library's kernels use on this processor, "AVX2".
+std::string simdTarget();
+
+} // namespace zqx::img::app
