@@ -28,5 +28,5 @@ function(zqx_place_oidn target)
 endfunction()
 
 if(ZQX_INSTALL_OIDN)
-    install(FILES ${zqx_oidn_libraries} DESTINATION ${ZQX_INSTALL_LIBRARY_DIR})
+    install(FILES ${zqx_oidn_libraries} DESTINATION ${ZQX_INSTALL_LIBRARY_DIR} COMPONENT runtime)
 endif()

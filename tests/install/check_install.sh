@@ -1,24 +1,111 @@
 #!/usr/bin/env bash
-# check_install.sh CMAKE BUILD PICTURE CARRIES_DENOISER: installs the build to a temporary place, moves it, and uses it there.
+# check_install.sh CHECK TREE ...: what is true of an installed tree that was moved. The first check makes the tree.
 set -euo pipefail
-cmake=$1 build=$2 picture=$3 carries_denoiser=$4
-
-place=$(mktemp -d)
-trap 'rm -rf "$place"' EXIT
-"$cmake" --install "$build" --prefix "$place/installed" >"$place/log"
-mv "$place/installed" "$place/moved"
+check=$1 tree=$2
+shift 2
 
 fail() {
     echo "$*" >&2
     exit 1
 }
-program=$place/moved/bin/zqx-img
-[[ -f $place/moved/include/zqx/img/Image.h ]] || fail "the public headers are not installed"
-[[ $(ldd "$program") == *"$place/moved/"*libzqx_img.so* ]] || fail "the program does not find its own library"
-"$program" apply "$picture" -o "$place/graded.png" --set exposure=1
-"$program" info "$place/graded.png" | grep --quiet PNG || fail "the written picture is not a PNG"
 
-[[ $carries_denoiser == ON ]] || exit 0
-render=$(dirname "$picture")/render
-"$program" denoise "$render/color.exr" --albedo "$render/albedo.exr" --normal "$render/normal.exr" -o "$place/clean.exr"
-[[ -s $place/clean.exr ]] || fail "nothing was denoised"
+# make CMAKE BUILD: installs the build and moves what comes of it.
+make() {
+    rm -rf "$tree" "$tree-installed"
+    "$1" --install "$2" --prefix "$tree-installed"
+    mv "$tree-installed" "$tree"
+}
+
+# program_runs PICTURE CARRIES_DENOISER
+program_runs() {
+    local program=$tree/bin/zqx-img place render
+    place=$tree-pictures
+    rm -rf "$place"
+    mkdir "$place"
+    [[ $(ldd "$program") == *"$tree/"*libzqx_img.so* ]] || fail "the program does not find its own library"
+    "$program" apply "$1" -o "$place/graded.png" --set exposure=1
+    "$program" info "$place/graded.png" | grep PNG >/dev/null || fail "the written picture is not a PNG"
+    [[ $2 == ON ]] || return 0
+    render=$(dirname "$1")/render
+    "$program" denoise "$render/color.exr" --albedo "$render/albedo.exr" --normal "$render/normal.exr" \
+        -o "$place/clean.exr"
+    [[ -s $place/clean.exr ]] || fail "nothing was denoised"
+}
+
+# names_no_folder FOLDER...: no text and no run path leads out of the tree.
+names_no_folder() {
+    local folder binaries file runpath
+    for folder in "$@" "$tree" "$tree-installed"; do
+        ! grep --recursive --binary-files=without-match --fixed-strings --line-number -e "$folder" "$tree" ||
+            fail "text in the installed tree names $folder"
+    done
+    binaries=$(own_binaries)
+    while read -r file; do
+        runpath=$(readelf --dynamic "$file" | sed -n 's/.*R\(UN\)\?PATH.*\[\(.*\)\]/\2/p')
+        [[ $runpath =~ ^\$ORIGIN(/[^:]*)?$ ]] || fail "$file: its run path is '$runpath'"
+    done <<<"$binaries"
+}
+
+# Programs and libraries that are ours, not links to them.
+own_binaries() {
+    local file found=()
+    while read -r file; do
+        [[ $(head --bytes=4 "$file" | tr -d '\0') == $'\x7fELF' ]] && found+=("$file")
+    done < <(find "$tree" -type f \( -name 'libzqx_*' -o -path '*/bin/*' -o -path '*/libexec/*' \))
+    ((${#found[@]} >= 3)) || fail "programs and libraries are missing: ${found[*]}"
+    printf '%s\n' "${found[@]}"
+}
+
+# libraries_are_versioned LIBRARY_FOLDER VERSION
+libraries_are_versioned() {
+    local name library=$tree/$1 version=$2 major=${2%%.*}
+    for name in libzqx_img.so libzqx_platform.so; do
+        [[ $(readlink "$library/$name") == "$name.$major" ]] || fail "$name is no link to $name.$major"
+        [[ $(readlink "$library/$name.$major") == "$name.$version" ]] ||
+            fail "$name.$major is no link to $name.$version"
+        [[ -f $library/$name.$version && ! -L $library/$name.$version ]] || fail "$name.$version is missing"
+        readelf --dynamic "$library/$name.$version" | grep --fixed-strings "soname: [$name.$major]" >/dev/null ||
+            fail "$name.$version: its name is not $name.$major"
+    done
+}
+
+# every_file_has_a_component CMAKE BUILD: the four components together are all there is, and none has another's files.
+every_file_has_a_component() {
+    local component parts=$tree-components
+    rm -rf "$parts"
+    for component in runtime development tools docs; do
+        "$1" --install "$2" --prefix "$parts/$component" --component "$component"
+        [[ -n $(find "$parts/$component" -type f) ]] || fail "there is nothing in the component $component"
+    done
+    diff <(cd "$tree" && find . ! -type d | sort) \
+        <(cd "$parts" && find . ! -type d | cut -d/ -f3- | sed 's,^,./,' | sort) ||
+        fail "components differ from the whole"
+}
+
+# headers_compile COMPILER: each installed header alone, as C++17. What they include is in the tree or standard.
+headers_compile() {
+    local headers header name
+    headers=$(cd "$tree/include" && find -- * -name '*.h')
+    [[ -n $headers ]] || fail "there are no headers"
+    while read -r header; do
+        while read -r name; do
+            [[ -f $tree/include/$name || $name =~ ^[a-z0-9_]+$ || $name == @(windows|eh).h ]] ||
+                fail "$header includes $name, which is not installed"
+        done < <(sed -n 's/^ *# *include *[<"]\(.*\)[>"].*/\1/p' "$tree/include/$header")
+        "$1" -std=c++17 -pedantic-errors -fsyntax-only -I "$tree/include" -x c++ - <<<"#include <$header>" ||
+            fail "$header does not compile alone"
+    done <<<"$headers"
+}
+
+# versions_match CMAKE SCRIPT VERSION: the CMake package takes requests for its own major version only.
+versions_match() {
+    local major=${3%%.*} wanted
+    for wanted in "$major.0" "$3"; do
+        "$1" -DTREE="$tree" -DWANTED="$wanted" -DEXPECTED=ON -P "$2"
+    done
+    for wanted in $((major - 1)).9 $((major + 1)).0 "$major.999"; do
+        "$1" -DTREE="$tree" -DWANTED="$wanted" -DEXPECTED=OFF -P "$2"
+    done
+}
+
+"$check" "$@"

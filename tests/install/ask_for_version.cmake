@@ -1,0 +1,13 @@
+# cmake -DTREE=... -DWANTED=VERSION -DEXPECTED=ON|OFF -P: does the version file of the installed package accept VERSION?
+file(GLOB_RECURSE version_file ${TREE}/zqx_imgConfigVersion.cmake)
+string(REGEX MATCH "^[0-9]+" PACKAGE_FIND_VERSION_MAJOR ${WANTED})
+set(PACKAGE_FIND_VERSION ${WANTED})
+include(${version_file})
+if(PACKAGE_VERSION_COMPATIBLE)
+    set(accepted ON)
+else()
+    set(accepted OFF)
+endif()
+if(NOT accepted STREQUAL EXPECTED)
+    message(FATAL_ERROR "Version ${WANTED}: accepted is ${accepted}, expected ${EXPECTED}.")
+endif()
