@@ -1,4 +1,5 @@
-// What every component has in common: reference counting, interface lookup and its class name.
+/// @file
+/// What every component has in common: reference counting, interface lookup and its class name.
 #pragma once
 
 #include <cstdint>
@@ -28,6 +29,9 @@ struct NoInterfaceProvider {};
 ///
 /// Thread-safety: references may be taken and dropped on any thread.
 /// @tparam Interface the interface's adapter class; names its identifier `IID`
+/// @tparam Provider what answers for further interfaces; there are none as yet
+/// @tparam Primary whose `IID` and name the component goes by
+/// @ingroup components
 template <typename Interface, typename Provider = detail::NoInterfaceProvider, typename Primary = Interface>
 class TovInterfaceAdapter : public Interface {
 public:
@@ -73,11 +77,15 @@ public:
         return tov::SUCCESS;
     }
 
+    /// Objects with references end through release().
     virtual ~TovInterfaceAdapter() = default;
 
 protected:
+    /// A count of 0.
     TovInterfaceAdapter() = default;
+    /// The other object's count.
     TovInterfaceAdapter(const TovInterfaceAdapter&) = default;
+    /// The other object's count.
     TovInterfaceAdapter& operator=(const TovInterfaceAdapter&) = default;
 
 private:
@@ -86,12 +94,18 @@ private:
 
 /// A factory of one component class.
 /// @tparam Product the class; makes itself with a static `create()` that returns a new object with a count of 0
+/// @ingroup components
 template <typename Product>
 class TovObjectFactory : public TovInterfaceAdapter<tov::IObjectFactory_Adapter> {
 public:
     /// Makes a component and hands out its first reference.
-    /// @param outer must be null: aggregation is not supported
+    ///
     /// A new object that refuses the interface is left as it is: it has no reference that could be released.
+    /// @param outer must be null: aggregation is not supported
+    /// @param iid identifier of the interface
+    /// @param pOut receives the interface, or null on failure
+    /// @return tov::SUCCESS, tov::INVALID_ARGUMENT for a null pOut, tov::NO_AGGREGATION, tov::NO_INTERFACE, or
+    ///         tov::UNEXPECTED when the component could not be made
     tov::Result createInstance(tov::IUnknown* outer, const char* iid, void** pOut) override {
         const detail::MethodSite site = ZQX_METHOD_SITE(detail::ADAPTER_SOURCE);
         if (pOut == nullptr) {

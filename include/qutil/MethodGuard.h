@@ -1,5 +1,6 @@
-// The convention of component methods, written once: null pointers are named in the log, the body runs in a guard that
-// turns whatever escapes into a result code, and a failing result is logged.
+/// @file
+/// The convention of component methods, written once: null pointers are named in the log, the body runs in a guard that
+/// turns whatever escapes into a result code, and a failing result is logged.
 #pragma once
 
 #include <exception>

@@ -1,11 +1,28 @@
 #!/usr/bin/env bash
-# Runs the shell example of README in an empty folder: run_shell_example.sh PROJECT FOLDER_OF_THE_PROGRAM
+# Runs the checked shell examples of a document, one after the other in a folder with nothing but sample pictures:
+# run_shell_example.sh PROJECT FOLDER_OF_THE_PROGRAM DOCUMENT FILE_THAT_IT_MAKES...
 set -euo pipefail
+project=$1 programs=$2 document=$3
+shift 3
+commands=$("$(dirname "$(readlink -f "$0")")/extract_example.sh" sh "$project/$document")
+[[ -n $commands ]] || {
+    echo "There are no checked shell examples in $document." >&2
+    exit 1
+}
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-cp "$1/assets/coffee.png" "$folder"
-commands=$("$(dirname "$(readlink -f "$0")")/extract_example.sh" sh "$1/README.md")
-[[ -n $commands ]]
+cp "$project/assets/coffee.png" "$project/assets/look.json" "$folder"
+cp "$project/assets/render/color.exr" "$folder/render.exr"
+# A folder of pictures, one of them in a folder of its own.
+mkdir -p "$folder/pictures/evening"
+cp "$project/assets/coffee.png" "$folder/pictures/morning.png"
+cp "$project/docs/images/coffee.jpg" "$folder/pictures/noon.jpg"
+cp "$project/docs/images/coffee.jpg" "$folder/pictures/evening/late.jpg"
 cd "$folder"
-PATH=$2:$PATH bash -euxc "$commands"
-[[ -s warm.jpg && -s crisp.png && -s split.png && -s look.png && -s look.cube ]]
+PATH=$programs:$PATH bash -euxo pipefail -c "$commands"
+for file in "$@"; do
+    [[ -s $file ]] || {
+        echo "The examples of $document did not make $file." >&2
+        exit 1
+    }
+done

@@ -1,4 +1,5 @@
-// A colour as four floats, and the table that decodes gamma-encoded bytes.
+/// @file
+/// A colour as four floats, and the table that decodes gamma-encoded bytes.
 #pragma once
 
 #include <zqx/img/Export.h>
@@ -11,11 +12,12 @@ namespace zqx::img {
 /// straight (not premultiplied). Components are not limited to [0, 1].
 ///
 /// A plain value: trivially copyable, safe to read from several threads.
+/// @ingroup image
 struct ZQX_IMG_API Color {
-    float r = 0.0F;
-    float g = 0.0F;
-    float b = 0.0F;
-    float a = 0.0F;
+    float r = 0.0F; ///< red
+    float g = 0.0F; ///< green
+    float b = 0.0F; ///< blue
+    float a = 0.0F; ///< alpha: 0 transparent, 1 opaque
 
     /// Orders two colours by r, then g, then b, then a, with exact float equality.
     /// @return -1 when the first component that differs is smaller here, 1 otherwise (also when a NaN is involved),
@@ -33,6 +35,7 @@ struct ZQX_IMG_API Color {
 /// Decodes one gamma-encoded byte into linear light: (v / 255)^2.2 rounded to the nearest float, from a table.
 ///
 /// The curve is the pure power 2.2, not the piecewise curve of IEC 61966-2-1. Thread-safe.
+/// @ingroup image
 ZQX_IMG_API float srgb2linear(const unsigned char& v);
 
 } // namespace zqx::img

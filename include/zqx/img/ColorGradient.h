@@ -1,4 +1,5 @@
-// The gradient map of colour grading: colour stops and the 256-entry table sampled from them.
+/// @file
+/// The gradient map of colour grading: colour stops and the 256-entry table sampled from them.
 #pragma once
 
 #include <vector>
@@ -14,6 +15,7 @@ namespace zqx::img {
 /// least two stops. A plain value; a moved-from gradient keeps its table.
 ///
 /// Thread-safety: const methods may be called from several threads.
+/// @ingroup grading
 class ZQX_IMG_API ColorGradient {
 public:
     /// Black to white, both opaque.
@@ -26,10 +28,14 @@ public:
     /// have an entry of their own; those that share an index leave entries that are not meaningful.
     explicit ColorGradient(const std::vector<Color>& colors);
 
+    /// @{
+
+    /// Stops and table are copied or moved; a gradient that was moved from still has its table, but no stops.
     ColorGradient(const ColorGradient&) = default;
     ColorGradient(ColorGradient&&) noexcept = default;
     ColorGradient& operator=(const ColorGradient&) = default;
     ColorGradient& operator=(ColorGradient&&) noexcept = default;
+    /// @}
     ~ColorGradient() = default;
 
     /// Table entry for luma index / 255.

@@ -1,4 +1,5 @@
-// Colour grading: the settings a user moves, and their application to images and lookup tables.
+/// @file
+/// Colour grading: the settings a user moves, and their application to images and lookup tables.
 #pragma once
 
 #include <array>
@@ -14,18 +15,19 @@ namespace zqx::img {
 /// Grading settings turned into what the per-pixel operation consumes, computed once per image.
 ///
 /// Refers to the ColorGrading it was prepared from: valid while that is alive and unchanged.
+/// @ingroup grading
 struct ColorGradingParamsInternal {
     float exposureFactor = 1.0F;   ///< linear multiplier, 2^exposure
     float contrastExponent = 1.0F; ///< exponent of the contrast curve; exactly 1 skips it
-    float highlight = 0.0F;
-    float shadow = 0.0F;
+    float highlight = 0.0F;        ///< slope added above 0.66
+    float shadow = 0.0F;           ///< slope added below 0.33; exactly 0 skips it
     /// Row-major matrix on linear R, G, B columns; none at exactly 6500 K. Held by value, so that gradings prepared on
     /// several threads never meet.
     std::optional<std::array<float, 9>> whiteBalance;
-    float hue = 0.0F; ///< degrees
-    float saturation = 0.0F;
-    const ColorGradient* gradientMap = nullptr;
-    float gradientMapIntensity = 0.0F;
+    float hue = 0.0F;                           ///< degrees; exactly 0 skips it
+    float saturation = 0.0F;                    ///< factor on the distance from luma; 1 keeps colour
+    const ColorGradient* gradientMap = nullptr; ///< the grading's own; not owned
+    float gradientMapIntensity = 0.0F;          ///< 0 to 1; exactly 0 skips it
 };
 
 /// Grading settings and their application.
@@ -46,34 +48,67 @@ struct ColorGradingParamsInternal {
 /// | gradient map intensity | 0 to 1 | 0 | blend towards the gradient's colour at the pixel's luma |
 ///
 /// A plain value. Thread-safety: const methods may be called from several threads, also apply and the tables.
+/// @ingroup grading
 class ZQX_IMG_API ColorGrading {
 public:
+    /// All settings neutral.
     ColorGrading() = default;
+    /// @{
+
+    /// All settings are copied or moved, the gradient map among them.
     ColorGrading(const ColorGrading&) = default;
     ColorGrading(ColorGrading&&) noexcept = default;
     ColorGrading& operator=(const ColorGrading&) = default;
     ColorGrading& operator=(ColorGrading&&) noexcept = default;
+    /// @}
     ~ColorGrading() = default;
 
-    float getExposure() const { return mExposure; }
-    float getContrast() const { return mContrast; }
-    float getHighlight() const { return mHighlight; }
-    float getShadow() const { return mShadow; }
-    float getTemperature() const { return mTemperature; }
-    float getHue() const { return mHue; }
-    float getSaturation() const { return mSaturation; }
-    float getGradientMapIntensity() const { return mGradientMapIntensity; }
-    const ColorGradient& getGradientMap() const { return mGradientMap; }
+    /// @name Settings as they are kept: within their ranges
+    /// @{
 
+    /// Stops, -5 to 5.
+    float getExposure() const { return mExposure; }
+    /// 0 to 1, neutral at 0.5.
+    float getContrast() const { return mContrast; }
+    /// Slope added above 0.66, -1 to 8.
+    float getHighlight() const { return mHighlight; }
+    /// Slope added below 0.33, -8 to 1.
+    float getShadow() const { return mShadow; }
+    /// Kelvin, 2500 to 10500; neutral at 6500.
+    float getTemperature() const { return mTemperature; }
+    /// Degrees, -180 to 180.
+    float getHue() const { return mHue; }
+    /// Factor, 0 to 2; neutral at 1.
+    float getSaturation() const { return mSaturation; }
+    /// Weight of the gradient's colours, 0 to 1.
+    float getGradientMapIntensity() const { return mGradientMapIntensity; }
+    /// The gradient, also while its weight is 0. Owned by the grading.
+    const ColorGradient& getGradientMap() const { return mGradientMap; }
+    /// @}
+
+    /// @name Setters, which limit a value to its range
+    /// @{
+
+    /// @param stops -5 to 5; each doubles linear light, 0 leaves it
     void setExposure(float stops);
+    /// @param contrast 0 to 1: 0 is flat, 0.5 leaves the picture, 1 makes a channel either 0 or far too bright
     void setContrast(float contrast);
+    /// @param highlight -1 to 8: -1 makes everything above 0.66 equal to it, 0 leaves it, above it gets steeper
     void setHighlight(float highlight);
+    /// @param shadow -8 to 1: 1 makes everything below 0.33 equal to it, 0 leaves it, below it gets steeper
     void setShadow(float shadow);
+    /// @param kelvin 2500 to 10500: the light that the picture is corrected for. Below 6500 it turns bluer, above
+    ///        yellower; exactly 6500 leaves it
     void setTemperature(float kelvin);
+    /// @param degrees -180 to 180, counter-clockwise in the plane of u* and v*; 0 leaves the picture
     void setHue(float degrees);
+    /// @param factor 0 to 2: 0 gives greys, 1 leaves the picture
     void setSaturation(float factor);
+    /// @param weight 0 to 1: 0 leaves the picture, 1 shows nothing but the gradient's colours
     void setGradientMapIntensity(float weight);
+    /// @param gradient the colours for luma 0 to 1, in linear light; copied
     void setGradientMap(const ColorGradient& gradient);
+    /// @}
 
     /// Orders by exposure, contrast, highlight, shadow, temperature, hue, saturation and gradient map intensity with
     /// exact float equality, then by the gradient maps. With a NaN in the first settings that differ the result is 1.
@@ -91,12 +126,14 @@ public:
     /// Bakes the grading into size^3 entries of three floats over linear input (r, g, b) / (size - 1).
     ///
     /// Red varies fastest, then green, then blue. Entries are neither limited nor encoded.
+    /// @param size points along each axis
     /// @param pLUT the caller's buffer of 3 * size^3 floats; with size 0 nothing is written, with size 1 the entry is
     /// NaN
     void generate3DLUT_RGB32F(std::size_t size, float* pLUT) const;
 
     /// Bakes the grading into size^3 entries of three bytes over gamma-encoded input (r, g, b) / (size - 1), decoded
     /// with the pure power 2.2; entries are encoded with the power 1/2.2 and truncated. Layout as for floats.
+    /// @param size points along each axis
     /// @param pLUT the caller's buffer of 3 * size^3 bytes
     void generate3DLUT_SRGB8(std::size_t size, unsigned char* pLUT) const;
 

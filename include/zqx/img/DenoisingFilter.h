@@ -1,4 +1,5 @@
-// Removing the noise of path-traced renders with OpenImageDenoise.
+/// @file
+/// Removing the noise of path-traced renders with OpenImageDenoise.
 #pragma once
 
 #include <cstddef>
@@ -22,6 +23,7 @@ namespace zqx::img {
 ///
 /// Thread-safety: one run at a time in the whole process, as all filters share the device. The library itself uses all
 /// processors.
+/// @ingroup filters
 class ZQX_IMG_API DenoisingFilter : public Filter {
 public:
     /// @name Keys of the inputs
@@ -31,6 +33,7 @@ public:
     static constexpr int NORMAL = 2; ///< direction of the surface at each pixel
     /// @}
 
+    /// A filter without images, for display-referred values.
     DenoisingFilter() = default;
 
     /// @param hdr true for linear values without an upper bound, false (the default) for display-referred sRGB values
@@ -52,9 +55,12 @@ private:
 /// Denoises plain arrays in place. See DenoisingFilter.
 ///
 /// The buffers that it works in are kept for the next call of the same size, so only one thread at a time may call it.
+/// @ingroup filters
 /// @param color width * height pixels of four floats R, G, B, A; on success R, G and B are replaced, A is kept
 /// @param albedo three floats a pixel, packed
 /// @param normal three floats a pixel, packed
+/// @param width pixels in a row
+/// @param height rows
 /// @param hdr as for DenoisingFilter::setHDR
 /// @param error set to the filter's message on failure, otherwise left alone
 /// @return false on failure; color is then unchanged

@@ -1,5 +1,10 @@
-// Symbol visibility of the library: everything is hidden except what carries ZQX_IMG_API.
+/// @file
+/// Symbol visibility of the library: everything is hidden except what carries ZQX_IMG_API.
 #pragma once
+
+/// @def ZQX_IMG_API
+/// Marks what the shared library exports.
+/// @ingroup image
 
 #if defined(_WIN32)
 #if defined(ZQX_IMG_BUILDING)

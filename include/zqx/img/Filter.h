@@ -1,4 +1,5 @@
-// The base of all image filters: a source, keyed inputs, an output, and a message when something failed.
+/// @file
+/// The base of all image filters: a source, keyed inputs, an output, and a message when something failed.
 #pragma once
 
 #include <map>
@@ -19,8 +20,10 @@ namespace zqx::img {
 /// The destructor is not virtual: destroy a filter through its own type.
 ///
 /// Thread-safety: one thread at a time per filter.
+/// @ingroup filters
 class ZQX_IMG_API Filter {
 public:
+    /// No images, no inputs, no message.
     Filter();
     /// Views the same images as the other filter; owns none of them.
     Filter(const Filter& other);
@@ -30,6 +33,7 @@ public:
     Filter& operator=(const Filter& other);
     /// Takes over the message and the inputs; source and output as in copy assignment.
     Filter& operator=(Filter&& other) noexcept;
+    /// Frees the pixels that setters took over for the source and the output.
     ~Filter();
 
     /// Sets the single source image.
@@ -46,10 +50,10 @@ public:
     virtual bool execute() = 0;
 
 protected:
-    std::string mErrorMessage;
-    std::map<int, Image> mInputs;
-    Image mSrcImage;
-    Image mOutImage;
+    std::string mErrorMessage;    ///< what getErrorMessage() returns; set it where execute() fails
+    std::map<int, Image> mInputs; ///< by key, as set with setInput()
+    Image mSrcImage;              ///< as set with setSrcImage()
+    Image mOutImage;              ///< as set with setOutput()
 };
 
 } // namespace zqx::img

@@ -1,4 +1,5 @@
-// A picture held by the FreeImage library: the bitmap component.
+/// @file
+/// A picture held by the FreeImage library: the bitmap component.
 #pragma once
 
 #include <cstddef>
@@ -18,17 +19,23 @@ namespace zqx::img {
 /// The bitmap component. See IFreeImage for what its methods do.
 ///
 /// Lives on the heap: made with a count of 0, it is destroyed, with its bitmap, by the release of its last reference.
+/// @ingroup components
 class ZQX_IMG_API FreeImage : public TovInterfaceAdapter<qfreeimage::IFreeImage_Adapter> {
 public:
+    /// The interface that this is a component of.
     using IFreeImage = qfreeimage::IFreeImage;
 
     /// An empty component.
     FreeImage() = default;
     /// Takes ownership of the bitmap.
     explicit FreeImage(FIBITMAP* bitmap) : mBitmap(bitmap) {}
+    /// @{
+
     /// Copies are shallow: both own the bitmap, and the count is copied. Components are not copied in practice.
     FreeImage(const FreeImage&) = default;
     FreeImage& operator=(const FreeImage&) = default;
+    /// @}
+    /// Frees the bitmap.
     ~FreeImage() override;
 
     /// A new empty component with a count of 0.
@@ -37,6 +44,10 @@ public:
     /// assertion handler decides: the reference is empty, or the component has no bitmap.
     static tov::TovRef<FreeImage> load(const char* path);
 
+    /// @name The interface
+    /// @{
+
+    /// As described at the method of the same name in qfreeimage::IFreeImage.
     tov::Result load(int format, const char* path, int flags) override;
     tov::Result loadFromStream(int format, qutil::IIOStream* pStream, int flags) override;
     tov::Result save(int format, const char* path, int flags) override;
@@ -74,10 +85,13 @@ public:
     tov::Result convertToStandardType(IFreeImage** pOut, int scaleLinear) override;
     tov::Result convertToType(IFreeImage** pOut, int type, int scaleLinear) override;
     tov::Result getPitch(int* pPitch) override;
+    /// @}
 
-    /// Sizes straight from the bitmap; 0 when there is none.
+    /// Pixels in a row; 0 when there is no bitmap.
     std::size_t getWidth() const;
+    /// Rows; 0 when there is no bitmap.
     std::size_t getHeight() const;
+    /// Bits per pixel; 0 when there is no bitmap.
     std::size_t getBitsPerPixel() const;
 
     /// The bitmap, for programs that work with FreeImage themselves; still owned by this object, null when there is

@@ -1,4 +1,5 @@
-// Separable Gaussian blur in linear light.
+/// @file
+/// Separable Gaussian blur in linear light.
 #pragma once
 
 #include <cstddef>
@@ -13,12 +14,15 @@ namespace zqx::img {
 ///
 /// Works in linear floats whatever the formats; all channels are blurred alike, alpha included and not premultiplied.
 /// Borders are replicated. With a float output format the work is done in place in the output, which may be the source.
+/// @ingroup filters
 class ZQX_IMG_API GaussianBlur : public Filter {
 public:
+    /// A filter without images and with a sigma of 0: set one before it runs.
     GaussianBlur() = default;
 
     /// @param sigma standard deviation in pixels, positive; not checked. With 0 the kernel, and so the result, is NaN
     void setSigma(float sigma) { mSigma = sigma; }
+    /// The standard deviation in pixels, as set.
     float getSigma() const { return mSigma; }
 
     /// Half the radius.

@@ -1,4 +1,5 @@
-// The interface of the pipeline component.
+/// @file
+/// The interface of the pipeline component.
 #pragma once
 
 #include <qutil/Color.h>
@@ -8,12 +9,14 @@
 
 namespace zqx::img {
 
+/// The bitmap interface, which is what pipelines take and hand out.
 using qfreeimage::IFreeImage;
 
 /// Grading values as they cross the interface: fourteen floats.
 ///
 /// Highlight and shadow are symmetric here; inside, highlights above 0 and shadows below 0 reach eight times as far.
 /// The gradient's colours are gamma-encoded here and linear inside.
+/// @ingroup components
 struct EColorGradingParams {
     float exposure;             ///< -5 to 5 stops
     float contrast;             ///< 0 to 1, neutral 0.5
@@ -23,8 +26,8 @@ struct EColorGradingParams {
     float hue;                  ///< -180 to 180 degrees
     float saturation;           ///< 0 to 2, neutral 1
     float gradientMapIntensity; ///< 0 to 1
-    qutil::EColor3f black;
-    qutil::EColor3f white;
+    qutil::EColor3f black;      ///< gradient's colour for black, gamma-encoded
+    qutil::EColor3f white;      ///< gradient's colour for white, gamma-encoded
 };
 
 /// Adjusts bitmaps: takes a bitmap component, holds parameters, and hands out results as new bitmap components.
@@ -33,28 +36,40 @@ struct EColorGradingParams {
 /// exception escaped; both are logged. Integers count as true when non-zero.
 ///
 /// Thread-safety: references on any thread, everything else one thread at a time per pipeline.
+/// @ingroup components
 class IImageProcessingPipeline : public tov::IUnknown {
 public:
+    /// The interface's identifier.
     static constexpr const char* IID = "IDL:zqx/img/IImageProcessingPipeline:1.0";
 
     /// Takes a bitmap of this module as the source and keeps a reference on it. The bitmap must stay loaded. Any other
     /// implementation of the interface, or null, is tov::UNEXPECTED.
     virtual tov::Result setInputImage(IFreeImage* pFreeImage) = 0;
+    /// 1 when the inversion stage inverts, else 0.
     virtual tov::Result getInversionEnabled(int* pEnabled) = 0;
+    /// Inverts red, green and blue in linear light, before all else.
     virtual tov::Result setInversionEnabled(int enabled) = 0;
+    /// The grading, in the record's units.
     virtual tov::Result getColorGradingParams(EColorGradingParams* pParams) = 0;
     /// Values outside their range are limited to it; NaN passes. Replaces the gradient map.
     virtual tov::Result setColorGradingParams(const EColorGradingParams& params) = 0;
+    /// A neutral grading, whatever this pipeline's is.
     virtual tov::Result getDefaultColorGradingParams(EColorGradingParams* pParams) = 0;
+    /// The strength as kept, -1 to 1.
     virtual tov::Result getSharpness(float* pStrength) = 0;
     /// Above 0 sharpens (strength 5 times this), below 0 blurs (sigma -6 times this pixels); limited to [-1, 1].
     virtual tov::Result setSharpness(float strength) = 0;
+    /// 1 when left and right are mirrored, else 0.
     virtual tov::Result getFlipHorizontal(int* pFlipHorizontal) = 0;
+    /// Mirrors left and right, after all else.
     virtual tov::Result setFlipHorizontal(int flip) = 0;
+    /// 1 when top and bottom are mirrored, else 0.
     virtual tov::Result getFlipVertical(int* pFlipVertical) = 0;
+    /// Mirrors top and bottom, after all else.
     virtual tov::Result setFlipVertical(int flip) = 0;
     /// Mask: 1 inversion, 2 and 4 colour grading, 8 sharpening and blur, 16 flips.
     virtual tov::Result getActiveStages(int* pStageFlags) = 0;
+    /// Chooses the stages that run, by the same bits; inactive ones keep their parameters.
     virtual tov::Result setActiveStages(int stageFlags) = 0;
     /// Renders the source into a new 8-bit bitmap with one reference, owned by the caller. tov::NOT_READY without a
     /// source. A linear 8-bit source gives linear bytes, an encoded one encoded bytes.
@@ -65,6 +80,7 @@ public:
 };
 
 /// The interface with the plain slots of its base implemented.
+/// @ingroup components
 class IImageProcessingPipeline_Adapter : public tov::UnknownAdapter<IImageProcessingPipeline> {};
 
 } // namespace zqx::img

@@ -1,4 +1,5 @@
-// The pixel buffer that everything in the library reads and writes.
+/// @file
+/// The pixel buffer that everything in the library reads and writes.
 #pragma once
 
 #include <cstddef>
@@ -11,11 +12,12 @@
 namespace zqx::img {
 
 /// Bit mask of logical channels, whatever their byte order in memory. A grey format uses Red for its one channel.
+/// @ingroup image
 enum Channel : std::uint32_t {
-    Red = 1,
-    Green = 2,
-    Blue = 4,
-    Alpha = 8,
+    Red = 1,   ///< red, or grey
+    Green = 2, ///< green
+    Blue = 4,  ///< blue
+    Alpha = 8, ///< alpha
 };
 
 /// A width x height grid of pixels in one of eleven formats, addressed by a byte pixel stride and a byte row stride.
@@ -30,6 +32,7 @@ enum Channel : std::uint32_t {
 ///
 /// Thread-safety: one thread at a time per image (and per pixel memory). Operations run their rows in parallel and
 /// return when all rows are done.
+/// @ingroup image
 class ZQX_IMG_API Image {
 public:
     /// Pixel layouts. The numbers are exchanged with other programs and never change.
@@ -54,11 +57,18 @@ public:
     Image();
 
     /// A view over foreign memory of at least height * byteRowStride bytes. Nothing is allocated or checked.
+    /// @param data address of pixel (0, 0); stays the caller's
+    /// @param width pixels in a row
+    /// @param height rows
+    /// @param format layout of the pixels, which lie packed in a row
     /// @param byteRowStride bytes from one row to the next; 0 means packed rows
     Image(void* data, std::size_t width, std::size_t height, Format format, std::size_t byteRowStride);
 
     /// Allocates an owned buffer whose rows start at multiples of rowAlignment bytes from its beginning.
     /// Pixels are not initialised; the padding at the end of each row is zero.
+    /// @param width pixels in a row
+    /// @param height rows
+    /// @param format layout of the pixels
     /// @param rowAlignment at least 1; 1 gives packed rows
     /// @throws std::bad_alloc when the memory cannot be had or its size cannot be expressed
     Image(std::size_t width, std::size_t height, Format format, int rowAlignment);
@@ -73,8 +83,11 @@ public:
     /// Frees the pixels if this image owns them.
     virtual ~Image();
 
+    /// The layout of the pixels.
     Format getFormat() const { return mFormat; }
+    /// Pixels in a row.
     std::size_t getWidth() const { return mWidth; }
+    /// Rows.
     std::size_t getHeight() const { return mHeight; }
     /// Bytes from one pixel to the next within a row.
     std::size_t getBytePixelStride() const { return mBytePixelStride; }
@@ -172,11 +185,13 @@ private:
 ///
 /// Pixels with alpha up to 0.0001 keep their colour. 8-bit colour is divided as stored, without decoding it, limited
 /// to [0, 1] and truncated; this is not the inverse of straight2PremultipliedAlpha for encoded formats.
+/// @ingroup image
 ZQX_IMG_API void premultiplied2StraightAlpha(Image& image);
 
 /// Multiplies colour by alpha in place, for the formats with alpha; others are left alone.
 ///
 /// Encoded colour is decoded first and encoded again after the product. Bytes are truncated.
+/// @ingroup image
 ZQX_IMG_API void straight2PremultipliedAlpha(Image& image);
 
 } // namespace zqx::img

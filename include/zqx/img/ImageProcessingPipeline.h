@@ -1,4 +1,5 @@
-// The chain of adjustments over one source image, and its parameter document.
+/// @file
+/// The chain of adjustments over one source image, and its parameter document.
 #pragma once
 
 #include <cstdint>
@@ -22,17 +23,18 @@ namespace zqx::img {
 /// component (see IImageProcessingPipeline) by hosts; a copy copies the component's reference count too.
 ///
 /// Thread-safety: references on any thread, everything else one thread at a time per pipeline.
+/// @ingroup pipeline
 class ZQX_IMG_API ImageProcessingPipeline
     : public TovInterfaceAdapter<IImageProcessingPipeline_Adapter, detail::NoInterfaceProvider,
                                  IImageProcessingPipeline_Adapter> {
 public:
     /// Bits of the stage mask. Either of the two grading bits runs the whole grading, gradient map included.
     enum Stage : std::uint32_t {
-        STAGE_INVERSION = 1,
-        STAGE_COLOR_GRADING = 2,
-        STAGE_GRADIENT_MAP = 4,
-        STAGE_SHARPEN = 8,
-        STAGE_FLIP = 16,
+        STAGE_INVERSION = 1,     ///< the negative
+        STAGE_COLOR_GRADING = 2, ///< the whole grading
+        STAGE_GRADIENT_MAP = 4,  ///< the whole grading too
+        STAGE_SHARPEN = 8,       ///< sharpening or softening
+        STAGE_FLIP = 16,         ///< both flips
     };
     /// Every stage, also those to come.
     static constexpr long ALL_STAGES = 65535;
@@ -45,16 +47,23 @@ public:
 
     /// Sets the source image; an empty pointer removes it. Drops the cached preview.
     void setInputImage(std::shared_ptr<Image> image);
+    /// As described at IImageProcessingPipeline::setInputImage.
     tov::Result setInputImage(IFreeImage* pFreeImage) override;
 
+    /// Channels that the inversion stage inverts.
     Channel getInversionChannels() const { return mInversionChannels; }
     /// Channels that the inversion stage inverts; red, green and blue by default. Not validated.
     void setInversionChannels(Channel channels) { mInversionChannels = channels; }
 
     /// The grading settings.
     const ColorGrading& getColorGrading() const { return mColorGrading; }
+    /// Replaces all grading settings; they are copied.
     void setColorGrading(const ColorGrading& grading) { mColorGrading = grading; }
 
+    /// @name The interface
+    /// @{
+
+    /// As described at the method of the same name in IImageProcessingPipeline.
     tov::Result getInversionEnabled(int* pEnabled) override;
     tov::Result setInversionEnabled(int enabled) override;
     tov::Result getColorGradingParams(EColorGradingParams* pParams) override;
@@ -70,6 +79,7 @@ public:
     tov::Result setActiveStages(int stageFlags) override;
     tov::Result execute(IFreeImage** pOutImage) override;
     tov::Result executePreview(unsigned int width, unsigned int height, IFreeImage** pPreviewImage) override;
+    /// @}
 
     /// Neutral parameters again; channel mask, stage mask and images stay.
     void resetParams();

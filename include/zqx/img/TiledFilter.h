@@ -1,4 +1,5 @@
-// Filtering an image of any size tile by tile, with bounded working memory.
+/// @file
+/// Filtering an image of any size tile by tile, with bounded working memory.
 #pragma once
 
 #include <cstddef>
@@ -13,6 +14,7 @@
 namespace zqx::img {
 
 /// A rectangle of pixels.
+/// @ingroup filters
 struct ZQX_IMG_API Tile {
     std::size_t x;      ///< left column
     std::size_t y;      ///< top row
@@ -44,6 +46,7 @@ struct ZQX_IMG_API Tile {
 /// then written straight into the output, and nothing is discarded.
 ///
 /// Thread-safety: one thread at a time per filter. Tiles are filtered one after another on the calling thread.
+/// @ingroup filters
 class ZQX_IMG_API TiledFilter : public Filter {
 public:
     /// @param tileSize largest width and height of a tile, in pixels

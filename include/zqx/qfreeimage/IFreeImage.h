@@ -1,4 +1,5 @@
-// The interface of the bitmap component.
+/// @file
+/// The interface of the bitmap component.
 #pragma once
 
 #include <cstdint>
@@ -13,13 +14,14 @@
 namespace zqx::qfreeimage {
 
 /// How a bitmap's pixels mean colour, in the order of FREE_IMAGE_COLOR_TYPE.
+/// @ingroup components
 enum ColorType : std::int32_t {
-    MIN_IS_WHITE = 0,
-    MIN_IS_BLACK = 1,
-    RGB = 2,
-    PALETTE = 3,
-    RGB_ALPHA = 4,
-    CMYK = 5,
+    MIN_IS_WHITE = 0, ///< grey, 0 being white
+    MIN_IS_BLACK = 1, ///< grey, 0 being black
+    RGB = 2,          ///< colour without alpha
+    PALETTE = 3,      ///< indices into a palette
+    RGB_ALPHA = 4,    ///< colour with alpha
+    CMYK = 5,         ///< printing inks
 };
 
 /// A bitmap that is loaded from and saved to files and streams, read and written by pixel, and transformed whole.
@@ -35,8 +37,10 @@ enum ColorType : std::int32_t {
 /// Coordinates: x from the left, y from the top. Scan lines are counted from the bottom.
 ///
 /// Thread-safety: references on any thread, everything else one thread at a time per bitmap.
+/// @ingroup components
 class IFreeImage : public tov::IUnknown {
 public:
+    /// The interface's identifier.
     static constexpr const char* IID = "IDL:zqx/qfreeimage/IFreeImage:1.0";
 
     /// Loads a file. With format -1 its content decides, then its name. A format that is unknown or cannot be read
@@ -54,8 +58,11 @@ public:
     virtual tov::Result allocate(int type, int width, int height, int bitsPerPixel) = 0;
     /// Frees the bitmap, if any. Always successful.
     virtual tov::Result unload() = 0;
+    /// Pixels in a row.
     virtual tov::Result getWidth(int* pWidth) = 0;
+    /// Rows.
     virtual tov::Result getHeight(int* pHeight) = 0;
+    /// Bits of one pixel, all channels together.
     virtual tov::Result getBitsPerPixel(int* pBitsPerPixel) = 0;
     /// The FREE_IMAGE_TYPE.
     virtual tov::Result getDataType(int* pType) = 0;
@@ -97,11 +104,14 @@ public:
     virtual tov::Result convertToHBitmap(void** pHandle) = 0;
     /// A hash over all scan lines with their padding. The pointer is not checked.
     virtual tov::Result getHash(int* pHash) = 0;
+    /// Converts to bytes blue, green, red.
     virtual tov::Result convertTo24Bits(IFreeImage** pOut) = 0;
+    /// Converts to bytes blue, green, red, alpha; opaque where there was no transparency.
     virtual tov::Result convertTo32Bits(IFreeImage** pOut) = 0;
     /// 256 colours in [0, 1], those that the bitmap does not have being black; freed by the caller with tov::tovFree.
     /// Returns 1, and writes nothing, when there is no palette.
     virtual tov::Result getPalette(tov::Sequence<qutil::EColor3f>* pPalette) = 0;
+    /// How the pixels mean colour.
     virtual tov::Result getColorType(ColorType* pType) = 0;
     /// Multiplies colour by alpha in place (32 bit bitmaps).
     virtual tov::Result preMultiplyWithAlpha() = 0;
@@ -118,6 +128,7 @@ public:
 };
 
 /// The interface with the plain slots of its base implemented.
+/// @ingroup components
 class IFreeImage_Adapter : public tov::UnknownAdapter<IFreeImage> {};
 
 } // namespace zqx::qfreeimage

@@ -1,4 +1,5 @@
-// Assertions whose failure the host may look at and overrule.
+/// @file
+/// Assertions whose failure the host may look at and overrule.
 #pragma once
 
 #include <functional>

@@ -1,21 +1,22 @@
-// Colour records that cross interfaces.
+/// @file
+/// Colour records that cross interfaces.
 #pragma once
 
 namespace qutil {
 
 /// Red, green, blue and alpha; what they are encoded in is said where they are used.
 struct EColor4f {
-    float r;
-    float g;
-    float b;
-    float a;
+    float r; ///< red
+    float g; ///< green
+    float b; ///< blue
+    float a; ///< alpha
 };
 
 /// Red, green and blue, as above.
 struct EColor3f {
-    float r;
-    float g;
-    float b;
+    float r; ///< red
+    float g; ///< green
+    float b; ///< blue
 };
 
 } // namespace qutil

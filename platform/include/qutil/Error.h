@@ -1,4 +1,5 @@
-// The error object of the utility library.
+/// @file
+/// The error object of the utility library.
 #pragma once
 
 #include <string>
@@ -12,8 +13,10 @@ namespace qutil {
 /// needs a clause for it.
 class ZQX_PLATFORM_API Error {
 public:
+    /// @param text what went wrong, in words
     explicit Error(std::string text) : mText(std::move(text)) {}
 
+    /// The text; lives as long as this object.
     const char* what() const noexcept { return mText.c_str(); }
 
 private:

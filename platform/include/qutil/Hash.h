@@ -1,4 +1,5 @@
-// A fast hash of bytes, for finding equal pictures; not for security.
+/// @file
+/// A fast hash of bytes, for finding equal pictures; not for security.
 #pragma once
 
 #include <cstddef>

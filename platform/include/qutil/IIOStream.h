@@ -1,4 +1,5 @@
-// The interface that components read bytes from.
+/// @file
+/// The interface that components read bytes from.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +8,12 @@
 
 namespace qutil {
 
+/// Bytes to be read in order.
+///
+/// One stream is used from one thread at a time.
 class IIOStream : public tov::IUnknown {
 public:
+    /// The interface's identifier.
     static constexpr const char* IID = "IDL:qutil/IIOStream:1.0";
 
     /// The size of the whole stream in bytes, wherever its position is.
@@ -20,10 +25,14 @@ public:
     virtual tov::Result read(std::uint32_t count, unsigned char** pBuffer) = 0;
 
 protected:
+    /// @{
+
+    /// For components alone: objects are made by factories and end through release().
     IIOStream() = default;
     IIOStream(const IIOStream&) = default;
     IIOStream& operator=(const IIOStream&) = default;
     ~IIOStream() = default;
+    /// @}
 };
 
 } // namespace qutil

@@ -1,4 +1,5 @@
-// Readers of JSON values: each stores the value when it has the wanted type, and leaves the output alone otherwise.
+/// @file
+/// Readers of JSON values: each stores the value when it has the wanted type, and leaves the output alone otherwise.
 #pragma once
 
 #include <rapidjson/document.h>

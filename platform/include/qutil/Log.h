@@ -1,4 +1,5 @@
-// The logging service: records with their place in the source, handed to one sink that the host may replace.
+/// @file
+/// The logging service: records with their place in the source, handed to one sink that the host may replace.
 #pragma once
 
 #include <functional>
@@ -14,24 +15,27 @@ class SehException;
 
 /// One thing that was logged.
 struct LogRecord {
-    std::string category;
-    std::string file;
-    int line;
+    std::string category; ///< what kind of thing it is about
+    std::string file;     ///< source file
+    int line;             ///< line in it
     /// Signature of the function; empty for exceptions that a guard has caught.
     std::string function;
     /// 0 for what must not happen; the higher, the less it matters.
     int level;
-    std::string text;
+    std::string text; ///< what is to be said
 };
 
 /// A record in the making: collects text, and hands the record over at its end. Use it as a temporary.
 class ZQX_PLATFORM_API LogStream {
 public:
+    /// @param record place and level; its text is replaced by what is collected
     explicit LogStream(LogRecord record);
+    /// Hands the record to the sink. Never throws: a record that there is no memory for is lost.
     ~LogStream();
     LogStream(const LogStream&) = delete;
     LogStream& operator=(const LogStream&) = delete;
 
+    /// Appends a value as output streams write it, numbers without thousands separators.
     template <typename T>
     LogStream& operator<<(const T& value) {
         mText << value;
@@ -51,6 +55,7 @@ public:
 
     /// The highest level worth a record. Whoever logs asks first, as records are made at any level: 2 unless set.
     static int reportingLevel();
+    /// @param level highest level worth a record from now on
     static void setReportingLevel(int level);
 
     /// @return the previous sink. An empty one stands for the default, which writes lines to the error output.
@@ -59,10 +64,13 @@ public:
     /// Begins a record: `Log::get(…) << "text";`.
     static LogStream get(const char* category, const char* file, int line, const char* function, int level);
 
+    /// @{
+
     /// Records an exception that nothing else handles, at level 0.
     static void logFatalException(const char* category, const char* file, int line, const SehException& exception);
     static void logFatalException(const char* category, const char* file, int line, const Error& error);
     static void logFatalException(const char* category, const char* file, int line, const char* text);
+    /// @}
 };
 
 } // namespace qutil

@@ -1,4 +1,5 @@
-// A processor fault as an exception; SehTranslator makes them.
+/// @file
+/// A processor fault as an exception; SehTranslator makes them.
 #pragma once
 
 #include <stdexcept>

@@ -1,4 +1,5 @@
-// Turns processor faults into C++ exceptions for the length of a scope.
+/// @file
+/// Turns processor faults into C++ exceptions for the length of a scope.
 #pragma once
 
 #include <tov/Export.h>
@@ -25,7 +26,9 @@ namespace qutil {
 /// signals sent by processes, go to the previous handlers.
 class ZQX_PLATFORM_API SehTranslator {
 public:
+    /// Faults of this thread become exceptions from here on.
     SehTranslator();
+    /// As it was before.
     ~SehTranslator();
     SehTranslator(const SehTranslator&) = delete;
     SehTranslator& operator=(const SehTranslator&) = delete;

@@ -1,4 +1,5 @@
-// Result codes in words.
+/// @file
+/// Result codes in words.
 #pragma once
 
 #include <cstdint>

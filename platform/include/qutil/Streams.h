@@ -1,4 +1,5 @@
-// Streams for hosts: bytes in memory and files, to be read and written by components.
+/// @file
+/// Streams for hosts: bytes in memory and files, to be read and written by components.
 #pragma once
 
 #include <cstddef>
@@ -26,8 +27,12 @@ public:
     /// @return the stream; empty if the bytes are too many or memory is short.
     static tov::TovRef<MemoryInputStream> create(const void* bytes, std::size_t size);
 
+    /// @{
+
+    /// As described in IIOStream.
     tov::Result getSize(std::uint32_t* pSize) override;
     tov::Result read(std::uint32_t count, unsigned char** pBuffer) override;
+    /// @}
 
 private:
     MemoryInputStream(const unsigned char* bytes, std::size_t size) : mBytes(bytes, bytes + size) {}
@@ -42,8 +47,12 @@ public:
     /// @return the stream; empty if there is no such regular file, or it cannot be read or is too large.
     static tov::TovRef<FileInputStream> create(std::string_view path);
 
+    /// @{
+
+    /// As described in IIOStream.
     tov::Result getSize(std::uint32_t* pSize) override;
     tov::Result read(std::uint32_t count, unsigned char** pBuffer) override;
+    /// @}
 
 private:
     FileInputStream(std::ifstream file, std::uint32_t size) : mFile(std::move(file)), mSize(size) {}
@@ -59,6 +68,7 @@ public:
     /// @return the stream; empty if memory is short.
     static tov::TovRef<MemoryOutputStream> create();
 
+    /// @return FAILURE when memory is short, then nothing is taken; INVALID_ARGUMENT for bytes at null.
     tov::Result write(const tov::Sequence<unsigned char>& bytes) override;
 
     /// All that has been written; valid until more is.

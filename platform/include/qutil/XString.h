@@ -1,4 +1,5 @@
-// Conversion of file names at the edge to wide-character system calls.
+/// @file
+/// Conversion of file names at the edge to wide-character system calls.
 #pragma once
 
 #include <cstddef>
@@ -12,6 +13,7 @@ namespace qutil {
 /// A UTF-8 string that converts to the platform's wide characters.
 class XString {
 public:
+    /// @param utf8 copied
     explicit XString(std::string_view utf8) : mText(utf8) {}
 
     /// UTF-16 where wchar_t has 16 bits, else UTF-32. Malformed bytes become U+FFFD.

@@ -1,4 +1,5 @@
-// Atomic operations on plain counters.
+/// @file
+/// Atomic operations on plain counters.
 #pragma once
 
 #include <cstdint>

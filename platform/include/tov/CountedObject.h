@@ -1,4 +1,5 @@
-// Base of components with one interface, for hosts and their streams: counting, lookup and name.
+/// @file
+/// Base of components with one interface, for hosts and their streams: counting, lookup and name.
 #pragma once
 
 #include <rhm/Atomic.h>
@@ -14,6 +15,8 @@ public:
     CountedObject(const CountedObject&) = delete;
     CountedObject& operator=(const CountedObject&) = delete;
 
+    /// Answers for IUnknown and the component's own interface with a new reference.
+    /// @return SUCCESS, INVALID_ARGUMENT for a null pIfc, NO_INTERFACE for other identifiers
     Result queryInterface(const char* iid, IUnknown** pIfc) override {
         if (pIfc == nullptr) {
             return INVALID_ARGUMENT;
@@ -26,7 +29,9 @@ public:
         addRef();
         return SUCCESS;
     }
+    /// @return the new count. Thread-safe.
     std::uint32_t addRef() override { return rhm::rhmAtomicIncrement(&mReferences); }
+    /// Destroys the object with its last reference. @return the new count. Thread-safe.
     std::uint32_t release() override {
         const std::uint32_t left = rhm::rhmAtomicDecrement(&mReferences);
         if (left == 0) {
@@ -34,10 +39,13 @@ public:
         }
         return left;
     }
+    /// The identifier of the component's own interface; static memory.
     const char* getInterfaceName() override { return Interface::IID; }
 
 protected:
+    /// No reference yet.
     CountedObject() = default;
+    /// Called by the last release().
     virtual ~CountedObject() = default;
 
 private:

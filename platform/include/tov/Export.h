@@ -1,5 +1,9 @@
-// Symbol visibility of the platform library: everything is hidden except what carries ZQX_PLATFORM_API.
+/// @file
+/// Symbol visibility of the platform library: everything is hidden except what carries ZQX_PLATFORM_API.
 #pragma once
+
+/// @def ZQX_PLATFORM_API
+/// Marks what the platform library exports.
 
 #if defined(_WIN32)
 #if defined(ZQX_PLATFORM_BUILDING)

@@ -1,4 +1,5 @@
-// The interface that every component starts with: reference counting and the way from one interface to another.
+/// @file
+/// The interface that every component starts with: reference counting and the way from one interface to another.
 #pragma once
 
 #include <cstdint>
@@ -12,12 +13,16 @@ namespace tov {
 /// compilers reorder them). Objects end through release(), never through delete.
 class IUnknown {
 public:
+    /// The interface's identifier.
     static constexpr const char* IID = "IDL:tov/IUnknown:1.0";
+
+    /// @{
 
     /// The three slots of the older, binary-identifier protocol; see UnknownAdapter.
     virtual Result plainQueryInterface(const void* iid, void** pOut) = 0;
     virtual std::uint32_t plainAddRef() = 0;
     virtual std::uint32_t plainRelease() = 0;
+    /// @}
 
     /// Hands out another interface of the object, with one reference that the caller owns.
     /// @param iid the interface identifier; not changed.
@@ -35,28 +40,38 @@ public:
     virtual const char* getInterfaceName() = 0;
 
 protected:
+    /// @{
+
+    /// For components alone: they end through release().
     IUnknown() = default;
     IUnknown(const IUnknown&) = default;
     IUnknown& operator=(const IUnknown&) = default;
     ~IUnknown() = default;
+    /// @}
 };
 
 /// Answers the older protocol's slots for any interface: no identifier is known there, and the counts are the same.
 template <typename Interface>
 class UnknownAdapter : public Interface {
 public:
+    /// Finds nothing. @return NO_INTERFACE, with a null pointer where there is room for one
     Result plainQueryInterface(const void* /*iid*/, void** pOut) final {
         if (pOut != nullptr) {
             *pOut = nullptr;
         }
         return NO_INTERFACE;
     }
+    /// The same as addRef().
     std::uint32_t plainAddRef() final { return this->addRef(); }
+    /// The same as release().
     std::uint32_t plainRelease() final { return this->release(); }
 
 protected:
+    /// For components alone: they end through release().
     UnknownAdapter() = default;
+    /// For components alone.
     UnknownAdapter(const UnknownAdapter&) = default;
+    /// For components alone.
     UnknownAdapter& operator=(const UnknownAdapter&) = default;
     ~UnknownAdapter() = default;
 };

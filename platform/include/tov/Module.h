@@ -1,4 +1,5 @@
-// The host's side of a module: loads its shared library, registers its classes and makes components.
+/// @file
+/// The host's side of a module: loads its shared library, registers its classes and makes components.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +11,11 @@
 
 namespace tov {
 
-/// The entry points that a module exports, as plain C functions named dsoGetObjectFactory, dsoRegisterServer and
-/// dsoUnregisterServer.
+// The entry points that a module exports, as plain C functions.
 extern "C" {
+/// dsoGetObjectFactory: makes a factory of a class and hands out its first reference.
 using DsoGetObjectFactory = std::uint32_t (*)(const char* clsid, const char* iid, void** pOut);
+/// dsoRegisterServer and dsoUnregisterServer: put the module's classes into the registry, or take them off it.
 using DsoRegisterServer = std::uint32_t (*)(unsigned int module, unsigned int flags);
 }
 
@@ -31,12 +33,18 @@ public:
     /// @return the module, not loaded on failure. A library of which another Module still holds the classes fails.
     static Module load(const std::string& path, std::string* pError = nullptr);
 
+    /// @{
+
+    /// The other object is not loaded afterwards; what this one held is released.
     Module(Module&& other) noexcept;
     Module& operator=(Module&& other) noexcept;
+    /// @}
     Module(const Module&) = delete;
     Module& operator=(const Module&) = delete;
+    /// Takes the classes off the registry; the code stays in memory.
     ~Module();
 
+    /// False for a module that was not loaded, could not be, or was moved from.
     bool isLoaded() const { return mLibrary != nullptr; }
 
     /// What the registry knows this module by; 0 when not loaded.

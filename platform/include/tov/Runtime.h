@@ -1,4 +1,5 @@
-// The component runtime: which module holds which class, comparison of identifiers, memory that changes owners.
+/// @file
+/// The component runtime: which module holds which class, comparison of identifiers, memory that changes owners.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,5 @@
-// A counted array that crosses interfaces.
+/// @file
+/// A counted array that crosses interfaces.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +10,8 @@ namespace tov {
 /// the caller with tovFree; elements passed in stay the caller's.
 template <typename T>
 struct Sequence {
-    std::uint32_t count;
-    T* data;
+    std::uint32_t count; ///< elements
+    T* data;             ///< the first of them
 };
 
 } // namespace tov

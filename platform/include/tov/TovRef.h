@@ -1,4 +1,5 @@
-// A smart reference to a component.
+/// @file
+/// A smart reference to a component.
 #pragma once
 
 #include <utility>
@@ -9,6 +10,7 @@ namespace tov {
 template <typename T>
 class TovRef {
 public:
+    /// No object.
     TovRef() = default;
 
     /// Takes a reference of its own.
@@ -25,22 +27,33 @@ public:
         return ref;
     }
 
+    /// Takes a reference of its own on the same object.
     TovRef(const TovRef& other) : TovRef(other.mObject) {}
+    /// Takes the other's reference over and leaves it empty.
     TovRef(TovRef&& other) noexcept : mObject(other.detach()) {}
+    /// Gives the present reference back and takes the other's.
     TovRef& operator=(TovRef other) noexcept {
         std::swap(mObject, other.mObject);
         return *this;
     }
+    /// Gives the reference back.
     ~TovRef() { reset(); }
 
+    /// The object, or null; the reference stays here.
     T* get() const { return mObject; }
+    /// @{
+
+    /// The object. There has to be one.
     T* operator->() const { return mObject; }
     T& operator*() const { return *mObject; }
+    /// @}
+    /// Whether there is an object.
     explicit operator bool() const { return mObject != nullptr; }
 
     /// Hands the reference to the caller, without giving it back.
     T* detach() { return std::exchange(mObject, nullptr); }
 
+    /// Gives the reference back, if there is one.
     void reset() {
         // Emptied first: the release may lead back here.
         if (T* object = detach()) {
