@@ -40,7 +40,8 @@ std::string InputFile::readText(std::size_t limit) {
     for (std::streamsize count = 0; (count = mFile.sgetn(block, sizeof block)) > 0;) {
         text.append(block, static_cast<std::size_t>(count));
         if (text.size() > limit) {
-            throw Error(mName, "is too large for what is wanted here");
+            throw Error(mName,
+                        "is larger than " + std::to_string(limit >> 20) + " MiB, which is too large for a document");
         }
     }
     return text;

@@ -20,12 +20,14 @@ struct Parameter {
     enum class Kind { NUMBER, COLOR, SWITCH };
     using Value = std::array<float, 3>; ///< a colour's r, g, b; the other kinds use the first element
 
-    std::string_view name;
+    std::string_view name; ///< for --set
+    std::string_view path; ///< of its member in a parameter document, from the outermost object
     Kind kind;
     float minimum; ///< of a number
     float maximum;
     std::string_view unit;
-    std::string_view meaning;
+    std::string_view meaning; ///< in a few words, without a capital
+    std::string_view details; ///< in sentences, for who wants to know more
     void (*set)(ImageProcessingPipeline&, const Value&);
     Value (*get)(const ImageProcessingPipeline&);
 };
@@ -36,22 +38,28 @@ std::span<const Parameter> parameters();
 /// A parameter's present value in the spelling that --set reads.
 std::string formatValue(const Parameter& parameter, const ImageProcessingPipeline& pipeline);
 
-/// A float in the fewest digits that read back as the same float, whatever the locale.
+/// A number in the fewest digits that read back as the same number, whatever the locale.
 std::string formatNumber(float value);
+std::string formatNumber(double value);
+
+/// The values that a parameter takes, with their unit: "-5 to 5 stops".
+std::string describeRange(const Parameter& parameter);
 
 /// The table of adjustments as help text.
 std::string describeParameters();
 
 /// The adjustments asked for on a command line.
 struct ParameterOptions {
-    std::string document;              ///< file of --params, or empty
-    std::vector<std::string> settings; ///< name=value of --set, in order
+    std::vector<std::string> documents; ///< files of --params; members of later ones replace those of earlier ones
+    std::vector<std::string> settings;  ///< name=value of --set, in order, after the documents
+    bool strict = false;                ///< fail where there would be warnings
 
-    /// Adds --params and --set to a command.
+    /// Adds --params, --set and --strict to a command.
     void addTo(CLI::App& command);
 
-    /// A pipeline with these adjustments and no stage active.
-    /// @throws UsageError for a setting that cannot be meant, Error for a document that cannot be read
+    /// A pipeline with these adjustments and no stage active. Warns of what is ignored or limited.
+    /// @throws UsageError for a setting that cannot be meant, Error for a document that cannot be read, and instead of
+    /// warnings where they are not wanted
     ImageProcessingPipeline makePipeline() const;
 };
 

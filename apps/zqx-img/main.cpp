@@ -1,9 +1,12 @@
 // The command line program: runs the command that was asked for, and turns whatever goes wrong into one line and an
 // exit code.
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <memory>
 #include <new>
+#include <string>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 #include <qutil/Log.h>
@@ -19,8 +22,13 @@ constexpr int DONE = 0;
 constexpr int FAILED = 1;
 constexpr int WRONG_USAGE = 2;
 
-int complain(const char* text, int code) {
-    std::fprintf(stderr, "zqx-img: %s\n", text);
+/// Each line of the text as one of the program's, without asking for memory, which may be what is lacking.
+int complain(std::string_view text, int code) {
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        std::fprintf(stderr, "zqx-img: %.*s\n", static_cast<int>(line.size()), line.data());
+        text.remove_prefix(std::min(text.size(), line.size() + 1));
+    }
     return code;
 }
 
@@ -43,7 +51,7 @@ int run(CLI::App& program, int argc, char** argv) {
     } catch (const std::bad_alloc&) {
         return complain("there is not enough memory for this", FAILED);
     } catch (const std::exception& error) {
-        return complain((std::string("unexpected failure: ") + error.what()).c_str(), FAILED);
+        return complain(std::string("unexpected failure: ") + error.what(), FAILED);
     }
 }
 

@@ -212,17 +212,6 @@ TEST_F(ParamsTest, UnknownNameSuggestsTheNearest) {
     }
 }
 
-TEST_F(ParamsTest, DocumentsThatAreNoneAreRefused) {
-    for (const char* text : {"", "{", "[]", "{}", R"({"imageProcessing":{"version":2}})", "not JSON"}) {
-        writeFile(at("in.json"), text);
-        fail(1, {"params", "--params", at("in.json")}, at("in.json") + ": is not a parameter document of version 1");
-    }
-    fail(1, {"params", "--params", at("none.json")}, at("none.json") + ": there is no such file");
-    writeFile(at("in.json"), R"({"imageProcessing":{"version":1,"colorGrading":{"gradientMap":{"black":[0,0,0,1],)"
-                             R"("white":[1e300,1,1,1]}}}})");
-    fail(1, {"params", "--params", at("in.json")}, "holds a number that is too large");
-}
-
 TEST_F(ParamsTest, WrongCommandLinesExitWithTwo) {
     const std::vector<std::string> lines[] = {{},
                                               {"frobnicate"},
@@ -240,7 +229,14 @@ TEST_F(ParamsTest, WrongCommandLinesExitWithTwo) {
                                               {"lut", "-o", at("out.cube"), "--size", "1"},
                                               {"lut", "-o", at("out.cube"), "--size", "257"},
                                               {"info"},
-                                              {"params", "--set"}};
+                                              {"params", "--set"},
+                                              {"params", "--params"},
+                                              {"params", "--json"},
+                                              {"params", "--schema", "--json"},
+                                              {"params", "--schema", "--explain"},
+                                              {"params", "--explain", "--set", "hue=1"},
+                                              {"params", "--schema", "--params", ZQX_LOOK},
+                                              {"params", "--schema", "--strict"}};
     for (const std::vector<std::string>& line : lines) {
         const Outcome outcome = zqxImg(line);
         EXPECT_EQ(outcome.exitCode, 2) << ::testing::PrintToString(line);
@@ -256,9 +252,10 @@ TEST_F(ParamsTest, WrongOptionIsNamed) {
     fail(2, {"apply", ZQX_SAMPLE}, "--output");
 }
 
-TEST_F(ParamsTest, SettingDoesNotSwallowTheNextArgument) {
-    succeed({"apply", "--set", "exposure=1", ZQX_SAMPLE, "-o", at("out.png")});
-    EXPECT_EQ(files(), std::vector<std::string>{"out.png"});
+TEST_F(ParamsTest, SettingsAndDocumentsDoNotSwallowTheNextArgument) {
+    succeed({"apply", "--set", "exposure=1", ZQX_SAMPLE, "-o", at("a.png")});
+    succeed({"apply", "--params", ZQX_LOOK, ZQX_SAMPLE, "-o", at("b.png")});
+    EXPECT_EQ(files(), (std::vector<std::string>{"a.png", "b.png"}));
 }
 
 TEST_F(ParamsTest, HelpExplainsCommandsAndAdjustments) {

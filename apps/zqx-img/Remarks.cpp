@@ -1,0 +1,27 @@
+// Warnings, or an error in their place.
+#include "Remarks.h"
+
+#include "Error.h"
+
+namespace zqx::img::app {
+
+void Remarks::add(const std::string& subject, const std::string& problem, const std::string& consequence) {
+    if (mStrict) {
+        mLines.push_back(subject + ": " + problem);
+    } else {
+        warn(subject, problem + consequence);
+    }
+}
+
+void Remarks::settle() const {
+    if (mLines.empty()) {
+        return;
+    }
+    std::string text = "correct the following, or leave --strict out to go on with warnings";
+    for (const std::string& line : mLines) {
+        text += "\n" + line;
+    }
+    throw Error("--strict", text);
+}
+
+} // namespace zqx::img::app
