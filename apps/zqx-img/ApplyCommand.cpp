@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "Alpha.h"
 #include "Commands.h"
 #include "Decode.h"
 #include "Encode.h"
@@ -39,6 +40,15 @@ bool isNeutral(ColorGrading grading) {
 int neededStages(const Pipeline& pipeline) {
     const int always = Pipeline::STAGE_INVERSION | Pipeline::STAGE_SHARPEN | Pipeline::STAGE_FLIP;
     return isNeutral(pipeline.getColorGrading()) ? always : always | Pipeline::STAGE_COLOR_GRADING;
+}
+
+/// False for adjustments that leave pixels as they are, or only move them.
+bool changesColors(Pipeline pipeline) {
+    int inverted = 0;
+    float sharpness = 0.0F;
+    pipeline.getInversionEnabled(&inverted);
+    pipeline.getSharpness(&sharpness);
+    return inverted != 0 || sharpness != 0.0F || !isNeutral(pipeline.getColorGrading());
 }
 
 Bitmap render(const Pipeline& pipeline, const Picture& source, Form form) {
@@ -95,10 +105,10 @@ struct Target {
     std::unique_ptr<OutputFile> file;
 };
 
-void writeTarget(Target& target, const Pipeline& pipeline, const Picture& source, const ApplyOptions& options,
-                 bool split) {
-    const Form form = chooseForm(target.name, target.format, source.form);
+void writeTarget(Target& target, const Pipeline& pipeline, Picture& source, const ApplyOptions& options, bool split) {
+    const Form form = chooseForm(target.name, target.format, source.stored);
     warnOfLosses(target.name, source, form);
+    prepareAlpha(source, target.format, form, changesColors(pipeline));
     Bitmap bitmap = render(pipeline, source, form);
     if (split) {
         splitWith(bitmap, form, pipeline, source);
@@ -116,7 +126,7 @@ void runApply(const ApplyOptions& options) {
         targets.emplace_back(options.comparison);
     }
     Pipeline pipeline = options.adjustments.makePipeline();
-    const Picture source = loadPicture(options.input, options.loading);
+    Picture source = loadPicture(options.input, options.loading);
     pipeline.setActiveStages(neededStages(pipeline));
     pipeline.setInputImage(std::make_shared<Image>(viewOf(source.bitmap, source.form)));
     for (Target& target : targets) {
@@ -130,9 +140,15 @@ void runApply(const ApplyOptions& options) {
 
 constexpr const char* FOOTER = R"(
 The format of OUTPUT follows its extension, that of INPUT its content. Photographs are turned upright. 8-bit pictures
-stay 8-bit, float pictures (EXR, HDR, PFM, float TIFF) stay float where the output allows it. Grey pictures stay grey:
-of a look that adds colour they take its red. INPUT and OUTPUT may be the same file; OUTPUT appears whole or not at all.
-What is left neutral keeps every pixel exactly.
+stay 8-bit, 16-bit pictures 16-bit, float pictures (EXR, HDR, PFM, float TIFF) float, where the output allows it; where
+it does not, the nearest that it holds is written and a warning says what is lost. 8-bit and 16-bit values are taken as
+encoded for a screen, floats as linear light. EXR is always written with whole 32-bit floats, which hold half floats
+exactly. Grey pictures stay grey: of a look that adds colour they take its red. INPUT and OUTPUT may be the same file;
+OUTPUT appears whole or not at all. What is left neutral keeps every pixel exactly.
+
+Alpha is straight: colour does not depend on it. Files that hold colour multiplied by alpha (EXR, as its format asks
+for, and TIFF that says so) are divided after reading; EXR is multiplied again before writing. Where alpha is 0 colour
+is left as it is. An EXR file that is written to an opaque format is taken as it looks in front of black.
 
 Examples:
   zqx-img apply in.jpg -o out.jpg --set exposure=0.5 --set shadow=0.3 --quality 95

@@ -9,6 +9,8 @@ namespace zqx::img::app {
 
 /// apply: adjusts a picture file.
 void addApplyCommand(CLI::App& program);
+/// compare: tells how far two pictures are from each other.
+void addCompareCommand(CLI::App& program);
 /// denoise: removes the noise of a render with the help of its albedo and normals.
 void addDenoiseCommand(CLI::App& program);
 /// params: writes the parameter document of the adjustments asked for.

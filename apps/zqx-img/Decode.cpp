@@ -7,9 +7,12 @@
 #include <qutil/SehException.h>
 #include <qutil/SehTranslator.h>
 
+#include "Alpha.h"
+#include "Depth16.h"
 #include "Error.h"
 #include "FreeImageMessages.h"
 #include "Metadata.h"
+#include "TiffLayout.h"
 
 namespace zqx::img::app {
 
@@ -82,7 +85,7 @@ FIBITMAP* doublesToFloats(FIBITMAP* bitmap) {
 
 struct Converted {
     FIBITMAP* bitmap; // the one given where nothing had to be converted
-    Form form;
+    Form stored;
 };
 
 Converted convertPalette(FIBITMAP* bitmap) {
@@ -110,21 +113,46 @@ Converted convertStretched(const std::string& name, FIBITMAP* bitmap) {
 }
 
 Converted convertToWorkingForm(const std::string& name, FIBITMAP* bitmap) {
-    const FREE_IMAGE_TYPE type = FreeImage_GetImageType(bitmap);
-    if (type == FIT_UINT16 || type == FIT_RGB16 || type == FIT_RGBA16) {
-        warn(name, "has 16 bits per channel, of which the upper 8 are used");
-    }
-    switch (type) {
+    switch (FreeImage_GetImageType(bitmap)) {
     case FIT_BITMAP: return convertStandard(bitmap);
-    case FIT_UINT16: return {FreeImage_ConvertTo8Bits(bitmap), Form::GREY8};
-    case FIT_RGB16: return {FreeImage_ConvertTo24Bits(bitmap), Form::RGB8};
-    case FIT_RGBA16: return {FreeImage_ConvertTo32Bits(bitmap), Form::RGBA8};
+    case FIT_UINT16: return {decodeDepth16(bitmap).release(), Form::GREY16};
+    case FIT_RGB16: return {decodeDepth16(bitmap).release(), Form::RGB16};
+    case FIT_RGBA16: return {decodeDepth16(bitmap).release(), Form::RGBA16};
     case FIT_FLOAT: return {bitmap, Form::GREY_FLOAT};
     case FIT_DOUBLE: return {doublesToFloats(bitmap), Form::GREY_FLOAT};
     case FIT_RGBF: return {bitmap, Form::RGB_FLOAT};
     case FIT_RGBAF: return {bitmap, Form::RGBA_FLOAT};
     default: return convertStretched(name, bitmap);
     }
+}
+
+/// FreeImage takes the samples of these for something else.
+void refuseMisreadTiff(const std::string& name, const TiffLayout& layout) {
+    if (layout.samplesPerPixel == 2 && layout.bitsPerSample == 16) {
+        throw Error(name,
+                    "is 16-bit grey with transparency, which cannot be read from TIFF files, convert it to colour");
+    }
+    if (layout.samplesPerPixel == 1 && layout.bitsPerSample == 16 && layout.floats) {
+        throw Error(name, "is grey in half floats, which cannot be read from TIFF files, convert it to 32-bit floats");
+    }
+    if (layout.samplesPerPixel == 2) {
+        warn(name, "is grey with transparency, which cannot be read in full from TIFF files, convert it to colour");
+    }
+}
+
+/// What the colours are, once those of a file that multiplies stored numbers by alpha are divided.
+AlphaKind straightenAlpha(FIBITMAP* bitmap, FREE_IMAGE_FORMAT format, const TiffLayout& layout) {
+    switch (FreeImage_GetImageType(bitmap)) {
+    case FIT_RGBAF: return format == FIF_EXR || layout.associatedAlpha ? AlphaKind::PRODUCTS : AlphaKind::STRAIGHT;
+    case FIT_BITMAP:
+    case FIT_RGBA16:
+        if (layout.associatedAlpha && FreeImage_GetColorType(bitmap) == FIC_RGBALPHA) {
+            divideCodesByAlpha(bitmap);
+        }
+        break;
+    default: break;
+    }
+    return AlphaKind::STRAIGHT;
 }
 
 } // namespace
@@ -149,6 +177,8 @@ Bitmap decodeBitmap(InputFile& file, FREE_IMAGE_FORMAT format, int flags) {
 Picture loadPicture(const std::string& name, const LoadOptions&) {
     InputFile file(name);
     const FREE_IMAGE_FORMAT format = file.detectFormat();
+    const TiffLayout layout = format == FIF_TIFF ? readTiffLayout(file).value_or(TiffLayout{}) : TiffLayout{};
+    refuseMisreadTiff(name, layout);
     Bitmap bitmap = decodeBitmap(file, format, loadFlags(format));
     if (isCutShort(file, format)) {
         throw Error(name, "is cut short" + inItsWords() + ", get a complete copy");
@@ -168,6 +198,7 @@ Picture loadPicture(const std::string& name, const LoadOptions&) {
     Picture picture;
     picture.metadata.icc = iccProfileOf(bitmap.get());
     picture.turnedUpright = format == FIF_JPEG;
+    picture.alpha = straightenAlpha(bitmap.get(), format, layout);
     const Converted converted = convertToWorkingForm(name, bitmap.get());
     if (converted.bitmap == nullptr) {
         throw Error(name, "cannot be converted" + inItsWords());
@@ -178,7 +209,8 @@ Picture loadPicture(const std::string& name, const LoadOptions&) {
         picture.bitmap.reset(converted.bitmap);
         FreeImage_CloneMetadata(converted.bitmap, bitmap.get());
     }
-    picture.form = picture.stored = converted.form;
+    picture.stored = converted.stored;
+    picture.form = workingForm(converted.stored);
     return picture;
 }
 

@@ -11,6 +11,7 @@
 #include <zqx/img/Color.h>
 #include <zqx/img/DenoisingFilter.h>
 
+#include "Alpha.h"
 #include "Commands.h"
 #include "Decode.h"
 #include "Encode.h"
@@ -67,7 +68,8 @@ Picture loadGuide(const std::string& name, const Picture& color, const LoadOptio
     return guide;
 }
 
-/// Bytes hold a direction as (n + 1) / 2. Black is no direction: it is what renderers leave where there is no surface.
+/// Encoded pictures hold a direction as (n + 1) / 2. Black is no direction: it is what renderers leave where there is
+/// no surface.
 Color expandDirection(const Color& decoded) {
     if (decoded.r == 0.0F && decoded.g == 0.0F && decoded.b == 0.0F) {
         return decoded;
@@ -79,7 +81,7 @@ Color expandDirection(const Color& decoded) {
 std::shared_ptr<Image> loadNormal(const std::string& name, const Picture& color, const LoadOptions& loading) {
     const Picture picture = loadGuide(name, color, loading);
     std::shared_ptr<Image> normal = uprightPixels(picture);
-    if (!isFloat(picture.form)) {
+    if (!isFloat(picture.stored)) {
         forEachPixel(*normal, expandDirection);
     }
     return normal;
@@ -110,12 +112,18 @@ Color raisedByHalfStep(const Color& encoded) {
     return {encoded.r + HALF_STEP, encoded.g + HALF_STEP, encoded.b + HALF_STEP, encoded.a};
 }
 
+Color inRange(const Color& pixel) {
+    return {limited(pixel.r), limited(pixel.g), limited(pixel.b), pixel.a};
+}
+
+/// @param encoded what the denoiser was given, and has left
 Bitmap makeBitmap(Image& color, bool encoded, Form from, Form to) {
-    if (!isFloat(to)) {
+    if (depthOf(to) == 8) {
         forEachPixel(color, [encoded](const Color& pixel) {
-            const Color inRange{limited(pixel.r), limited(pixel.g), limited(pixel.b), pixel.a};
-            return raisedByHalfStep(encoded ? inRange : inRange.toSrgb()).toLinear();
+            return raisedByHalfStep(encoded ? inRange(pixel) : inRange(pixel).toSrgb()).toLinear();
         });
+    } else if (encoded && !isFloat(to)) {
+        forEachPixel(color, [](const Color& pixel) { return inRange(pixel).toLinear(); });
     } else if (encoded && !isFloat(from)) {
         forEachPixel(color, [](const Color& pixel) { return pixel.toLinear(); });
     }
@@ -130,20 +138,21 @@ Bitmap render(const Picture& source, Form form, const DenoiseOptions& options) {
     const std::shared_ptr<Image> color = uprightPixels(source);
     const std::shared_ptr<Image> albedo = uprightPixels(loadGuide(options.albedo, source, options.loading));
     const std::shared_ptr<Image> normal = loadNormal(options.normal, source, options.loading);
-    if (options.displayReferred && !isFloat(source.form)) {
+    if (options.displayReferred && !isFloat(source.stored)) {
         forEachPixel(*color, [](const Color& pixel) { return pixel.toSrgb(); }); // back to what is stored
     }
     denoise(*color, *albedo, *normal, options);
-    return makeBitmap(*color, options.displayReferred, source.form, form);
+    return makeBitmap(*color, options.displayReferred, source.stored, form);
 }
 
 void runDenoise(const DenoiseOptions& options) {
     requireGuides(options);
     const FREE_IMAGE_FORMAT format = outputFormat(options.output);
     OutputFile::check(options.output);
-    const Picture source = loadPicture(options.color, options.loading);
-    const Form form = chooseForm(options.output, format, source.form);
+    Picture source = loadPicture(options.color, options.loading);
+    const Form form = chooseForm(options.output, format, source.stored);
     warnOfLosses(options.output, source, form);
+    prepareAlpha(source, format, form, false); // renderers' colours are denoised as they lie in the file
     Bitmap bitmap = render(source, form, options);
     OutputFile file(options.output);
     encodePicture(file, options.output, format, std::move(bitmap), form, source, options.quality);
@@ -153,15 +162,17 @@ void runDenoise(const DenoiseOptions& options) {
 constexpr const char* FOOTER = R"(
 COLOR, ALBEDO and NORMAL are three pictures of the same view and size, as renderers write them: the noisy picture, the
 reflectance of the surface seen at each pixel, and its direction. All three are needed. What is a guide's alpha is
-ignored, COLOR's is kept. The format of OUTPUT follows its extension; it appears whole or not at all.
+ignored, COLOR's is kept, and so is its depth where OUTPUT can hold it. The format of OUTPUT follows its extension; it
+appears whole or not at all.
 
 How values are read:
-  COLOR   float pictures (EXR, HDR, PFM, float TIFF) as they are; 8-bit pictures are decoded to linear light and
-          encoded again afterwards. --ldr is for float pictures that hold display-referred values: nothing beyond
-          [0, 1], encoded for a screen. 8-bit pictures it takes as stored, which leaves more noise and lighter shadows
-          than decoding them does.
+  COLOR   float pictures (EXR, HDR, PFM, float TIFF) as they are; 8-bit and 16-bit pictures are decoded to linear light
+          and encoded again afterwards. --ldr is for float pictures that hold display-referred values: nothing beyond
+          [0, 1], encoded for a screen. 8-bit and 16-bit pictures it takes as stored, which leaves more noise and
+          lighter shadows than decoding them does.
   ALBEDO  like COLOR without --ldr: 0 reflects nothing, 1 everything
-  NORMAL  float pictures as they are, -1 to 1 in any space; 8-bit pictures from the stored bytes, 0 is -1 and 255 is 1
+  NORMAL  float pictures as they are, -1 to 1 in any space; 8-bit and 16-bit pictures from the stored numbers, of which
+          0 is -1 and the largest is 1
 Black in ALBEDO and NORMAL, whatever their format, is a place without a surface.
 
 Denoising is done by OpenImageDenoise, version 1 or 2, which has to be installed or to lie beside this program's

@@ -2,12 +2,17 @@
 #include "Encode.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <span>
+#include <utility>
 
 #include <tov/CountedObject.h>
 #include <tov/IOutputStream.h>
 #include <zqx/img/FreeImage.h>
 
+#include "Alpha.h"
+#include "Depth16.h"
 #include "Error.h"
 #include "FreeImageMessages.h"
 #include "Metadata.h"
@@ -37,55 +42,109 @@ int saveFlags(FREE_IMAGE_FORMAT format, int quality) {
     case FIF_WEBP:
     case FIF_JXR: return quality;
     case FIF_EXR: return EXR_FLOAT; // the default would round to half floats
+    case FIF_J2K:
+    case FIF_JP2: return 1; // without loss; the default keeps one byte of 16
     default: return 0;
     }
 }
 
-/// False for a picture whose alpha is the same as having none.
-bool isTransparent(const Picture& picture) {
-    if (picture.form != Form::RGBA_FLOAT) {
-        return FreeImage_IsTransparent(picture.bitmap.get()) != 0;
-    }
+/// True when any pixel of a picture of floats is as asked for.
+template <typename Pixel, typename Predicate>
+bool anyPixel(const Picture& picture, const Predicate& predicate) {
     for (unsigned y = 0; y < picture.height(); ++y) {
-        const std::span<const FIRGBAF> row(
-            reinterpret_cast<const FIRGBAF*>(FreeImage_GetScanLine(picture.bitmap.get(), static_cast<int>(y))),
-            picture.width());
-        if (std::ranges::any_of(row, [](const FIRGBAF& pixel) { return pixel.alpha != 1.0F; })) {
+        const BYTE* row = FreeImage_GetScanLine(picture.bitmap.get(), static_cast<int>(y));
+        if (std::ranges::any_of(std::span(reinterpret_cast<const Pixel*>(row), picture.width()), predicate)) {
             return true;
         }
     }
     return false;
 }
 
+/// False for a picture whose alpha is the same as having none.
+bool isTransparent(const Picture& picture) {
+    return picture.form == Form::RGBA_FLOAT
+               ? anyPixel<FIRGBAF>(picture, [](const FIRGBAF& pixel) { return pixel.alpha != 1.0F; })
+               : FreeImage_IsTransparent(picture.bitmap.get()) != 0;
+}
+
+/// True for what a Radiance file keeps: three mantissas of 8 bits with the exponent of the largest.
+bool fitsSharedExponent(float red, float green, float blue) {
+    constexpr int MANTISSA_BITS = 8;
+    int exponent = 0;
+    std::frexp(std::max({red, green, blue}), &exponent);
+    return std::ranges::all_of(std::to_array({red, green, blue}), [exponent](float value) {
+        const float steps = std::ldexp(value, MANTISSA_BITS - exponent);
+        return steps >= 0.0F && steps == std::floor(steps) && std::isfinite(value);
+    });
+}
+
+bool fitsSharedExponent(const Picture& picture) {
+    switch (picture.form) {
+    case Form::GREY_FLOAT:
+        return !anyPixel<float>(picture, [](float grey) { return !fitsSharedExponent(grey, grey, grey); });
+    case Form::RGB_FLOAT:
+        return !anyPixel<FIRGBF>(
+            picture, [](const FIRGBF& pixel) { return !fitsSharedExponent(pixel.red, pixel.green, pixel.blue); });
+    default:
+        return !anyPixel<FIRGBAF>(
+            picture, [](const FIRGBAF& pixel) { return !fitsSharedExponent(pixel.red, pixel.green, pixel.blue); });
+    }
+}
+
+void warnOfLostDepth(const std::string& name, const Picture& source, Form form) {
+    const bool floats = isFloat(source.stored);
+    const int depth = depthOf(form);
+    std::string loss;
+    if (depth < depthOf(source.stored)) {
+        loss = "has " + std::to_string(depth) + " bits per channel, " +
+               (floats ? "values beyond 0 to 1 are lost and the rest is rounded" : "the picture's 16 are cut to that");
+    } else if (outputFormat(name) == FIF_HDR && depthOf(source.stored) > 8 && !fitsSharedExponent(source)) {
+        loss = "keeps 8 bits of each value";
+    } else {
+        return;
+    }
+    warn(name,
+         "this format " + loss + ", choose " + (floats ? ".exr or .tif to keep floats" : ".png or .tif to keep 16"));
+}
+
+/// The bitmap as its file has it, from one in the working form.
+Bitmap makeStored(const std::string& name, Bitmap working, Form form) {
+    if (depthOf(form) == 16) {
+        return encodeDepth16(working.get());
+    }
+    if (form != Form::PALETTE8) {
+        return working;
+    }
+    Bitmap palette(FreeImage_ColorQuantizeEx(working.get(), FIQ_WUQUANT, 256, 0, nullptr));
+    if (!palette) {
+        throw Error(name, "its colours cannot be reduced to a palette" + inItsWords());
+    }
+    return palette;
+}
+
 } // namespace
 
 void warnOfLosses(const std::string& name, const Picture& source, Form form) {
     if (hasAlpha(source.form) && !hasAlpha(form) && isTransparent(source)) {
-        warn(name, "this format has no transparency, the picture becomes opaque");
+        warn(name, std::string("this format has no transparency, the picture becomes opaque, choose ") +
+                       (isFloat(source.stored) ? ".exr or .tif" : ".png or .tif") + " to keep it");
     }
-    if (isFloat(source.form) && !isFloat(form)) {
-        warn(name, "this format has 8 bits per channel, values are limited to that");
-    }
+    warnOfLostDepth(name, source, form);
     if (form == Form::PALETTE8) {
-        warn(name, "this format has 256 colours, the picture's are reduced to them");
+        warn(name, "this format has 256 colours, the picture's are reduced to them, choose .png or .tif to keep all");
     }
 }
 
 void encodePicture(OutputFile& file, const std::string& name, FREE_IMAGE_FORMAT format, Bitmap bitmap, Form form,
                    const Picture& original, int quality) {
     listenToFreeImage();
-    Bitmap palette;
-    if (form == Form::PALETTE8) {
-        palette.reset(FreeImage_ColorQuantizeEx(bitmap.get(), FIQ_WUQUANT, 256, 0, nullptr));
-        if (!palette) {
-            throw Error(name, "its colours cannot be reduced to a palette" + inItsWords());
-        }
-    }
-    carryOver(name, format, (palette ? palette : bitmap).get(), form, original);
+    finishAlpha(bitmap.get(), format, form, original);
+    bitmap = makeStored(name, std::move(bitmap), form);
+    carryOver(name, format, bitmap.get(), form, original);
     if (isTurnedOver(format)) {
-        FreeImage_FlipVertical((palette ? palette : bitmap).get());
+        FreeImage_FlipVertical(bitmap.get());
     }
-    const tov::TovRef<FreeImage> component(new FreeImage((palette ? palette : bitmap).release()));
+    const tov::TovRef<FreeImage> component(new FreeImage(bitmap.release()));
     const tov::TovRef<FileStream> stream(new FileStream(file));
     // A storage failure is told by the file itself, which knows the reason better than the encoder does.
     if (tov::failed(component->saveToStream(stream.get(), format, saveFlags(format, quality))) && !file.hasFailed()) {

@@ -15,12 +15,21 @@ struct BitmapUnloader {
 };
 using Bitmap = std::unique_ptr<FIBITMAP, BitmapUnloader>;
 
-/// The bitmaps that the program works with. Each but the last is one format of the image model.
-enum class Form { GREY8, RGB8, RGBA8, GREY_FLOAT, RGB_FLOAT, RGBA_FLOAT, PALETTE8 };
+/// The kinds of picture files that the program tells apart.
+///
+/// The first six are worked on as they are, each as one format of the image model. The others are forms of files alone:
+/// their bitmaps are made when they are written, 16 bits from linear floats, a palette from 8-bit colour.
+enum class Form { GREY8, RGB8, RGBA8, GREY_FLOAT, RGB_FLOAT, RGBA_FLOAT, GREY16, RGB16, RGBA16, PALETTE8 };
+
+/// The form that pictures of a form are worked on in.
+Form workingForm(Form form);
 
 bool hasColor(Form form);
 bool hasAlpha(Form form);
+/// Floats are linear light, all else is encoded.
 bool isFloat(Form form);
+/// Bits per channel: 8, 16, or 32 for floats.
+int depthOf(Form form);
 /// In words for the user, "8-bit grey".
 const char* nameOf(Form form);
 
@@ -30,13 +39,14 @@ bool isTurnedOver(FREE_IMAGE_FORMAT format);
 /// The format of a file to be written, by its extension. @throws UsageError when there is no such format
 FREE_IMAGE_FORMAT outputFormat(const std::string& name);
 
-/// The form nearest to the wanted one that the file format holds. @throws Error when it holds none
+/// The form nearest to the wanted one that the file format holds. To lose least, wish for what the source file had and
+/// not for what it is worked on in. @throws Error when it holds none
 Form chooseForm(const std::string& name, FREE_IMAGE_FORMAT format, Form wanted);
 
-/// A bitmap of zeros for a form; a palette is made from colours only when the bitmap is written.
+/// A bitmap of zeros for making a picture of a form, itself in the working form.
 Bitmap allocateBitmap(Form form, unsigned width, unsigned height);
 
-/// The bitmap's own memory as an image. Row 0 is the bottom row.
+/// The own memory of a bitmap in a form's working form as an image. Row 0 is the bottom row.
 Image viewOf(const Bitmap& bitmap, Form form);
 
 } // namespace zqx::img::app

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <limits>
 #include <system_error>
 
 #include "Error.h"
@@ -45,6 +46,16 @@ std::string InputFile::readText(std::size_t limit) {
         }
     }
     return text;
+}
+
+std::vector<BYTE> InputFile::bytesAt(std::uint64_t offset, std::size_t count) {
+    std::vector<BYTE> bytes(count);
+    const bool reached = offset <= static_cast<std::uint64_t>(std::numeric_limits<std::streamoff>::max()) &&
+                         mFile.pubseekpos(static_cast<std::streamoff>(offset), std::ios::in) >= 0;
+    const std::streamsize got =
+        reached ? mFile.sgetn(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(count)) : 0;
+    bytes.resize(static_cast<std::size_t>(std::max<std::streamsize>(0, got)));
+    return bytes;
 }
 
 FREE_IMAGE_FORMAT InputFile::detectFormat() {

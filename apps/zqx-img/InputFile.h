@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include <FreeImage.h>
 
@@ -23,6 +25,9 @@ public:
 
     /// The whole content. @throws Error when there is more than the limit
     std::string readText(std::size_t limit);
+
+    /// The bytes from an offset on; fewer than asked for where the file ends before.
+    std::vector<BYTE> bytesAt(std::uint64_t offset, std::size_t count);
 
     /// The picture format by content, or else by the extension. @throws Error when neither is known
     FREE_IMAGE_FORMAT detectFormat();

@@ -64,7 +64,7 @@ bool profileFits(const Picture& original, Form form) {
     constexpr std::size_t SIGNATURE_OFFSET = 16;
     constexpr std::size_t HEADER_SIZE = 128;
     const std::vector<BYTE>& profile = original.metadata.icc;
-    return profile.size() >= HEADER_SIZE && isFloat(form) == isFloat(original.form) &&
+    return profile.size() >= HEADER_SIZE && isFloat(form) == isFloat(original.stored) &&
            std::memcmp(profile.data() + SIGNATURE_OFFSET, hasColor(form) ? "RGB " : "GRAY", 4) == 0;
 }
 

@@ -16,11 +16,19 @@ struct Metadata {
     std::string xmp;        ///< XMP packet
 };
 
+/// What the colours of a picture with alpha are.
+enum class AlphaKind {
+    STRAIGHT, ///< independent of alpha
+    PRODUCTS, ///< multiplied by alpha, as OpenEXR files hold them: only in RGBA_FLOAT
+    DIVIDED,  ///< made straight from products; where alpha is 0 the colour is light of its own
+};
+
 /// A picture in one of the working forms, with what has to travel beside its pixels.
 struct Picture {
     Bitmap bitmap; ///< in a working form; the resolution is kept in it, too
     Form form;     ///< of the bitmap
-    Form stored;   ///< of the file; another one than the bitmap's where that has more depth
+    Form stored;   ///< of the file; another one than the bitmap's where that holds 16 bits
+    AlphaKind alpha = AlphaKind::STRAIGHT;
     Metadata metadata;
     bool turnedUpright = false; ///< by its orientation tag, which the bitmap's own tags still hold
 

@@ -2,11 +2,13 @@
 // exit code.
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <new>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 #include <qutil/Log.h>
@@ -32,9 +34,18 @@ int complain(std::string_view text, int code) {
     return code;
 }
 
+/// "--compare A B" is another way to write "compare A B".
+std::vector<const char*> commandLine(int argc, char** argv) {
+    std::vector<const char*> words(argv, argv + argc);
+    if (words.size() > 1 && std::strcmp(words[1], "--compare") == 0) {
+        words[1] = "compare";
+    }
+    return words;
+}
+
 int run(CLI::App& program, int argc, char** argv) {
     try {
-        program.parse(argc, argv);
+        program.parse(argc, commandLine(argc, argv).data());
         return std::fflush(stdout) == 0 ? DONE : complain("standard output: could not be written", FAILED);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) { // help and version arrive as exceptions too

@@ -228,9 +228,9 @@ TEST_F(ApplyTest, BeforeAfterShowsBothHalves) {
 
 TEST_F(ApplyTest, BeforeAfterChoosesItsOwnForm) {
     writePicture(at("in.exr"), fillSamples(FIT_RGBF, 96, 16, 9), EXR_FLOAT);
-    EXPECT_EQ(zqxImg({"apply", at("in.exr"), "-o", at("out.exr"), "--before-after", at("both.png")}).exitCode, 0);
+    EXPECT_EQ(zqxImg({"apply", at("in.exr"), "-o", at("out.exr"), "--before-after", at("both.bmp")}).exitCode, 0);
     EXPECT_EQ(FreeImage_GetImageType(readPicture(at("out.exr")).get()), FIT_RGBF);
-    const Bitmap both = readPicture(at("both.png"));
+    const Bitmap both = readPicture(at("both.bmp"));
     EXPECT_EQ(FreeImage_GetBPP(both.get()), 24U);
     EXPECT_EQ(pixelAt(both, 7, 4), (Rgba{255, 255, 255}));
     EXPECT_EQ(pixelAt(both, 8, 4), (Rgba{255, 255, 255}));

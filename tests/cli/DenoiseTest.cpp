@@ -119,8 +119,9 @@ TEST_F(DenoiseTest, MissingLibraryIsToldInTheFiltersWords) {
 TEST_F(DenoiseTest, HelpTellsHowValuesAreRead) {
     const Outcome outcome = zqxImg({"denoise", "--help"});
     EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_NE(outcome.out.find("8-bit pictures are decoded to linear light"), std::string::npos) << outcome.out;
-    EXPECT_NE(outcome.out.find("0 is -1 and 255 is 1"), std::string::npos) << outcome.out;
+    EXPECT_NE(outcome.out.find("8-bit and 16-bit pictures are decoded to linear light"), std::string::npos)
+        << outcome.out;
+    EXPECT_NE(outcome.out.find("0 is -1 and the largest is 1"), std::string::npos) << outcome.out;
 }
 
 } // namespace zqx::img::test

@@ -83,6 +83,37 @@ Bitmap withAlpha(const Bitmap& bitmap, const Raster& alpha) {
     return result;
 }
 
+WORD* wordsAt(const Bitmap& bitmap, unsigned y) {
+    const unsigned row = FreeImage_GetHeight(bitmap.get()) - 1 - y;
+    return reinterpret_cast<WORD*>(FreeImage_GetScanLine(bitmap.get(), static_cast<int>(row)));
+}
+
+/// A bitmap of 16 bits per channel; 0 to 1 become codes by rounding.
+Bitmap deepBitmap(const Raster& raster) {
+    Bitmap bitmap(FreeImage_AllocateT(FIT_RGB16, static_cast<int>(raster.width), static_cast<int>(raster.height)));
+    for (std::size_t i = 0; i < raster.values.size(); ++i) {
+        const std::size_t row = 3 * raster.width;
+        const float limited = std::clamp(raster.values[i], 0.0F, 1.0F);
+        wordsAt(bitmap, static_cast<unsigned>(i / row))[i % row] = static_cast<WORD>(std::lround(65535.0F * limited));
+    }
+    return bitmap;
+}
+
+/// The same way back.
+Raster rasterOfDeep(const Bitmap& bitmap) {
+    EXPECT_EQ(FreeImage_GetImageType(bitmap.get()), FIT_RGB16);
+    Raster raster{FreeImage_GetWidth(bitmap.get()), FreeImage_GetHeight(bitmap.get()), {}};
+    for (unsigned y = 0; y < raster.height; ++y) {
+        for (unsigned i = 0; i < 3 * raster.width; ++i) {
+            raster.values.push_back(static_cast<float>(wordsAt(bitmap, y)[i]) / 65535.0F);
+        }
+    }
+    return raster;
+}
+
+/// A step of 16 bits, in steps of a byte.
+constexpr double DEEP_STEP = 255.0 / 65535.0;
+
 /// Every byte occurs.
 Raster motleyAlpha() {
     Raster alpha = sampleRender().clean;
@@ -156,10 +187,49 @@ TEST_F(DenoisedPictureTest, DisplayReferredBytesBecomeLinearFloats) {
 
 TEST_F(DenoisedPictureTest, DisplayReferredFloatsBecomeBytesAsTheyAre) {
     writePicture(at("in.pfm"), floatBitmap(storedNoisy()));
-    const Outcome outcome = zqxImg(denoiseDisplayed("in.pfm", "out.png"));
+    const Outcome outcome = zqxImg(denoiseDisplayed("in.pfm", "out.bmp"));
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_NE(outcome.err.find("this format has 8 bits per channel"), std::string::npos) << outcome.err;
-    EXPECT_LT(farthest(rasterOf(readPicture(at("out.png"))), denoisedSample(storedNoisy(), false)), 0.51);
+    EXPECT_LT(farthest(rasterOf(readPicture(at("out.bmp"))), denoisedSample(storedNoisy(), false)), 0.51);
+}
+
+TEST_F(DenoisedPictureTest, SixteenBitsStayAndAreRounded) {
+    const Bitmap noisy = deepBitmap(changed(sampleRender().noisy, encoded));
+    writePicture(at("in.png"), noisy);
+    succeed(denoise("in.png", "out.tif"));
+    const Raster inFloats = changed(denoisedSample(changed(rasterOfDeep(noisy), decoded), true), encoded);
+    EXPECT_LT(farthest(rasterOfDeep(readPicture(at("out.tif"))), inFloats), 0.51 * DEEP_STEP + LAST_BITS);
+}
+
+TEST_F(DenoisedPictureTest, DisplayReferredSixteenBitsGoToTheLibraryAsStored) {
+    const Bitmap noisy = deepBitmap(changed(sampleRender().noisy, encoded));
+    writePicture(at("in.png"), noisy);
+    succeed(denoiseDisplayed("in.png", "out.png"));
+    const Raster expected = denoisedSample(rasterOfDeep(noisy), false);
+    EXPECT_LT(farthest(rasterOfDeep(readPicture(at("out.png"))), expected), 0.7 * DEEP_STEP); // powers there and back
+}
+
+TEST_F(DenoisedPictureTest, DisplayReferredFloatsBecomeSixteenBitsAsTheyAre) {
+    writePicture(at("in.pfm"), floatBitmap(storedNoisy()));
+    EXPECT_EQ(zqxImg(denoiseDisplayed("in.pfm", "out.png")).exitCode, 0);
+    EXPECT_LT(farthest(rasterOfDeep(readPicture(at("out.png"))), denoisedSample(storedNoisy(), false)),
+              0.7 * DEEP_STEP);
+}
+
+TEST_F(DenoisedPictureTest, SixteenBitsOfNormalsAreExpanded) {
+    const Raster halved = changed(sampleRender().normal, [](float v) { return v == 0.0F ? 0.0F : 0.5F * v + 0.5F; });
+    const Bitmap stored = deepBitmap(halved);
+    writePicture(at("normal.png"), stored);
+    writePicture(at("in.pfm"), floatBitmap(sampleRender().noisy));
+    succeed(denoise("in.pfm", "out.pfm", "normal.png"));
+    Raster normal = changed(rasterOfDeep(stored), [](float v) { return 2.0F * v - 1.0F; });
+    for (std::size_t i = 0; i < normal.values.size(); i += 3) {
+        if (std::all_of(&normal.values[i], &normal.values[i] + 3, [](float v) { return v == -1.0F; })) {
+            std::fill_n(&normal.values[i], 3, 0.0F); // black is no surface
+        }
+    }
+    const Raster expected = denoised(sampleRender().noisy, sampleRender().albedo, normal, true);
+    EXPECT_LT(distance(rasterOf(readPicture(at("out.pfm"))), expected), 0.00001);
 }
 
 TEST_F(DenoisedPictureTest, JpegStaysJpegAndObeysTheQuality) {

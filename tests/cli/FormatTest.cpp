@@ -162,27 +162,6 @@ TEST_F(FormatTest, HighColorBitmapBecomesTrueColor) {
     }
 }
 
-TEST_F(FormatTest, SixteenBitChannelsKeepTheirUpperHalfAndSaySo) {
-    const struct {
-        FREE_IMAGE_TYPE type;
-        int bits;
-        unsigned resultBits;
-    } kinds[] = {{FIT_UINT16, 16, 8}, {FIT_RGB16, 48, 24}, {FIT_RGBA16, 64, 32}};
-    for (const auto& [type, bits, resultBits] : kinds) {
-        for (const char* extension : {"png", "tif"}) {
-            const std::string in = at(std::string("in.") + extension);
-            writePicture(in, fillSamples(type, bits, WIDTH, HEIGHT));
-            const Outcome outcome = zqxImg({"apply", in, "-o", at("out.png")});
-            EXPECT_EQ(outcome.exitCode, 0);
-            EXPECT_NE(outcome.err.find("16 bits per channel"), std::string::npos);
-            const Bitmap out = readPicture(at("out.png"));
-            ASSERT_EQ(FreeImage_GetBPP(out.get()), resultBits);
-            const unsigned first = 2 * WIDTH * (resultBits / 8) * 977 % 65536; // the red of row 2
-            EXPECT_EQ(pixelAt(out, 0, 2).r, static_cast<int>(first >> 8)) << bits << ' ' << extension;
-        }
-    }
-}
-
 TEST_F(FormatTest, DoublesBecomeFloats) {
     const Bitmap source(FreeImage_AllocateT(FIT_DOUBLE, 3, 1, 64));
     double* values = reinterpret_cast<double*>(FreeImage_GetBits(source.get()));
@@ -218,10 +197,10 @@ TEST_F(FormatTest, FloatsAreEncodedForEightBitFormats) {
     const Bitmap source(FreeImage_AllocateT(FIT_RGBF, 1, 1, 96));
     *reinterpret_cast<FIRGBF*>(FreeImage_GetBits(source.get())) = {0.5F, 4.0F, -1.0F};
     writePicture(at("in.pfm"), source);
-    const Outcome outcome = zqxImg({"apply", at("in.pfm"), "-o", at("out.png")});
+    const Outcome outcome = zqxImg({"apply", at("in.pfm"), "-o", at("out.bmp")});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_NE(outcome.err.find("8 bits per channel"), std::string::npos);
-    EXPECT_EQ(pixelAt(readPicture(at("out.png")), 0, 0), (Rgba{186, 255, 0})); // 255 * 0.5^(1 / 2.2) = 186.08
+    EXPECT_EQ(pixelAt(readPicture(at("out.bmp")), 0, 0), (Rgba{186, 255, 0})); // 255 * 0.5^(1 / 2.2) = 186.08
 }
 
 TEST_F(FormatTest, BytesAreDecodedForFloatFormats) {
@@ -302,8 +281,8 @@ std::string floatMapOfTwoRows(float top, float bottom) {
 
 TEST_F(FormatTest, FloatMapIsReadTheRightWayUp) {
     writeFile(at("in.pfm"), floatMapOfTwoRows(1.0F, 0.0F));
-    EXPECT_EQ(zqxImg({"apply", at("in.pfm"), "-o", at("out.png")}).exitCode, 0);
-    const Bitmap out = readPicture(at("out.png"));
+    EXPECT_EQ(zqxImg({"apply", at("in.pfm"), "-o", at("out.bmp")}).exitCode, 0);
+    const Bitmap out = readPicture(at("out.bmp"));
     EXPECT_EQ(pixelAt(out, 0, 0).r, 255);
     EXPECT_EQ(pixelAt(out, 0, 1).r, 0);
 }
