@@ -8,4 +8,7 @@ namespace zqx::img::app {
 /// The instruction set that the library's kernels use on this processor, "AVX2".
 std::string simdTarget();
 
+/// The text of --version: version and commit, the libraries at work and their versions.
+std::string versionText();
+
 } // namespace zqx::img::app

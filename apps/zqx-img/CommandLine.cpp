@@ -1,11 +1,10 @@
 // The whole command line: everything that users can write, in one place for running it and for documenting it.
 #include "CommandLine.h"
 
-#include <string>
-
 #include <CLI/CLI.hpp>
-#include <FreeImage.h>
 
+#include "About.h"
+#include "CommandText.h"
 #include "Commands.h"
 
 namespace zqx::img::app {
@@ -31,8 +30,9 @@ Exit codes: 0 done, 1 something failed (nothing is left half written), 2 the com
 std::unique_ptr<CLI::App> makeCommandLine() {
     auto program = std::make_unique<CLI::App>(
         "Adjusts photographs and rendered pictures: exposure, contrast, colour, sharpness, flips, noise.", "zqx-img");
-    program->set_version_flag("--version",
-                              std::string("zqx-img " ZQX_IMG_VERSION " (FreeImage ") + FreeImage_GetVersion() + ")");
+    program->formatter(makeHelpFormatter()); // before the commands, which inherit it
+    program->set_help_flag("-h,--help", "Print this text and exit");
+    program->set_version_flag("--version", versionText(), "Print version, libraries and instruction set, and exit");
     program->require_subcommand(1);
     program->footer(FOOTER);
     addApplyCommand(*program);

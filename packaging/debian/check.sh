@@ -28,11 +28,11 @@ libzqx-img-doc  /usr/share/doc/libzqx-img-doc/parameters.md
 libzqx-img-doc  /usr/share/doc/libzqx-img-doc/copyright
 zqx-img         /usr/bin/zqx-img
 zqx-img         /usr/share/doc/zqx-img/copyright
-zqx-img         /usr/share/man/man1/zqx-img.1.gz                        later
-zqx-img         /usr/share/bash-completion/completions/zqx-img          later
-zqx-img         /usr/share/zsh/vendor-completions/_zqx-img              later
-zqx-img         /usr/share/fish/vendor_completions.d/zqx-img.fish       later
-zqx-img         /usr/share/zqx_img/parameters.schema.json               later
+zqx-img         /usr/share/man/man1/zqx-img.1.gz
+zqx-img         /usr/share/bash-completion/completions/zqx-img
+zqx-img         /usr/share/zsh/vendor-completions/_zqx-img
+zqx-img         /usr/share/fish/vendor_completions.d/zqx-img.fish
+zqx-img         /usr/share/zqx_img/parameters.schema.json
 "
 
 say() {
