@@ -11,7 +11,6 @@
 #include "Encode.h"
 #include "Error.h"
 #include "ParameterTable.h"
-#include "QualityOption.h"
 
 namespace zqx::img::app {
 
@@ -25,7 +24,7 @@ struct ApplyOptions {
     std::string comparison;
     ParameterOptions adjustments;
     LoadOptions loading;
-    int quality = DEFAULT_QUALITY;
+    EncodeOptions encoding;
 };
 
 bool isNeutral(ColorGrading grading) {
@@ -85,9 +84,9 @@ struct Target {
         OutputFile::check(name);
     }
 
-    void write(Bitmap bitmap, Form form, const Picture& source, int quality) {
+    void write(Bitmap bitmap, Form form, const Picture& source, const EncodeOptions& encoding) {
         file = std::make_unique<OutputFile>(name);
-        encodePicture(*file, name, format, std::move(bitmap), form, source, quality);
+        encodePicture(*file, name, format, std::move(bitmap), form, source, encoding);
     }
 
     std::string name;
@@ -103,7 +102,7 @@ void writeTarget(Target& target, const Pipeline& pipeline, const Picture& source
     if (split) {
         splitWith(bitmap, form, pipeline, source);
     }
-    target.write(std::move(bitmap), form, source, options.quality);
+    target.write(std::move(bitmap), form, source, options.encoding);
 }
 
 void runApply(const ApplyOptions& options) {
@@ -152,7 +151,7 @@ void addApplyCommand(CLI::App& program) {
     command.add_option("-o,--output", options->output, "The picture to write")->type_name("FILE")->required();
     options->adjustments.addTo(command);
     options->loading.addTo(command);
-    addQualityOption(command, options->quality);
+    options->encoding.addTo(command);
     command
         .add_option("--before-after", options->comparison, "Also write a picture: left half before, right half after")
         ->type_name("FILE");

@@ -10,6 +10,8 @@
 #include "Error.h"
 #include "FreeImageMessages.h"
 #include "Metadata.h"
+#include "MetadataMask.h"
+#include "MetadataReader.h"
 
 namespace zqx::img::app {
 
@@ -40,7 +42,7 @@ bool isCutShort(const InputFile& file, FREE_IMAGE_FORMAT format) {
 
 int loadFlags(FREE_IMAGE_FORMAT format) {
     switch (format) {
-    case FIF_JPEG: return JPEG_ACCURATE | JPEG_EXIFROTATE;
+    case FIF_JPEG: return JPEG_ACCURATE;
     case FIF_ICO: return ICO_MAKEALPHA;
     case FIF_RAW: return RAW_DISPLAY; // the default is linear light in 16 bits, which would be taken for encoded colour
     default: return 0;
@@ -131,6 +133,7 @@ Converted convertToWorkingForm(const std::string& name, FIBITMAP* bitmap) {
 
 Bitmap decodeBitmap(InputFile& file, FREE_IMAGE_FORMAT format, int flags) {
     listenToFreeImage();
+    maskMetadata(file, format);
     Bitmap bitmap;
     try {
         const qutil::SehTranslator translator; // FreeImage's decoders trust what damaged files say of themselves
@@ -166,8 +169,9 @@ Picture loadPicture(const std::string& name, const LoadOptions&) {
         throw Error(name, "is in printing inks (CMYK), convert it to RGB first");
     }
     Picture picture;
-    picture.metadata.icc = iccProfileOf(bitmap.get());
-    picture.turnedUpright = format == FIF_JPEG;
+    SourceMetadata source = readMetadata(name, format);
+    picture.metadata = std::move(source.blocks);
+    completeFrom(bitmap.get(), picture.metadata);
     const Converted converted = convertToWorkingForm(name, bitmap.get());
     if (converted.bitmap == nullptr) {
         throw Error(name, "cannot be converted" + inItsWords());
@@ -176,8 +180,13 @@ Picture loadPicture(const std::string& name, const LoadOptions&) {
         picture.bitmap = std::move(bitmap);
     } else {
         picture.bitmap.reset(converted.bitmap);
-        FreeImage_CloneMetadata(converted.bitmap, bitmap.get());
+        FreeImage_SetDotsPerMeterX(converted.bitmap, FreeImage_GetDotsPerMeterX(bitmap.get()));
+        FreeImage_SetDotsPerMeterY(converted.bitmap, FreeImage_GetDotsPerMeterY(bitmap.get()));
     }
+    if (format != FIF_RAW) { // whose decoder turns them itself
+        turnUpright(picture.bitmap, source.orientation);
+    }
+    completeResolution(picture.bitmap.get(), source);
     picture.form = picture.stored = converted.form;
     return picture;
 }

@@ -2,7 +2,10 @@
 #include "Encode.h"
 
 #include <algorithm>
+#include <functional>
 #include <span>
+#include <string_view>
+#include <utility>
 
 #include <tov/CountedObject.h>
 #include <tov/IOutputStream.h>
@@ -11,23 +14,28 @@
 #include "Error.h"
 #include "FreeImageMessages.h"
 #include "Metadata.h"
+#include "MetadataWriter.h"
 
 namespace zqx::img::app {
 
 namespace {
 
-/// An output file as the component's stream.
+/// An output file as the component's stream, which is given all of an encoded picture at once.
 class FileStream : public tov::CountedObject<tov::IOutputStream> {
 public:
-    explicit FileStream(OutputFile& file) : mFile(file) {}
+    using Finish = std::function<void(std::string_view, const FileConsumer&)>;
+
+    FileStream(OutputFile& file, Finish finish) : mFile(file), mFinish(std::move(finish)) {}
 
     tov::Result write(const tov::Sequence<unsigned char>& bytes) override {
-        mFile.write({reinterpret_cast<const char*>(bytes.data), bytes.count});
+        mFinish({reinterpret_cast<const char*>(bytes.data), bytes.count},
+                [this](std::string_view finished) { mFile.write(finished); });
         return mFile.hasFailed() ? tov::FAILURE : tov::SUCCESS;
     }
 
 private:
     OutputFile& mFile;
+    Finish mFinish;
 };
 
 int saveFlags(FREE_IMAGE_FORMAT format, int quality) {
@@ -72,8 +80,9 @@ void warnOfLosses(const std::string& name, const Picture& source, Form form) {
 }
 
 void encodePicture(OutputFile& file, const std::string& name, FREE_IMAGE_FORMAT format, Bitmap bitmap, Form form,
-                   const Picture& original, int quality) {
+                   const Picture& original, const EncodeOptions& options) {
     listenToFreeImage();
+    const Metadata metadata = options.stripped(original.metadata);
     Bitmap palette;
     if (form == Form::PALETTE8) {
         palette.reset(FreeImage_ColorQuantizeEx(bitmap.get(), FIQ_WUQUANT, 256, 0, nullptr));
@@ -81,14 +90,20 @@ void encodePicture(OutputFile& file, const std::string& name, FREE_IMAGE_FORMAT 
             throw Error(name, "its colours cannot be reduced to a palette" + inItsWords());
         }
     }
-    carryOver(name, format, (palette ? palette : bitmap).get(), form, original);
+    carryOver(name, format, (palette ? palette : bitmap).get(), form, original, metadata);
     if (isTurnedOver(format)) {
         FreeImage_FlipVertical((palette ? palette : bitmap).get());
     }
+    const unsigned width = FreeImage_GetWidth((palette ? palette : bitmap).get());
+    const unsigned height = FreeImage_GetHeight((palette ? palette : bitmap).get());
     const tov::TovRef<FreeImage> component(new FreeImage((palette ? palette : bitmap).release()));
-    const tov::TovRef<FileStream> stream(new FileStream(file));
+    const tov::TovRef<FileStream> stream(
+        new FileStream(file, [&](std::string_view encoded, const FileConsumer& consumer) {
+            writeWithMetadata(name, encoded, metadata, width, height, consumer);
+        }));
     // A storage failure is told by the file itself, which knows the reason better than the encoder does.
-    if (tov::failed(component->saveToStream(stream.get(), format, saveFlags(format, quality))) && !file.hasFailed()) {
+    if (tov::failed(component->saveToStream(stream.get(), format, saveFlags(format, options.quality))) &&
+        !file.hasFailed()) {
         throw Error(name, std::string("cannot be written as ") + FreeImage_GetFormatFromFIF(format) +
                               inParentheses(FreeImage::getLibraryMessage()) +
                               ", choose another extension such as .png or .tif");

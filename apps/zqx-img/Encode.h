@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "EncodeOptions.h"
 #include "OutputFile.h"
 #include "Picture.h"
 
@@ -12,11 +13,9 @@ namespace zqx::img::app {
 /// @param name the file to be written
 void warnOfLosses(const std::string& name, const Picture& source, Form form);
 
-/// Encodes a rendered bitmap, with the profile, resolution and metadata of the picture that it was
-/// made from.
-/// @param quality 1 to 100, for the formats that have one
+/// Encodes a rendered bitmap, with the profile, resolution and metadata of the picture that it was made from.
 /// @throws Error naming the file
 void encodePicture(OutputFile& file, const std::string& name, FREE_IMAGE_FORMAT format, Bitmap bitmap, Form form,
-                   const Picture& original, int quality);
+                   const Picture& original, const EncodeOptions& options);
 
 } // namespace zqx::img::app
