@@ -12,7 +12,6 @@
 #include "Encode.h"
 #include "Error.h"
 #include "ParameterTable.h"
-#include "QualityOption.h"
 
 namespace zqx::img::app {
 
@@ -26,7 +25,7 @@ struct ApplyOptions {
     std::string comparison;
     ParameterOptions adjustments;
     LoadOptions loading;
-    int quality = DEFAULT_QUALITY;
+    EncodeOptions encoding;
 };
 
 bool isNeutral(ColorGrading grading) {
@@ -95,9 +94,9 @@ struct Target {
         OutputFile::check(name);
     }
 
-    void write(Bitmap bitmap, Form form, const Picture& source, int quality) {
+    void write(Bitmap bitmap, Form form, const Picture& source, const EncodeOptions& encoding) {
         file = std::make_unique<OutputFile>(name);
-        encodePicture(*file, name, format, std::move(bitmap), form, source, quality);
+        encodePicture(*file, name, format, std::move(bitmap), form, source, encoding);
     }
 
     std::string name;
@@ -113,7 +112,7 @@ void writeTarget(Target& target, const Pipeline& pipeline, Picture& source, cons
     if (split) {
         splitWith(bitmap, form, pipeline, source);
     }
-    target.write(std::move(bitmap), form, source, options.quality);
+    target.write(std::move(bitmap), form, source, options.encoding);
 }
 
 void runApply(const ApplyOptions& options) {
@@ -168,7 +167,7 @@ void addApplyCommand(CLI::App& program) {
     command.add_option("-o,--output", options->output, "The picture to write")->type_name("FILE")->required();
     options->adjustments.addTo(command);
     options->loading.addTo(command);
-    addQualityOption(command, options->quality);
+    options->encoding.addTo(command);
     command
         .add_option("--before-after", options->comparison, "Also write a picture: left half before, right half after")
         ->type_name("FILE");

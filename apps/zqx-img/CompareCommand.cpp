@@ -22,7 +22,7 @@
 #include "Depth16.h"
 #include "Encode.h"
 #include "Error.h"
-#include "QualityOption.h"
+#include "EncodeOptions.h"
 
 namespace zqx::img::app {
 
@@ -195,7 +195,7 @@ void writeDifferences(const std::string& name, FREE_IMAGE_FORMAT format, const P
     plain.bitmap = allocateBitmap(painted, 1, 1);
     plain.form = plain.stored = painted;
     OutputFile file(name);
-    encodePicture(file, name, format, std::move(bitmap), form, plain, DEFAULT_QUALITY);
+    encodePicture(file, name, format, std::move(bitmap), form, plain, EncodeOptions());
     file.commit();
 }
 

@@ -12,6 +12,8 @@
 #include "Error.h"
 #include "FreeImageMessages.h"
 #include "Metadata.h"
+#include "MetadataMask.h"
+#include "MetadataReader.h"
 #include "TiffLayout.h"
 
 namespace zqx::img::app {
@@ -43,7 +45,7 @@ bool isCutShort(const InputFile& file, FREE_IMAGE_FORMAT format) {
 
 int loadFlags(FREE_IMAGE_FORMAT format) {
     switch (format) {
-    case FIF_JPEG: return JPEG_ACCURATE | JPEG_EXIFROTATE;
+    case FIF_JPEG: return JPEG_ACCURATE;
     case FIF_ICO: return ICO_MAKEALPHA;
     case FIF_RAW: return RAW_DISPLAY; // the default is linear light in 16 bits, which would be taken for encoded colour
     default: return 0;
@@ -159,6 +161,7 @@ AlphaKind straightenAlpha(FIBITMAP* bitmap, FREE_IMAGE_FORMAT format, const Tiff
 
 Bitmap decodeBitmap(InputFile& file, FREE_IMAGE_FORMAT format, int flags) {
     listenToFreeImage();
+    maskMetadata(file, format);
     Bitmap bitmap;
     try {
         const qutil::SehTranslator translator; // FreeImage's decoders trust what damaged files say of themselves
@@ -196,8 +199,9 @@ Picture loadPicture(const std::string& name, const LoadOptions&) {
         throw Error(name, "is in printing inks (CMYK), convert it to RGB first");
     }
     Picture picture;
-    picture.metadata.icc = iccProfileOf(bitmap.get());
-    picture.turnedUpright = format == FIF_JPEG;
+    SourceMetadata source = readMetadata(name, format);
+    picture.metadata = std::move(source.blocks);
+    completeFrom(bitmap.get(), picture.metadata);
     picture.alpha = straightenAlpha(bitmap.get(), format, layout);
     const Converted converted = convertToWorkingForm(name, bitmap.get());
     if (converted.bitmap == nullptr) {
@@ -207,8 +211,13 @@ Picture loadPicture(const std::string& name, const LoadOptions&) {
         picture.bitmap = std::move(bitmap);
     } else {
         picture.bitmap.reset(converted.bitmap);
-        FreeImage_CloneMetadata(converted.bitmap, bitmap.get());
+        FreeImage_SetDotsPerMeterX(converted.bitmap, FreeImage_GetDotsPerMeterX(bitmap.get()));
+        FreeImage_SetDotsPerMeterY(converted.bitmap, FreeImage_GetDotsPerMeterY(bitmap.get()));
     }
+    if (format != FIF_RAW) { // whose decoder turns them itself
+        turnUpright(picture.bitmap, source.orientation);
+    }
+    completeResolution(picture.bitmap.get(), source);
     picture.stored = converted.stored;
     picture.form = workingForm(converted.stored);
     return picture;

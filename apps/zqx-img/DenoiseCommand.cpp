@@ -16,7 +16,6 @@
 #include "Decode.h"
 #include "Encode.h"
 #include "Error.h"
-#include "QualityOption.h"
 
 namespace zqx::img::app {
 
@@ -31,7 +30,7 @@ struct DenoiseOptions {
     /// Not the default for bytes either: noise averages out in linear light. Encoded it averages to something lighter,
     /// and the denoiser leaves more of it.
     bool displayReferred = false;
-    int quality = DEFAULT_QUALITY;
+    EncodeOptions encoding;
 };
 
 /// The filter asks for the guides as well, but only once the pictures are read and its library is there.
@@ -155,7 +154,7 @@ void runDenoise(const DenoiseOptions& options) {
     prepareAlpha(source, format, form, false); // renderers' colours are denoised as they lie in the file
     Bitmap bitmap = render(source, form, options);
     OutputFile file(options.output);
-    encodePicture(file, options.output, format, std::move(bitmap), form, source, options.quality);
+    encodePicture(file, options.output, format, std::move(bitmap), form, source, options.encoding);
     file.commit();
 }
 
@@ -197,7 +196,7 @@ void addDenoiseCommand(CLI::App& program) {
     command.add_option("-o,--output", options->output, "The picture to write")->type_name("FILE")->required();
     CLI::Option* linear = command.add_flag("--hdr")->description("COLOR is linear light (the default)");
     command.add_flag("--ldr", options->displayReferred, "COLOR is display-referred, between 0 and 1")->excludes(linear);
-    addQualityOption(command, options->quality);
+    options->encoding.addTo(command);
     options->loading.addTo(command);
     command.footer(FOOTER);
     command.callback([options] { runDenoise(*options); });

@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <span>
+#include <string_view>
 #include <utility>
 
 #include <tov/CountedObject.h>
@@ -16,23 +18,28 @@
 #include "Error.h"
 #include "FreeImageMessages.h"
 #include "Metadata.h"
+#include "MetadataWriter.h"
 
 namespace zqx::img::app {
 
 namespace {
 
-/// An output file as the component's stream.
+/// An output file as the component's stream, which is given all of an encoded picture at once.
 class FileStream : public tov::CountedObject<tov::IOutputStream> {
 public:
-    explicit FileStream(OutputFile& file) : mFile(file) {}
+    using Finish = std::function<void(std::string_view, const FileConsumer&)>;
+
+    FileStream(OutputFile& file, Finish finish) : mFile(file), mFinish(std::move(finish)) {}
 
     tov::Result write(const tov::Sequence<unsigned char>& bytes) override {
-        mFile.write({reinterpret_cast<const char*>(bytes.data), bytes.count});
+        mFinish({reinterpret_cast<const char*>(bytes.data), bytes.count},
+                [this](std::string_view finished) { mFile.write(finished); });
         return mFile.hasFailed() ? tov::FAILURE : tov::SUCCESS;
     }
 
 private:
     OutputFile& mFile;
+    Finish mFinish;
 };
 
 int saveFlags(FREE_IMAGE_FORMAT format, int quality) {
@@ -136,18 +143,25 @@ void warnOfLosses(const std::string& name, const Picture& source, Form form) {
 }
 
 void encodePicture(OutputFile& file, const std::string& name, FREE_IMAGE_FORMAT format, Bitmap bitmap, Form form,
-                   const Picture& original, int quality) {
+                   const Picture& original, const EncodeOptions& options) {
     listenToFreeImage();
+    const Metadata metadata = options.stripped(original.metadata);
     finishAlpha(bitmap.get(), format, form, original);
     bitmap = makeStored(name, std::move(bitmap), form);
-    carryOver(name, format, bitmap.get(), form, original);
+    carryOver(name, format, bitmap.get(), form, original, metadata);
     if (isTurnedOver(format)) {
         FreeImage_FlipVertical(bitmap.get());
     }
+    const unsigned width = FreeImage_GetWidth(bitmap.get());
+    const unsigned height = FreeImage_GetHeight(bitmap.get());
     const tov::TovRef<FreeImage> component(new FreeImage(bitmap.release()));
-    const tov::TovRef<FileStream> stream(new FileStream(file));
+    const tov::TovRef<FileStream> stream(
+        new FileStream(file, [&](std::string_view encoded, const FileConsumer& consumer) {
+            writeWithMetadata(name, encoded, metadata, width, height, consumer);
+        }));
     // A storage failure is told by the file itself, which knows the reason better than the encoder does.
-    if (tov::failed(component->saveToStream(stream.get(), format, saveFlags(format, quality))) && !file.hasFailed()) {
+    if (tov::failed(component->saveToStream(stream.get(), format, saveFlags(format, options.quality))) &&
+        !file.hasFailed()) {
         throw Error(name, std::string("cannot be written as ") + FreeImage_GetFormatFromFIF(format) +
                               inParentheses(FreeImage::getLibraryMessage()) +
                               ", choose another extension such as .png or .tif");

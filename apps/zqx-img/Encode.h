@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "EncodeOptions.h"
 #include "OutputFile.h"
 #include "Picture.h"
 
@@ -13,12 +14,10 @@ namespace zqx::img::app {
 /// @param form of that file
 void warnOfLosses(const std::string& name, const Picture& source, Form form);
 
-/// Encodes a rendered bitmap, with the profile, resolution and metadata of the picture that it was
-/// made from.
+/// Encodes a rendered bitmap, with the profile, resolution and metadata of the picture that it was made from.
 /// @param bitmap in the working form of the form
-/// @param quality 1 to 100, for the formats that have one
 /// @throws Error naming the file
 void encodePicture(OutputFile& file, const std::string& name, FREE_IMAGE_FORMAT format, Bitmap bitmap, Form form,
-                   const Picture& original, int quality);
+                   const Picture& original, const EncodeOptions& options);
 
 } // namespace zqx::img::app

@@ -1,12 +1,19 @@
 // info: what a picture file holds, from its header where the format allows that.
+#include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/stringbuffer.h>
 
 #include "Commands.h"
 #include "Decode.h"
-#include "Error.h"
+#include "ExifSummary.h"
+#include "Metadata.h"
+#include "MetadataReader.h"
 
 namespace zqx::img::app {
 
@@ -44,23 +51,59 @@ const char* colorTypeName(FREE_IMAGE_COLOR_TYPE type) {
     return "unknown";
 }
 
-const char* orientationName(int orientation) {
-    static constexpr const char* NAMES[] = {"upright",
-                                            "mirrored",
-                                            "turned by 180 degrees",
-                                            "mirrored top to bottom",
-                                            "mirrored, to be turned by 270 degrees clockwise",
-                                            "to be turned by 90 degrees clockwise",
-                                            "mirrored, to be turned by 90 degrees clockwise",
-                                            "to be turned by 270 degrees clockwise"};
-    return orientation >= 1 && orientation <= 8 ? NAMES[orientation - 1] : "not a known value";
+/// Text from a file may hold control characters that a terminal would obey.
+std::string harmless(std::string text) {
+    std::erase_if(text, [](unsigned char c) { return c < ' ' || c == 0x7F; });
+    return text;
 }
 
-/// Text from a file may hold control characters that a terminal would obey.
-std::string harmless(const char* text) {
-    std::string result(text != nullptr ? text : "");
-    std::erase_if(result, [](unsigned char c) { return c < ' ' || c == 0x7F; });
-    return result;
+/// Valid UTF-8, whatever bytes a file or its name hold: others become the replacement character.
+std::string toUtf8(const std::string& text) {
+    constexpr unsigned REPLACEMENT = 0xFFFD;
+    const std::string padded = text + std::string(4, '\0'); // decoding reads to the end of what a first byte announces
+    rapidjson::StringBuffer result;
+    for (std::size_t i = 0; i < text.size();) {
+        rapidjson::StringStream source(padded.c_str() + i);
+        unsigned codepoint = 0;
+        const bool valid = rapidjson::UTF8<>::Decode(source, &codepoint);
+        rapidjson::UTF8<>::Encode(result, valid ? codepoint : REPLACEMENT);
+        i += valid ? source.Tell() : 1;
+    }
+    return {result.GetString(), result.GetSize()};
+}
+
+struct Info {
+    std::string name;
+    FREE_IMAGE_FORMAT format;
+    Bitmap bitmap;
+    SourceMetadata metadata;
+    ExifSummary exif;
+
+    FIBITMAP* get() const { return bitmap.get(); }
+};
+
+Info inspect(const std::string& name) {
+    InputFile file(name);
+    const FREE_IMAGE_FORMAT format = file.detectFormat();
+    Info info{name, format, {}, {}, {}};
+    info.bitmap = decodeBitmap(file, format, FreeImage_FIFSupportsNoPixels(format) ? FIF_LOAD_NOPIXELS : 0);
+    info.metadata = readMetadata(name, format);
+    completeResolution(info.get(), info.metadata);
+    completeFrom(info.get(), info.metadata.blocks);
+    info.exif = summarizeExif(info.metadata.blocks.exif);
+    return info;
+}
+
+struct Size {
+    const char* label;
+    const char* key;
+    std::size_t bytes;
+};
+
+std::vector<Size> metadataSizes(const Metadata& metadata) {
+    return {{"Exif", "exif", metadata.exif.size()},
+            {"IPTC", "iptc", metadata.iptc.size()},
+            {"XMP", "xmp", metadata.xmp.size()}};
 }
 
 void print(const char* label, const std::string& value) {
@@ -76,87 +119,137 @@ void printResolution(FIBITMAP* bitmap) {
     print("resolution", x == 0 && y == 0 ? "not given" : text);
 }
 
-void printOrientation(FIBITMAP* bitmap) {
-    FITAG* tag = nullptr;
-    if (!FreeImage_GetMetadata(FIMD_EXIF_MAIN, bitmap, "Orientation", &tag) ||
-        FreeImage_GetTagType(tag) != FIDT_SHORT || FreeImage_GetTagCount(tag) < 1) {
-        return;
-    }
-    const int orientation = *static_cast<const WORD*>(FreeImage_GetTagValue(tag));
-    print("orientation", std::to_string(orientation) + " (" + orientationName(orientation) + ")");
-}
-
-void printMetadata(FIBITMAP* bitmap) {
-    static constexpr struct {
-        FREE_IMAGE_MDMODEL model;
-        const char* name;
-    } MODELS[] = {{FIMD_COMMENTS, "comments"},
-                  {FIMD_EXIF_MAIN, "Exif main"},
-                  {FIMD_EXIF_EXIF, "Exif camera"},
-                  {FIMD_EXIF_GPS, "Exif GPS"},
-                  {FIMD_EXIF_MAKERNOTE, "maker note"},
-                  {FIMD_EXIF_INTEROP, "Exif interop"},
-                  {FIMD_IPTC, "IPTC"},
-                  {FIMD_XMP, "XMP"},
-                  {FIMD_GEOTIFF, "GeoTIFF"},
-                  {FIMD_ANIMATION, "animation"},
-                  {FIMD_CUSTOM, "custom"},
-                  {FIMD_EXIF_RAW, "Exif raw"}};
+void printMetadata(const Metadata& metadata) {
     std::string list;
-    for (const auto& [model, name] : MODELS) {
-        if (const unsigned count = FreeImage_GetMetadataCount(model, bitmap); count > 0) {
-            list += (list.empty() ? "" : ", ") + std::string(name) + " " + std::to_string(count);
+    for (const auto& [label, key, bytes] : metadataSizes(metadata)) {
+        if (bytes > 0) {
+            list += (list.empty() ? "" : ", ") + std::string(label) + " " + std::to_string(bytes) + " bytes";
         }
+    }
+    if (const std::size_t count = commentsIn(metadata.comments).size(); count > 0) {
+        list += (list.empty() ? "" : ", ") + std::to_string(count) + (count == 1 ? " comment" : " comments");
     }
     print("metadata", list.empty() ? "none" : list);
 }
 
-void printExif(FIBITMAP* bitmap) {
-    static constexpr struct {
-        FREE_IMAGE_MDMODEL model;
-        const char* key;
-        const char* label;
-    } FIELDS[] = {{FIMD_EXIF_MAIN, "Make", "camera make"},        {FIMD_EXIF_MAIN, "Model", "camera model"},
-                  {FIMD_EXIF_EXIF, "DateTimeOriginal", "taken"},  {FIMD_EXIF_EXIF, "ExposureTime", "exposure time"},
-                  {FIMD_EXIF_EXIF, "FNumber", "f-number"},        {FIMD_EXIF_EXIF, "ISOSpeedRatings", "ISO speed"},
-                  {FIMD_EXIF_EXIF, "FocalLength", "focal length"}};
-    for (const auto& [model, key, label] : FIELDS) {
-        FITAG* tag = nullptr;
-        if (FreeImage_GetMetadata(model, bitmap, key, &tag)) {
-            print(label, harmless(FreeImage_TagToString(model, tag)));
-        }
-    }
-}
-
-void runInfo(const std::string& name) {
-    InputFile file(name);
-    const FREE_IMAGE_FORMAT format = file.detectFormat();
-    const Bitmap picture = decodeBitmap(file, format, FreeImage_FIFSupportsNoPixels(format) ? FIF_LOAD_NOPIXELS : 0);
-    FIBITMAP* bitmap = picture.get();
-    print("file", harmless(name.c_str()));
-    print("format", std::string(FreeImage_GetFormatFromFIF(format)) + " (" + FreeImage_GetFIFDescription(format) + ")");
+void printText(const Info& info) {
+    FIBITMAP* bitmap = info.get();
+    print("file", harmless(info.name));
+    print("format",
+          std::string(FreeImage_GetFormatFromFIF(info.format)) + " (" + FreeImage_GetFIFDescription(info.format) + ")");
     print("size", std::to_string(FreeImage_GetWidth(bitmap)) + " x " + std::to_string(FreeImage_GetHeight(bitmap)));
     print("bits per pixel", std::to_string(FreeImage_GetBPP(bitmap)));
     print("samples", typeName(FreeImage_GetImageType(bitmap)));
     print("colour", colorTypeName(FreeImage_GetColorType(bitmap)));
     print("transparency", FreeImage_IsTransparent(bitmap) ? "yes" : "no");
     printResolution(bitmap);
-    const FIICCPROFILE* profile = FreeImage_GetICCProfile(bitmap);
-    const unsigned size = profile != nullptr && profile->data != nullptr ? profile->size : 0;
-    print("colour profile", size > 0 ? std::to_string(size) + " bytes" : "none");
-    printOrientation(bitmap);
-    printMetadata(bitmap);
-    printExif(bitmap);
+    const std::size_t profile = info.metadata.blocks.icc.size();
+    print("colour profile", profile > 0 ? std::to_string(profile) + " bytes" : "none");
+    if (const int orientation = info.metadata.orientation; orientation != UPRIGHT) {
+        print("orientation", std::to_string(orientation) + " (" + describeOrientation(orientation) + ")");
+    }
+    printMetadata(info.metadata.blocks);
+    for (const ExifField& field : info.exif.fields) {
+        print(field.label, field.value);
+    }
+    if (info.exif.hasPosition) {
+        print("GPS position", "yes, it tells where the picture was taken (--strip exif leaves it out)");
+    }
 }
+
+using JsonWriter = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
+
+void writeText(JsonWriter& json, const char* key, const std::string& value) {
+    json.Key(key);
+    json.String(toUtf8(value).c_str());
+}
+
+void writeNumber(JsonWriter& json, const char* key, std::uint64_t value) {
+    json.Key(key);
+    json.Uint64(value);
+}
+
+void writeFlag(JsonWriter& json, const char* key, bool value) {
+    json.Key(key);
+    json.Bool(value);
+}
+
+void writeMetadata(JsonWriter& json, const Info& info) {
+    json.Key("metadata"); // sizes in bytes
+    json.StartObject();
+    writeNumber(json, "icc", info.metadata.blocks.icc.size());
+    for (const auto& [label, key, bytes] : metadataSizes(info.metadata.blocks)) {
+        writeNumber(json, key, bytes);
+    }
+    json.EndObject();
+    json.Key("comments");
+    json.StartArray();
+    for (const auto& [keyword, text] : commentsIn(info.metadata.blocks.comments)) {
+        json.StartObject();
+        writeText(json, "keyword", keyword);
+        writeText(json, "text", text);
+        json.EndObject();
+    }
+    json.EndArray();
+    json.Key("exif");
+    json.StartObject();
+    for (const ExifField& field : info.exif.fields) {
+        writeText(json, field.key, field.value);
+    }
+    writeFlag(json, "gpsPosition", info.exif.hasPosition);
+    json.EndObject();
+}
+
+void printJson(const Info& info) {
+    FIBITMAP* bitmap = info.get();
+    rapidjson::StringBuffer text;
+    JsonWriter json(text);
+    json.StartObject();
+    writeText(json, "file", info.name);
+    writeText(json, "format", FreeImage_GetFormatFromFIF(info.format));
+    writeNumber(json, "width", FreeImage_GetWidth(bitmap));
+    writeNumber(json, "height", FreeImage_GetHeight(bitmap));
+    writeNumber(json, "bitsPerPixel", FreeImage_GetBPP(bitmap));
+    writeText(json, "samples", typeName(FreeImage_GetImageType(bitmap)));
+    writeText(json, "colour", colorTypeName(FreeImage_GetColorType(bitmap)));
+    writeFlag(json, "transparency", FreeImage_IsTransparent(bitmap) != 0);
+    writeNumber(json, "dotsPerMetreX", FreeImage_GetDotsPerMeterX(bitmap));
+    writeNumber(json, "dotsPerMetreY", FreeImage_GetDotsPerMeterY(bitmap));
+    json.Key("orientation");
+    json.Int(info.metadata.orientation);
+    writeMetadata(json, info);
+    json.EndObject();
+    std::printf("%s\n", text.GetString());
+}
+
+struct InfoOptions {
+    std::string name;
+    bool json = false;
+};
+
+constexpr const char* FOOTER = R"(
+The size is that of the stored picture; what the orientation says is done when the picture is read. The sizes of
+metadata are of what other commands carry over to their output.
+
+Examples:
+  zqx-img info photo.jpg
+  zqx-img info photo.jpg --json
+
+Exit codes: 0 done, 1 the file cannot be read, 2 the command line cannot be meant.
+)";
 
 } // namespace
 
 void addInfoCommand(CLI::App& program) {
     CLI::App& command = *program.add_subcommand("info", "Tell what a picture file holds");
-    const auto name = std::make_shared<std::string>();
-    command.add_option("FILE", *name, "The picture")->type_name("FILE")->required();
-    command.footer("Example:\n  zqx-img info photo.jpg\n");
-    command.callback([name] { runInfo(*name); });
+    const auto options = std::make_shared<InfoOptions>();
+    command.add_option("FILE", options->name, "The picture")->type_name("FILE")->required();
+    command.add_flag("--json", options->json, "Tell it as one JSON object");
+    command.footer(FOOTER);
+    command.callback([options] {
+        const Info info = inspect(options->name);
+        options->json ? printJson(info) : printText(info);
+    });
 }
 
 } // namespace zqx::img::app

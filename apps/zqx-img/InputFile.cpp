@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <limits>
 #include <system_error>
+#include <utility>
 
 #include "Error.h"
 
@@ -48,14 +49,27 @@ std::string InputFile::readText(std::size_t limit) {
     return text;
 }
 
-std::vector<BYTE> InputFile::bytesAt(std::uint64_t offset, std::size_t count) {
-    std::vector<BYTE> bytes(count);
+std::string InputFile::readAt(std::uint64_t offset, std::size_t count) {
+    std::string bytes(count, '\0');
     const bool reached = offset <= static_cast<std::uint64_t>(std::numeric_limits<std::streamoff>::max()) &&
                          mFile.pubseekpos(static_cast<std::streamoff>(offset), std::ios::in) >= 0;
-    const std::streamsize got =
-        reached ? mFile.sgetn(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(count)) : 0;
+    const std::streamsize got = reached ? mFile.sgetn(bytes.data(), static_cast<std::streamsize>(count)) : 0;
     bytes.resize(static_cast<std::size_t>(std::max<std::streamsize>(0, got)));
     return bytes;
+}
+
+void InputFile::mask(std::uint64_t offset, std::string bytes) {
+    mMasks.push_back({offset, std::move(bytes)});
+}
+
+void InputFile::applyMasks(std::uint64_t offset, std::span<char> bytes) const {
+    for (const Mask& mask : mMasks) {
+        const std::uint64_t begin = std::max(mask.offset, offset);
+        const std::uint64_t end = std::min(mask.offset + mask.bytes.size(), offset + bytes.size());
+        if (begin < end) {
+            std::copy_n(mask.bytes.data() + (begin - mask.offset), end - begin, bytes.data() + (begin - offset));
+        }
+    }
 }
 
 FREE_IMAGE_FORMAT InputFile::detectFormat() {
@@ -83,7 +97,15 @@ unsigned InputFile::read(void* buffer, unsigned size, unsigned count, fi_handle 
     if (wanted == 0) {
         return 0;
     }
+    std::streamoff offset = 0;
+    if (!file.mMasks.empty()) {
+        offset = file.mFile.pubseekoff(0, std::ios::cur, std::ios::in);
+    }
     const std::streamsize got = std::max<std::streamsize>(0, file.mFile.sgetn(static_cast<char*>(buffer), wanted));
+    if (!file.mMasks.empty() && offset >= 0) {
+        file.applyMasks(static_cast<std::uint64_t>(offset),
+                        {static_cast<char*>(buffer), static_cast<std::size_t>(got)});
+    }
     file.mReadAtEnd |= got == 0;
     file.mReadShort |= got < wanted;
     // Some decoders do not look at what a read returns: let them find zeros, which end any name, and not chance bytes.

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -26,8 +27,11 @@ public:
     /// The whole content. @throws Error when there is more than the limit
     std::string readText(std::size_t limit);
 
-    /// The bytes from an offset on; fewer than asked for where the file ends before.
-    std::vector<BYTE> bytesAt(std::uint64_t offset, std::size_t count);
+    /// Up to so many bytes from a place in the file; fewer where it ends.
+    std::string readAt(std::uint64_t offset, std::size_t count);
+
+    /// Lets decoders find other bytes than the file's own at a place.
+    void mask(std::uint64_t offset, std::string bytes);
 
     /// The picture format by content, or else by the extension. @throws Error when neither is known
     FREE_IMAGE_FORMAT detectFormat();
@@ -45,9 +49,16 @@ private:
     static int DLL_CALLCONV seek(fi_handle handle, long offset, int origin);
     static long DLL_CALLCONV tell(fi_handle handle);
     static FreeImageIO io();
+    void applyMasks(std::uint64_t offset, std::span<char> bytes) const;
+
+    struct Mask {
+        std::uint64_t offset;
+        std::string bytes;
+    };
 
     std::string mName;
     std::filebuf mFile;
+    std::vector<Mask> mMasks;
     bool mReadAtEnd = false;
     bool mReadShort = false;
 };

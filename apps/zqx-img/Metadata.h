@@ -1,19 +1,34 @@
-// What travels beside the pixels: colour profile, Exif, IPTC, XMP, resolution.
+// What travels beside the pixels inside of bitmaps: colour profile, comments, resolution.
 #pragma once
 
 #include <string>
 #include <vector>
 
+#include "MetadataReader.h"
 #include "Picture.h"
 
 namespace zqx::img::app {
 
-/// The colour profile of a bitmap; empty when it has none.
-std::vector<BYTE> iccProfileOf(FIBITMAP* bitmap);
+struct Comment {
+    std::string keyword;
+    std::string text;
+};
 
-/// Gives a bitmap that is about to be written what its source carries, as far as it still holds true, and warns of what
-/// is left behind.
+/// The comments of a block as in Metadata.
+std::vector<Comment> commentsIn(const std::string& block);
+
+/// Adds what FreeImage found to what was read from the file itself: comments, and the colour profile where it has one,
+/// which is not so for PNG.
+void completeFrom(FIBITMAP* bitmap, Metadata& metadata);
+
+/// Gives a bitmap the resolution of the Exif tags, where its decoder found no other.
+void completeResolution(FIBITMAP* bitmap, const SourceMetadata& source);
+
+/// Gives a bitmap that is about to be written the resolution of its source, and of its metadata what the encoders put
+/// into the file, as far as it still holds true. Warns of what is left behind.
 /// @param name the file to be written
-void carryOver(const std::string& name, FREE_IMAGE_FORMAT format, FIBITMAP* bitmap, Form form, const Picture& original);
+/// @param metadata what is wanted of the original's
+void carryOver(const std::string& name, FREE_IMAGE_FORMAT format, FIBITMAP* bitmap, Form form, const Picture& original,
+               const Metadata& metadata);
 
 } // namespace zqx::img::app

@@ -14,6 +14,7 @@ struct Metadata {
     std::vector<BYTE> exif; ///< TIFF structure, without the "Exif" in front of it; its orientation is upright
     std::vector<BYTE> iptc; ///< IPTC IIM datasets
     std::string xmp;        ///< XMP packet
+    std::string comments;   ///< of PNG and JPEG files: keyword and text by turns, a zero byte behind each
 };
 
 /// What the colours of a picture with alpha are.
@@ -30,7 +31,6 @@ struct Picture {
     Form stored;   ///< of the file; another one than the bitmap's where that holds 16 bits
     AlphaKind alpha = AlphaKind::STRAIGHT;
     Metadata metadata;
-    bool turnedUpright = false; ///< by its orientation tag, which the bitmap's own tags still hold
 
     unsigned width() const { return FreeImage_GetWidth(bitmap.get()); }
     unsigned height() const { return FreeImage_GetHeight(bitmap.get()); }

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <string>
 
 namespace zqx::img::app {
 
@@ -25,7 +25,7 @@ constexpr std::size_t BIG_HEADER_SIZE = 16;
 class TiffReader {
 public:
     explicit TiffReader(InputFile& file) : mFile(file) {
-        const std::vector<BYTE> header = file.bytesAt(0, BIG_HEADER_SIZE);
+        const std::string header = file.readAt(0, BIG_HEADER_SIZE);
         mBigEndian = !header.empty() && header[0] == 'M';
         constexpr std::uint64_t BIG_VERSION = 43;
         if (number(header, 2, 2) == BIG_VERSION) {
@@ -37,12 +37,12 @@ public:
 
     std::optional<TiffLayout> layout() {
         const std::size_t entrySize = 4 + 2 * mWordSize; // tag, type, count, value
-        const std::uint64_t stated = number(mFile.bytesAt(mDirectory, mCountSize), 0, mCountSize);
+        const std::uint64_t stated = number(mFile.readAt(mDirectory, mCountSize), 0, mCountSize);
         if (mDirectory == 0 || stated == 0 || stated > UINT16_MAX) {
             return std::nullopt;
         }
-        const std::vector<BYTE> entries =
-            mFile.bytesAt(mDirectory + mCountSize, static_cast<std::size_t>(stated) * entrySize);
+        const std::string entries =
+            mFile.readAt(mDirectory + mCountSize, static_cast<std::size_t>(stated) * entrySize);
         TiffLayout layout;
         for (std::size_t entry = 0; entry + entrySize <= entries.size(); entry += entrySize) {
             note(layout, entries, entry);
@@ -52,23 +52,23 @@ public:
 
 private:
     /// 0 where the bytes end before.
-    std::uint64_t number(const std::vector<BYTE>& bytes, std::size_t offset, std::size_t size) const {
+    std::uint64_t number(const std::string& bytes, std::size_t offset, std::size_t size) const {
         std::uint64_t value = 0;
         for (std::size_t i = 0; offset + size <= bytes.size() && i < size; ++i) {
-            value = value << 8 | bytes[offset + (mBigEndian ? i : size - 1 - i)];
+            value = value << 8 | static_cast<BYTE>(bytes[offset + (mBigEndian ? i : size - 1 - i)]);
         }
         return value;
     }
 
     /// The first of an entry's values, which lie in the entry itself where there is room.
-    std::uint64_t firstValue(const std::vector<BYTE>& entries, std::size_t entry) {
+    std::uint64_t firstValue(const std::string& entries, std::size_t entry) {
         const std::size_t value = entry + 4 + mWordSize;
         return number(entries, entry + 4, mWordSize) <= mWordSize / SHORT_SIZE
                    ? number(entries, value, SHORT_SIZE)
-                   : number(mFile.bytesAt(number(entries, value, mWordSize), SHORT_SIZE), 0, SHORT_SIZE);
+                   : number(mFile.readAt(number(entries, value, mWordSize), SHORT_SIZE), 0, SHORT_SIZE);
     }
 
-    void note(TiffLayout& layout, const std::vector<BYTE>& entries, std::size_t entry) {
+    void note(TiffLayout& layout, const std::string& entries, std::size_t entry) {
         const std::uint64_t tag = number(entries, entry, 2);
         if (number(entries, entry + 2, 2) != SHORT_TYPE) {
             return; // as all of these are

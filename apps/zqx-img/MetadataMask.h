@@ -1,0 +1,13 @@
+// Keeps metadata away from the picture decoders.
+#pragma once
+
+#include "InputFile.h"
+
+namespace zqx::img::app {
+
+/// Hides from FreeImage the metadata that its own readers would take apart, which damaged files lead far out of bounds,
+/// and the orientation that its TIFF decoder would act on for some kinds of samples and not for others. Files of which
+/// no sense can be made are left to the decoder as they are.
+void maskMetadata(InputFile& file, FREE_IMAGE_FORMAT format);
+
+} // namespace zqx::img::app
