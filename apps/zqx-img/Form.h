@@ -1,6 +1,7 @@
 // The kinds of bitmap that the program works with, between file formats and image model.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -11,12 +12,18 @@
 namespace zqx::img::app {
 
 struct BitmapUnloader {
-    void operator()(FIBITMAP* bitmap) const { FreeImage_Unload(bitmap); }
+    std::shared_ptr<const void> memory; ///< of pixels that are not FreeImage's own
+
+    void operator()(FIBITMAP* bitmap) {
+        FreeImage_Unload(bitmap);
+        memory.reset();
+    }
 };
 using Bitmap = std::unique_ptr<FIBITMAP, BitmapUnloader>;
 
 /// The bitmaps that the program works with. Each but the last is one format of the image model.
 enum class Form { GREY8, RGB8, RGBA8, GREY_FLOAT, RGB_FLOAT, RGBA_FLOAT, PALETTE8 };
+constexpr std::size_t FORM_COUNT = static_cast<std::size_t>(Form::PALETTE8) + 1;
 
 bool hasColor(Form form);
 bool hasAlpha(Form form);

@@ -128,9 +128,15 @@ void printExif(FIBITMAP* bitmap) {
     }
 }
 
-void runInfo(const std::string& name) {
+struct InfoOptions {
+    std::string name;
+    LoadOptions loading;
+};
+
+void runInfo(const InfoOptions& options) {
+    const std::string& name = options.name;
     InputFile file(name);
-    const FREE_IMAGE_FORMAT format = file.detectFormat();
+    const FREE_IMAGE_FORMAT format = examine(file, options.loading.limits).format; // some have to be decoded
     const Bitmap picture = decodeBitmap(file, format, FreeImage_FIFSupportsNoPixels(format) ? FIF_LOAD_NOPIXELS : 0);
     FIBITMAP* bitmap = picture.get();
     print("file", harmless(name.c_str()));
@@ -153,10 +159,11 @@ void runInfo(const std::string& name) {
 
 void addInfoCommand(CLI::App& program) {
     CLI::App& command = *program.add_subcommand("info", "Tell what a picture file holds");
-    const auto name = std::make_shared<std::string>();
-    command.add_option("FILE", *name, "The picture")->type_name("FILE")->required();
+    const auto options = std::make_shared<InfoOptions>();
+    command.add_option("FILE", options->name, "The picture")->type_name("FILE")->required();
+    options->loading.addLimitsTo(command);
     command.footer("Example:\n  zqx-img info photo.jpg\n");
-    command.callback([name] { runInfo(*name); });
+    command.callback([options] { runInfo(*options); });
 }
 
 } // namespace zqx::img::app

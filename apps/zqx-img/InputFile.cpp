@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <limits>
 #include <system_error>
 
 #include "Error.h"
@@ -44,6 +45,21 @@ std::string InputFile::readText(std::size_t limit) {
         }
     }
     return text;
+}
+
+std::uint64_t InputFile::size() const {
+    std::error_code failure;
+    const std::uintmax_t size = fs::file_size(toPath(mName), failure);
+    return failure ? 0 : size;
+}
+
+std::size_t InputFile::readAt(std::uint64_t place, void* buffer, std::size_t count) {
+    if (place > std::numeric_limits<long>::max() ||
+        mFile.pubseekpos(static_cast<std::streamoff>(place), std::ios::in) < 0) {
+        return 0;
+    }
+    const std::streamsize got = mFile.sgetn(static_cast<char*>(buffer), static_cast<std::streamsize>(count));
+    return static_cast<std::size_t>(std::max<std::streamsize>(0, got));
 }
 
 FREE_IMAGE_FORMAT InputFile::detectFormat() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -23,6 +24,12 @@ public:
 
     /// The whole content. @throws Error when there is more than the limit
     std::string readText(std::size_t limit);
+
+    /// Bytes in the file; 0 where it is none of fixed size.
+    std::uint64_t size() const;
+
+    /// Bytes from a place in the file. @return how many there are, 0 beyond the end
+    std::size_t readAt(std::uint64_t place, void* buffer, std::size_t count);
 
     /// The picture format by content, or else by the extension. @throws Error when neither is known
     FREE_IMAGE_FORMAT detectFormat();

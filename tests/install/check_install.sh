@@ -16,6 +16,8 @@ program=$place/moved/bin/zqx-img
 [[ -f $place/moved/include/zqx/img/Image.h ]] || fail "the public headers are not installed"
 [[ $(ldd "$program") == *"$place/moved/"*libzqx_img.so* ]] || fail "the program does not find its own library"
 "$program" apply "$picture" -o "$place/graded.png" --set exposure=1
+"$program" apply "$picture" -o "$place/isolated.png" --set exposure=1 --isolate
+cmp "$place/graded.png" "$place/isolated.png" || fail "decoding in a process of its own gives another picture"
 "$program" info "$place/graded.png" | grep --quiet PNG || fail "the written picture is not a PNG"
 
 [[ $carries_denoiser == ON ]] || exit 0
