@@ -2,7 +2,10 @@
 #include "Decode.h"
 
 #include <algorithm>
+#include <atomic>
+#include <filesystem>
 #include <span>
+#include <system_error>
 
 #include <qutil/SehException.h>
 #include <qutil/SehTranslator.h>
@@ -11,6 +14,8 @@
 #include "Depth16.h"
 #include "Error.h"
 #include "FreeImageMessages.h"
+#include "IsolatedDecoder.h"
+#include "LoadLimits.h"
 #include "Metadata.h"
 #include "MetadataMask.h"
 #include "MetadataReader.h"
@@ -19,6 +24,8 @@
 namespace zqx::img::app {
 
 namespace {
+
+std::atomic<bool> gFaultsAreErrors = true;
 
 /// Several decoders fill up what is missing at the end of a file without a word. What a complete file lets its decoder
 /// read differs: some never read a byte too many, some read ahead in blocks, and some check for themselves.
@@ -157,19 +164,39 @@ AlphaKind straightenAlpha(FIBITMAP* bitmap, FREE_IMAGE_FORMAT format, const Tiff
     return AlphaKind::STRAIGHT;
 }
 
+/// Opening a pipe waits for somebody who writes to it, and nobody can go back in it.
+InputFile openPicture(const std::string& name) {
+    std::error_code failure;
+    const std::filesystem::file_type type = std::filesystem::status(toPath(name), failure).type();
+    if (type == std::filesystem::file_type::fifo || type == std::filesystem::file_type::socket) {
+        throw Error(name, "is a pipe, from which pictures cannot be read, name a file");
+    }
+    return InputFile(name);
+}
+
 } // namespace
 
-Bitmap decodeBitmap(InputFile& file, FREE_IMAGE_FORMAT format, int flags) {
+void dieOfFaults() {
+    gFaultsAreErrors = false;
+}
+
+Bitmap tryDecodeBitmap(InputFile& file, FREE_IMAGE_FORMAT format, int flags) {
     listenToFreeImage();
     maskMetadata(file, format);
-    Bitmap bitmap;
+    if (!gFaultsAreErrors) {
+        return Bitmap(file.decode(format, flags));
+    }
     try {
         const qutil::SehTranslator translator; // FreeImage's decoders trust what damaged files say of themselves
-        bitmap.reset(file.decode(format, flags));
+        return Bitmap(file.decode(format, flags));
     } catch (const qutil::SehException&) {
         throw Error(file.name(), std::string("brought the ") + FreeImage_GetFormatFromFIF(format) +
                                      " decoder down, the file must be damaged");
     }
+}
+
+Bitmap decodeBitmap(InputFile& file, FREE_IMAGE_FORMAT format, int flags) {
+    Bitmap bitmap = tryDecodeBitmap(file, format, flags);
     if (!bitmap) {
         throw Error(file.name(), std::string("cannot be read as ") + FreeImage_GetFormatFromFIF(format) + inItsWords() +
                                      ", the file may be damaged");
@@ -177,9 +204,31 @@ Bitmap decodeBitmap(InputFile& file, FREE_IMAGE_FORMAT format, int flags) {
     return bitmap;
 }
 
-Picture loadPicture(const std::string& name, const LoadOptions&) {
-    InputFile file(name);
-    const FREE_IMAGE_FORMAT format = file.detectFormat();
+Picture loadPicture(const std::string& name, const LoadOptions& options) {
+    return options.isolate.value_or(false) ? decodeIsolated(name, options) : decodePicture(name, options.limits);
+}
+
+Findings examine(InputFile& file, const LoadLimits& limits, const FindingsListener& listener) {
+    const auto tell = [&](const Findings& findings) {
+        if (listener) {
+            listener(findings);
+        }
+    };
+    checkFileSize(file.name(), file.size(), limits);
+    Findings findings;
+    findings.format = file.detectFormat();
+    tell(findings);
+    findings.size = sizeFromHeader(file, findings.format);
+    if (findings.size) {
+        checkPictureSize(file.name(), *findings.size, limits);
+    }
+    tell(findings);
+    return findings;
+}
+
+Picture decodePicture(const std::string& name, const LoadLimits& limits, const FindingsListener& listener) {
+    InputFile file = openPicture(name);
+    const FREE_IMAGE_FORMAT format = examine(file, limits, listener).format;
     const TiffLayout layout = format == FIF_TIFF ? readTiffLayout(file).value_or(TiffLayout{}) : TiffLayout{};
     refuseMisreadTiff(name, layout);
     Bitmap bitmap = decodeBitmap(file, format, loadFlags(format));
@@ -195,6 +244,7 @@ Picture loadPicture(const std::string& name, const LoadOptions&) {
     if (!FreeImage_HasPixels(bitmap.get())) {
         throw Error(name, "holds no pixels");
     }
+    checkPictureSize(name, sizeOf(bitmap), limits); // a header may lie, or tell nothing
     if (FreeImage_GetColorType(bitmap.get()) == FIC_CMYK) {
         throw Error(name, "is in printing inks (CMYK), convert it to RGB first");
     }

@@ -22,7 +22,7 @@ struct FormInfo {
 
 const FormInfo& infoOf(Form form) {
     using enum Form;
-    static constexpr FormInfo INFOS[] = {
+    static constexpr FormInfo INFOS[FORM_COUNT] = {
         {FIT_BITMAP, 8, GREY8, Image::SGRAY8, false, false, "8-bit grey"},
         {FIT_BITMAP, 24, RGB8, Image::SBGR8, true, false, "8-bit colour"},
         {FIT_BITMAP, 32, RGBA8, Image::SBGRA8, true, true, "8-bit colour with alpha"},

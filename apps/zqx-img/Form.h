@@ -1,6 +1,7 @@
 // The kinds of bitmap that the program works with, between file formats and image model.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -11,7 +12,12 @@
 namespace zqx::img::app {
 
 struct BitmapUnloader {
-    void operator()(FIBITMAP* bitmap) const { FreeImage_Unload(bitmap); }
+    std::shared_ptr<const void> memory; ///< of pixels that are not FreeImage's own
+
+    void operator()(FIBITMAP* bitmap) {
+        FreeImage_Unload(bitmap);
+        memory.reset();
+    }
 };
 using Bitmap = std::unique_ptr<FIBITMAP, BitmapUnloader>;
 
@@ -20,6 +26,7 @@ using Bitmap = std::unique_ptr<FIBITMAP, BitmapUnloader>;
 /// The first six are worked on as they are, each as one format of the image model. The others are forms of files alone:
 /// their bitmaps are made when they are written, 16 bits from linear floats, a palette from 8-bit colour.
 enum class Form { GREY8, RGB8, RGBA8, GREY_FLOAT, RGB_FLOAT, RGBA_FLOAT, GREY16, RGB16, RGBA16, PALETTE8 };
+constexpr std::size_t FORM_COUNT = static_cast<std::size_t>(Form::PALETTE8) + 1;
 
 /// The form that pictures of a form are worked on in.
 Form workingForm(Form form);

@@ -82,9 +82,9 @@ struct Info {
     FIBITMAP* get() const { return bitmap.get(); }
 };
 
-Info inspect(const std::string& name) {
+Info inspect(const std::string& name, const LoadLimits& limits) {
     InputFile file(name);
-    const FREE_IMAGE_FORMAT format = file.detectFormat();
+    const FREE_IMAGE_FORMAT format = examine(file, limits).format; // some have to be decoded
     Info info{name, format, {}, {}, {}};
     info.bitmap = decodeBitmap(file, format, FreeImage_FIFSupportsNoPixels(format) ? FIF_LOAD_NOPIXELS : 0);
     info.metadata = readMetadata(name, format);
@@ -225,6 +225,7 @@ void printJson(const Info& info) {
 struct InfoOptions {
     std::string name;
     bool json = false;
+    LoadOptions loading;
 };
 
 constexpr const char* FOOTER = R"(
@@ -245,9 +246,10 @@ void addInfoCommand(CLI::App& program) {
     const auto options = std::make_shared<InfoOptions>();
     command.add_option("FILE", options->name, "The picture")->type_name("FILE")->required();
     command.add_flag("--json", options->json, "Tell it as one JSON object");
+    options->loading.addLimitsTo(command);
     command.footer(FOOTER);
     command.callback([options] {
-        const Info info = inspect(options->name);
+        const Info info = inspect(options->name, options->loading.limits);
         options->json ? printJson(info) : printText(info);
     });
 }

@@ -49,6 +49,12 @@ std::string InputFile::readText(std::size_t limit) {
     return text;
 }
 
+std::uint64_t InputFile::size() const {
+    std::error_code failure;
+    const std::uintmax_t size = fs::file_size(toPath(mName), failure);
+    return failure ? 0 : size;
+}
+
 std::string InputFile::readAt(std::uint64_t offset, std::size_t count) {
     std::string bytes(count, '\0');
     const bool reached = offset <= static_cast<std::uint64_t>(std::numeric_limits<std::streamoff>::max()) &&

@@ -27,6 +27,9 @@ public:
     /// The whole content. @throws Error when there is more than the limit
     std::string readText(std::size_t limit);
 
+    /// Bytes in the file; 0 where it is none of fixed size.
+    std::uint64_t size() const;
+
     /// Up to so many bytes from a place in the file; fewer where it ends.
     std::string readAt(std::uint64_t offset, std::size_t count);
 

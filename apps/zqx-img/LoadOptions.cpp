@@ -1,9 +1,65 @@
 // The options about reading picture files.
 #include "LoadOptions.h"
 
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "IsolatedDecoder.h"
+#include "SizeOption.h"
+
 namespace zqx::img::app {
 
-void LoadOptions::addTo(CLI::App&) {
+namespace {
+
+constexpr const char* GROUP = "Limits";
+
+} // namespace
+
+void LoadOptions::addLimitsTo(CLI::App& command) {
+    addCountOption(command, "--max-width", limits.width, std::to_string(limits.width),
+                   "Refuse pictures of more columns")
+        ->group(GROUP);
+    addCountOption(command, "--max-height", limits.height, std::to_string(limits.height),
+                   "Refuse pictures of more rows")
+        ->group(GROUP);
+    addCountOption(command, "--max-pixels", limits.pixels, "500M", "Refuse pictures of more pixels")->group(GROUP);
+    addSizeOption(command, "--max-bytes", limits.bytes, "4G", "Refuse larger files")->group(GROUP);
+}
+
+void LoadOptions::addTo(CLI::App& command) {
+    addLimitsTo(command);
+    const auto turnOn = [this] {
+        if (!canIsolate()) {
+            throw CLI::ValidationError("--isolate", "this system cannot decode in a process of its own");
+        }
+        isolate = true;
+    };
+    CLI::Option* on = command.add_flag_callback(
+        "--isolate", turnOn, "Decode each picture in a process of its own, which a hostile file may bring down");
+    CLI::Option* off = command.add_flag_callback(
+        "--no-isolate", [this] { isolate = false; }, "Decode in this process, which is a little faster");
+    CLI::Option* memory = addSizeOption(command, "--decode-memory", decodeMemory, "half of the memory, at least 4G",
+                                        "What that process may use of memory; turns --isolate on");
+    CLI::Option* time = command
+                            .add_option("--decode-time", decodeSeconds,
+                                        "How long that process may take for a picture; turns --isolate on")
+                            ->type_name("SECONDS")
+                            ->check(CLI::Range(0.001, 1e6))
+                            ->capture_default_str();
+    off->excludes(on)->excludes(memory)->excludes(time);
+    for (CLI::Option* option : {on, off, memory, time}) {
+        option->group(GROUP);
+    }
+    for (CLI::Option* option : {memory, time}) {
+        option->each([turnOn](const std::string&) { turnOn(); });
+    }
+}
+
+void LoadOptions::isolateByDefault() {
+    if (!isolate && canIsolate()) {
+        isolate = true;
+    }
 }
 
 } // namespace zqx::img::app

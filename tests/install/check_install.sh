@@ -24,6 +24,8 @@ program_runs() {
     mkdir "$place"
     [[ $(ldd "$program") == *"$tree/"*libzqx_img.so* ]] || fail "the program does not find its own library"
     "$program" apply "$1" -o "$place/graded.png" --set exposure=1
+    "$program" apply "$1" -o "$place/isolated.png" --set exposure=1 --isolate
+    cmp "$place/graded.png" "$place/isolated.png" || fail "decoding in a process of its own gives another picture"
     "$program" info "$place/graded.png" | grep PNG >/dev/null || fail "the written picture is not a PNG"
     [[ $2 == ON ]] || return 0
     render=$(dirname "$1")/render
