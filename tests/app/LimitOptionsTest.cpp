@@ -1,5 +1,7 @@
 // Amounts on the command line, and what the options about reading make of them.
+#include <algorithm>
 #include <limits>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>

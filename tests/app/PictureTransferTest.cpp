@@ -1,4 +1,5 @@
 // Pictures between processes: what arrives is what was sent, and what nobody honest would send does no harm.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -64,8 +65,9 @@ Bytes written(const Transfer& transfer) {
 
 /// Memory of exactly that size, so that sanitizers notice what goes beyond.
 std::shared_ptr<std::byte> memoryOf(const Bytes& bytes) {
-    std::shared_ptr<std::byte> memory(static_cast<std::byte*>(std::malloc(bytes.size() + 1)), std::free);
-    std::memcpy(memory.get(), bytes.data(), bytes.size());
+    std::shared_ptr<std::byte> memory(static_cast<std::byte*>(std::malloc(std::max<std::size_t>(1, bytes.size()))),
+                                      std::free);
+    std::ranges::copy(bytes, memory.get());
     return memory;
 }
 

@@ -229,16 +229,17 @@ void confine(const DecodeRequest& request) {
     giveUpRights();
     constexpr std::uint64_t FILES = 32;
     constexpr std::uint64_t ROOM_FOR_METADATA = std::uint64_t{256} << 20U;
-    constexpr std::uint64_t LARGEST_PIXEL = 16; // bytes
+    constexpr std::uint64_t LARGEST_PIXEL = 16;                                     // bytes
+    const std::uint64_t memory = std::min(request.memory, std::uint64_t{1} << 62U); // leaves room for sums
     if (!SHADOW_MEMORY) {
-        limit(RLIMIT_AS, request.memory + addressSpaceInUse());
+        limit(RLIMIT_AS, memory + addressSpaceInUse());
     }
     const std::uint64_t seconds = request.milliseconds / 1000 + 1;
     limit(RLIMIT_CPU, (seconds + 1) * processors(), 1); // some decoders use several threads
     alarm(static_cast<unsigned>(std::min<std::uint64_t>(seconds + 1, 1'000'000'000))); // for when nobody watches
     limit(RLIMIT_CORE, 0);
     limit(RLIMIT_NOFILE, FILES);
-    limit(RLIMIT_FSIZE, std::min(request.memory, request.limits.pixels * LARGEST_PIXEL) + ROOM_FOR_METADATA);
+    limit(RLIMIT_FSIZE, std::min(memory / LARGEST_PIXEL, request.limits.pixels) * LARGEST_PIXEL + ROOM_FOR_METADATA);
     forbidSystemCalls();
 }
 
