@@ -73,6 +73,7 @@ void warnOfLosses(const std::string& name, const Picture& source, Form form) {
 
 void encodePicture(OutputFile& file, const std::string& name, FREE_IMAGE_FORMAT format, Bitmap bitmap, Form form,
                    const Picture& original, int quality) {
+    alsoAsk(FreeImage::getLibraryMessage); // whose component listens in our place from the first picture saved
     listenToFreeImage();
     Bitmap palette;
     if (form == Form::PALETTE8) {

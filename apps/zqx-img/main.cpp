@@ -10,6 +10,7 @@
 
 #include "CommandLine.h"
 #include "Error.h"
+#include "Interrupts.h"
 
 namespace {
 
@@ -48,6 +49,7 @@ int run(CLI::App& program, int argc, char** argv) {
 }
 
 int runProgram(int argc, char** argv) {
+    watchForInterrupts();
     qutil::Log::setReportingLevel(0); // results of components are told in the program's own words
     const std::unique_ptr<CLI::App> program = makeCommandLine();
     return run(*program, argc, argv);
