@@ -15,6 +15,7 @@ constexpr const char* FOOTER = R"(Examples:
   zqx-img apply in.jpg -o out.jpg --set exposure=0.5 --set saturation=1.2
   zqx-img apply in.png -o out.tif --params look.json --before-after compare.png
   zqx-img compare before.png after.png
+  zqx-img apply photos --recursive --output-dir graded --params look.json
   zqx-img denoise noisy.exr --albedo albedo.exr --normal normal.exr -o clean.exr
   zqx-img params --set temperature=5000 -o look.json
   zqx-img lut --params look.json -o look.cube
@@ -22,7 +23,8 @@ constexpr const char* FOOTER = R"(Examples:
 
 "zqx-img COMMAND --help" explains a command. A file name that begins with a dash goes after "--".
 
-Exit codes: 0 done, 1 something failed (nothing is left half written), 2 the command line cannot be meant.
+Exit codes: 0 done, 1 something failed (nothing is left half written), 2 the command line cannot be meant,
+130 interrupted.
 )";
 
 } // namespace

@@ -21,8 +21,8 @@
 #include "Decode.h"
 #include "Depth16.h"
 #include "Encode.h"
-#include "Error.h"
 #include "EncodeOptions.h"
+#include "Error.h"
 
 namespace zqx::img::app {
 

@@ -144,6 +144,7 @@ void warnOfLosses(const std::string& name, const Picture& source, Form form) {
 
 void encodePicture(OutputFile& file, const std::string& name, FREE_IMAGE_FORMAT format, Bitmap bitmap, Form form,
                    const Picture& original, const EncodeOptions& options) {
+    alsoAsk(FreeImage::getLibraryMessage); // whose component listens in our place from the first picture saved
     listenToFreeImage();
     const Metadata metadata = options.stripped(original.metadata);
     finishAlpha(bitmap.get(), format, form, original);

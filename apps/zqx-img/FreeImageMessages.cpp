@@ -2,7 +2,9 @@
 #include "FreeImageMessages.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdarg>
+#include <cstddef>
 
 #if defined(__unix__)
 #include <dlfcn.h>
@@ -14,16 +16,27 @@ namespace zqx::img::app {
 
 namespace {
 
-thread_local std::string tMessages; // pictures are decoded by several threads
+thread_local std::string tMessages;       // pictures are decoded by several threads
+thread_local std::size_t tKnownWords = 0; // of the other listener, from before
+std::atomic<std::string (*)()> gOtherListener = nullptr;
 
-void DLL_CALLCONV noteMessage(FREE_IMAGE_FORMAT, const char* message) {
-    std::string line(message);
+void addMessage(std::string& messages, std::string line) {
     std::ranges::replace_if(
         line, [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
     line.erase(line.find_last_not_of(' ') + 1);
     if (!line.empty()) {
-        tMessages += (tMessages.empty() ? "" : "; ") + line;
+        messages += (messages.empty() ? "" : "; ") + line;
     }
+}
+
+void DLL_CALLCONV noteMessage(FREE_IMAGE_FORMAT, const char* message) {
+    addMessage(tMessages, message);
+}
+
+/// All that the other listener heard on this thread.
+std::string otherWords() {
+    const auto listener = gOtherListener.load();
+    return listener != nullptr ? listener() : std::string();
 }
 
 /// The TIFF decoder's library writes to standard error by itself, at length and about harmless tags. What matters of it
@@ -45,10 +58,19 @@ void listenToFreeImage() {
     static const bool listening = (FreeImage_SetOutputMessage(noteMessage), quietenTiffLibrary(), true);
     (void)listening;
     tMessages.clear();
+    tKnownWords = otherWords().size();
 }
 
-const std::string& freeImageMessages() {
-    return tMessages;
+std::string freeImageMessages() {
+    std::string messages = tMessages;
+    std::string words = otherWords();
+    words.erase(0, tKnownWords);
+    addMessage(messages, words.starts_with("; ") ? words.substr(2) : words);
+    return messages;
+}
+
+void alsoAsk(std::string (*words)()) {
+    gOtherListener = words;
 }
 
 std::string inParentheses(const std::string& words) {
@@ -56,7 +78,7 @@ std::string inParentheses(const std::string& words) {
 }
 
 std::string inItsWords() {
-    return inParentheses(tMessages);
+    return inParentheses(freeImageMessages());
 }
 
 } // namespace zqx::img::app

@@ -9,7 +9,11 @@ namespace zqx::img::app {
 void listenToFreeImage();
 
 /// What FreeImage said on this thread since it last began to listen; empty when nothing.
-const std::string& freeImageMessages();
+std::string freeImageMessages();
+
+/// Asks somebody else, too, who listens to FreeImage on all threads and does not forget while a thread listens here:
+/// FreeImage speaks to the last one who asked it to.
+void alsoAsk(std::string (*words)());
 
 /// " (words)", or nothing where there are none.
 std::string inParentheses(const std::string& words);

@@ -2,23 +2,21 @@
 // Everything that differs between operating systems is in the first half of this file.
 #include "OutputFile.h"
 
-#include <array>
-#include <atomic>
 #include <cerrno>
-#include <csignal>
-#include <cstring>
-#include <filesystem>
 #include <system_error>
 
-#include "Error.h"
 #include "InputFile.h"
+#include "Interrupts.h"
 
 #if defined(_WIN32)
+#define NOMINMAX
 #include <fcntl.h>
 #include <io.h>
 #include <random>
+#include <windows.h>
 #else
 #include <fcntl.h>
+#include <stdio.h> // renameat2
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -28,11 +26,6 @@ namespace zqx::img::app {
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string toName(const fs::path& path) {
-    const std::u8string name = path.u8string();
-    return {name.begin(), name.end()};
-}
 
 std::string directoryOf(const std::string& target) {
     const fs::path parent = toPath(target).parent_path();
@@ -56,59 +49,21 @@ bool storeDurably(std::FILE* stream) {
 bool isWritable(const std::string& name, bool) {
     return _waccess(toPath(name).c_str(), 2) == 0;
 }
-void removeOnSignals(const std::string&) {
-}
-void forgetOnSignals(const std::string&) {
+std::error_code renameToNew(const std::string& from, const std::string& to) {
+    const bool done = MoveFileExW(toPath(from).c_str(), toPath(to).c_str(), 0) != 0;
+    return done ? std::error_code() : std::error_code(static_cast<int>(GetLastError()), std::system_category());
 }
 
 #else
 
-// An interrupted program must not leave its temporaries behind. A signal handler may only touch lock-free memory and
-// call unlink, hence the fixed places and no strings.
-constexpr std::size_t MAX_PATH_BYTES = 4096;
-struct Doomed {
-    std::atomic<bool> used{false};
-    char path[MAX_PATH_BYTES];
-};
-std::array<Doomed, 4> gDoomed;
-
-void removeAndDie(int number) {
-    for (const Doomed& doomed : gDoomed) {
-        if (doomed.used) {
-            unlink(doomed.path);
-        }
-    }
-    std::signal(number, SIG_DFL);
-    std::raise(number);
-}
-
-void handleSignals() {
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        if (std::signal(number, removeAndDie) == SIG_IGN) {
-            std::signal(number, SIG_IGN); // started with nohup or in the background: stay deaf
-        }
-    }
-    std::signal(SIGXFSZ, SIG_IGN); // a file size limit then is an ordinary write error
-}
-
-void removeOnSignals(const std::string& temporary) {
-    static const bool installed = (handleSignals(), true);
-    (void)installed;
-    for (Doomed& doomed : gDoomed) {
-        if (!doomed.used && temporary.size() < MAX_PATH_BYTES) {
-            std::memcpy(doomed.path, temporary.c_str(), temporary.size() + 1);
-            doomed.used = true;
-            return;
-        }
-    }
-}
-
-void forgetOnSignals(const std::string& temporary) {
-    for (Doomed& doomed : gDoomed) {
-        if (doomed.used && temporary == doomed.path) {
-            doomed.used = false;
-        }
-    }
+/// There is no way to read the mask without setting it, which other threads would notice: once, then.
+mode_t newFileMask() {
+    static const mode_t mask = [] {
+        const mode_t present = umask(0);
+        umask(present);
+        return present;
+    }();
+    return mask;
 }
 
 mode_t permissionsFor(const std::string& target) {
@@ -116,9 +71,7 @@ mode_t permissionsFor(const std::string& target) {
     if (stat(target.c_str(), &present) == 0) {
         return present.st_mode & 0777;
     }
-    const mode_t mask = umask(0); // there is no way to read it without setting it
-    umask(mask);
-    return 0666 & ~mask;
+    return 0666 & ~newFileMask();
 }
 
 std::FILE* createBeside(const std::string& target, std::string& temporary) {
@@ -128,7 +81,6 @@ std::FILE* createBeside(const std::string& target, std::string& temporary) {
         temporary.clear();
         return nullptr;
     }
-    removeOnSignals(temporary);
     std::FILE* stream = fchmod(descriptor, permissionsFor(target)) == 0 ? fdopen(descriptor, "wb") : nullptr;
     if (stream == nullptr) {
         const int reason = errno;
@@ -148,7 +100,44 @@ bool isWritable(const std::string& name, bool directory) {
     return faccessat(AT_FDCWD, name.c_str(), directory ? W_OK | X_OK : W_OK, AT_EACCESS) == 0;
 }
 
+std::error_code lastError() {
+    return {errno, std::generic_category()};
+}
+
+/// Renames over a file that was made just for that: the name is ours from then on. Others may see it empty meanwhile.
+std::error_code renameOverPlaceholder(const std::string& from, const std::string& to) {
+    const int placeholder = open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (placeholder < 0) {
+        return lastError();
+    }
+    close(placeholder);
+    if (rename(from.c_str(), to.c_str()) == 0) {
+        return {};
+    }
+    const std::error_code failure = lastError();
+    unlink(to.c_str());
+    return failure;
+}
+
+std::error_code renameToNew(const std::string& from, const std::string& to) {
+#if defined(RENAME_NOREPLACE)
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
+        return {};
+    }
+    if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP) { // which file systems that cannot do it say
+        return lastError();
+    }
 #endif
+    return renameOverPlaceholder(from, to);
+}
+
+#endif
+
+std::error_code renameOver(const std::string& from, const std::string& to) {
+    std::error_code failure;
+    fs::rename(toPath(from), toPath(to), failure);
+    return failure;
+}
 
 /// Follows links at the target's name, also to a file that does not exist yet: writing through a link keeps the link.
 std::string resolveLinks(const std::string& name) {
@@ -203,31 +192,43 @@ std::string checkTarget(const std::string& name) {
 
 } // namespace
 
+std::string toName(const fs::path& path) {
+    const std::u8string name = path.u8string();
+    return {name.begin(), name.end()};
+}
+
 void OutputFile::check(const std::string& name) {
     checkTarget(name);
 }
 
-OutputFile::OutputFile(const std::string& name) : mName(name), mTarget(checkTarget(name)) {
+OutputFile::OutputFile(const std::string& name, Existing existing)
+    : mName(name), mTarget(checkTarget(name)), mExisting(existing) {
+    TemporaryFiles temporaries;
     mStream = createBeside(mTarget, mTemporary);
-    if (mStream == nullptr) {
-        const int reason = errno;
-        closeStream();
-        throw Error(mName, "cannot be created (" + describe(reason) + ")");
+    if (mStream != nullptr) {
+        temporaries.add(mTemporary);
+        return;
     }
+    const int reason = errno;
+    if (!mTemporary.empty()) {
+        removeFile(mTemporary);
+    }
+    throw Error(mName, "cannot be created (" + describe(reason) + ")");
 }
 
 OutputFile::~OutputFile() {
-    closeStream();
+    discard();
 }
 
-void OutputFile::closeStream() {
+void OutputFile::discard() {
     if (mStream != nullptr) {
         std::fclose(mStream);
         mStream = nullptr;
     }
     if (!mTemporary.empty()) {
+        TemporaryFiles temporaries;
         removeFile(mTemporary);
-        forgetOnSignals(mTemporary);
+        temporaries.forget(mTemporary);
         mTemporary.clear();
     }
 }
@@ -257,17 +258,24 @@ void OutputFile::commit() {
         noteFailure();
     }
     if (hasFailed()) {
-        closeStream();
+        discard();
         throw Error(mName, "could not be written (" + describe(mFailure) + "), nothing was changed");
     }
     std::error_code failure;
-    fs::rename(toPath(mTemporary), toPath(mTarget), failure);
-    if (failure) {
-        closeStream();
-        throw Error(mName, "could not be put in place (" + failure.message() + "), nothing was changed");
+    {
+        TemporaryFiles temporaries;
+        failure = mExisting == Existing::KEEP ? renameToNew(mTemporary, mTarget) : renameOver(mTemporary, mTarget);
+        if (!failure) {
+            temporaries.forget(mTemporary);
+            mTemporary.clear();
+            return;
+        }
     }
-    forgetOnSignals(mTemporary);
-    mTemporary.clear();
+    discard();
+    if (failure == std::errc::file_exists) {
+        throw FileExists(mName);
+    }
+    throw Error(mName, "could not be put in place (" + failure.message() + "), nothing was changed");
 }
 
 } // namespace zqx::img::app

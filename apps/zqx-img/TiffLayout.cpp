@@ -41,8 +41,7 @@ public:
         if (mDirectory == 0 || stated == 0 || stated > UINT16_MAX) {
             return std::nullopt;
         }
-        const std::string entries =
-            mFile.readAt(mDirectory + mCountSize, static_cast<std::size_t>(stated) * entrySize);
+        const std::string entries = mFile.readAt(mDirectory + mCountSize, static_cast<std::size_t>(stated) * entrySize);
         TiffLayout layout;
         for (std::size_t entry = 0; entry + entrySize <= entries.size(); entry += entrySize) {
             note(layout, entries, entry);

@@ -15,6 +15,7 @@
 
 #include "CommandLine.h"
 #include "Error.h"
+#include "Interrupts.h"
 
 namespace {
 
@@ -67,6 +68,7 @@ int run(CLI::App& program, int argc, char** argv) {
 }
 
 int runProgram(int argc, char** argv) {
+    watchForInterrupts();
     qutil::Log::setReportingLevel(0); // results of components are told in the program's own words
     const std::unique_ptr<CLI::App> program = makeCommandLine();
     return run(*program, argc, argv);

@@ -1,7 +1,7 @@
 // Processes for the tests. Output goes through unnamed files, so that nothing can block and nothing is left behind.
 #include "Process.h"
 
-#include <cstdio>
+#include <csignal>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -29,29 +29,38 @@ std::string contentOf(std::FILE* file) {
 
 } // namespace
 
-Outcome runCommand(const std::vector<std::string>& command) {
+BackgroundCommand::BackgroundCommand(const std::vector<std::string>& command)
+    : mOut(std::tmpfile()), mErr(std::tmpfile()) {
     std::vector<char*> arguments;
     for (const std::string& argument : command) {
         arguments.push_back(const_cast<char*>(argument.c_str()));
     }
     arguments.push_back(nullptr);
-    std::FILE* out = std::tmpfile();
-    std::FILE* err = std::tmpfile();
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", 0, 0);
-    posix_spawn_file_actions_adddup2(&actions, fileno(out), STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, fileno(err), STDERR_FILENO);
-    pid_t process = 0;
-    const int failure = posix_spawnp(&process, arguments[0], &actions, nullptr, arguments.data(), environ);
+    posix_spawn_file_actions_adddup2(&actions, fileno(mOut), STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, fileno(mErr), STDERR_FILENO);
+    const int failure = posix_spawnp(&mProcess, arguments[0], &actions, nullptr, arguments.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (failure != 0) {
         throw std::runtime_error("cannot run " + command[0]);
     }
+}
+
+void BackgroundCommand::sendSignal(int number) const {
+    kill(mProcess, number);
+}
+
+Outcome BackgroundCommand::wait() {
     int status = 0;
-    waitpid(process, &status, 0);
+    waitpid(mProcess, &status, 0);
     const int exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return {exitCode, contentOf(out), contentOf(err)};
+    return {exitCode, contentOf(mOut), contentOf(mErr)};
+}
+
+Outcome runCommand(const std::vector<std::string>& command) {
+    return BackgroundCommand(command).wait();
 }
 
 std::string readFile(const fs::path& path) {

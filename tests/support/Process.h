@@ -1,6 +1,7 @@
 // Runs programs as a user would, and hands files over to them.
 #pragma once
 
+#include <cstdio>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -15,6 +16,20 @@ struct Outcome {
 
 /// Runs a program found by its path, or else through PATH, and waits for it.
 Outcome runCommand(const std::vector<std::string>& command);
+
+/// A program that goes on while the test does. To be waited for once.
+class BackgroundCommand {
+public:
+    explicit BackgroundCommand(const std::vector<std::string>& command);
+
+    void sendSignal(int number) const;
+    Outcome wait();
+
+private:
+    int mProcess = 0;
+    std::FILE* mOut;
+    std::FILE* mErr;
+};
 
 std::string readFile(const std::filesystem::path& path);
 void writeFile(const std::filesystem::path& path, const std::string& content);

@@ -1,0 +1,177 @@
+// Worker threads take pictures from the plan in its order; the main thread looks after the progress line.
+#include "BatchRun.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <filesystem>
+#include <mutex>
+#include <new>
+#include <system_error>
+#include <thread>
+
+#include "Error.h"
+#include "InputFile.h"
+#include "OutputFile.h"
+
+namespace zqx::img::app {
+
+namespace {
+
+using Action = PlannedPicture::Action;
+using Status = PictureRecord::Status;
+
+class Batch {
+public:
+    Batch(const std::vector<PlannedPicture>& plan, const std::string& comparison, const ApplySettings& settings,
+          unsigned threads, MemoryGate& gate, RunReport& report)
+        : mPlan(plan), mComparison(comparison), mSettings(settings), mThreads(threads), mGate(gate), mReport(report) {}
+
+    void run(unsigned jobs) {
+        std::vector<std::jthread> workers;
+        for (unsigned i = 0; i < jobs; ++i) {
+            try {
+                start(workers);
+            } catch (const std::system_error&) { // the system has no more threads to give
+                if (workers.empty()) {
+                    throw;
+                }
+                break;
+            }
+        }
+        waitForWorkers();
+    }
+
+private:
+    void start(std::vector<std::jthread>& workers) {
+        {
+            const std::lock_guard lock(mMutex);
+            ++mWorking;
+        }
+        try {
+            workers.emplace_back([this] { work(); });
+        } catch (...) {
+            stopWorking();
+            throw;
+        }
+    }
+
+    void waitForWorkers() {
+        constexpr std::chrono::milliseconds TICK(100);
+        std::unique_lock lock(mMutex);
+        while (!mChange.wait_for(lock, TICK, [this] { return mWorking == 0; })) {
+            mReport.tick();
+        }
+    }
+
+    void stopWorking() {
+        const std::lock_guard lock(mMutex);
+        --mWorking;
+        mChange.notify_all();
+    }
+
+    const PlannedPicture* next() {
+        const std::lock_guard lock(mMutex);
+        while (mNext < mPlan.size() && mPlan[mNext].action == Action::SKIP) {
+            ++mNext;
+        }
+        return mNext < mPlan.size() ? &mPlan[mNext++] : nullptr;
+    }
+
+    void work() {
+        useThreads(mThreads);
+        for (const PlannedPicture* picture = next(); picture != nullptr && mReport.isHeard(); picture = next()) {
+            mReport.finish(process(*picture));
+        }
+        stopWorking();
+    }
+
+    PictureRecord process(const PlannedPicture& picture) {
+        PictureRecord record{picture.input, picture.output, Status::FAILED};
+        const WarningListener listener([&](const std::string& line) {
+            record.warnings.push_back(line);
+            mReport.warning(line);
+        });
+        try {
+            const MemoryGate::Share share = mGate.admit(picture.input, need(picture));
+            mReport.begin(picture.input);
+            record.result = applyToPicture({picture.input, picture.output, mComparison}, mSettings);
+            record.status = Status::WRITTEN;
+        } catch (const FileExists&) { // not when the run was planned, but now
+            record.status = Status::SKIPPED;
+            record.reason = "exists";
+        } catch (const Error& error) {
+            record.reason = error.what();
+        } catch (const std::bad_alloc&) {
+            record.reason = picture.input + ": there is not enough memory for this";
+        } catch (const std::exception& error) {
+            record.reason = picture.input + ": unexpected failure: " + error.what();
+        }
+        return record;
+    }
+
+    std::uint64_t need(const PlannedPicture& picture) const {
+        std::vector<std::string> outputs{picture.output};
+        if (!mComparison.empty()) {
+            outputs.push_back(mComparison);
+        }
+        return memoryNeed(picture.input, outputs);
+    }
+
+    const std::vector<PlannedPicture>& mPlan;
+    const std::string& mComparison;
+    const ApplySettings& mSettings;
+    const unsigned mThreads;
+    MemoryGate& mGate;
+    RunReport& mReport;
+    std::mutex mMutex;
+    std::condition_variable mChange;
+    std::size_t mNext = 0;
+    unsigned mWorking = 0;
+};
+
+void reportSkipped(const std::vector<PlannedPicture>& plan, RunReport& report) {
+    for (const PlannedPicture& picture : plan) {
+        if (picture.action == Action::SKIP) {
+            report.finish({picture.input, picture.output, Status::SKIPPED, picture.reason});
+        }
+    }
+}
+
+PictureRecord rehearse(const PlannedPicture& picture, bool makesFolders) {
+    PictureRecord record{picture.input, picture.output, Status::PLANNED};
+    if (picture.action == Action::SKIP) {
+        record.status = Status::SKIPPED;
+        record.reason = picture.reason;
+        return record;
+    }
+    try {
+        const InputFile readable(picture.input);
+        std::error_code failure;
+        if (!makesFolders || std::filesystem::exists(toPath(picture.output).parent_path(), failure)) {
+            OutputFile::check(picture.output);
+        }
+        record.reason = picture.action == Action::REPLACE ? "would replace" : "";
+    } catch (const Error& error) {
+        record.status = Status::FAILED;
+        record.reason = error.what();
+    }
+    return record;
+}
+
+} // namespace
+
+void runBatch(const std::vector<PlannedPicture>& plan, const std::string& comparison, const ApplySettings& settings,
+              const WorkSplit& split, MemoryGate& gate, RunReport& report) {
+    reportSkipped(plan, report);
+    Batch(plan, comparison, settings, split.threads, gate, report).run(split.jobs);
+}
+
+void rehearseBatch(const std::vector<PlannedPicture>& plan, bool makesFolders, RunReport& report) {
+    for (const PlannedPicture& picture : plan) {
+        report.finish(rehearse(picture, makesFolders));
+    }
+}
+
+} // namespace zqx::img::app
