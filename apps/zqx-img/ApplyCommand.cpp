@@ -1,7 +1,5 @@
 // apply: load, adjust, save. The pipeline renders straight from the loaded bitmap into the one to be saved.
-#include <algorithm>
 #include <filesystem>
-#include <limits>
 #include <memory>
 
 #include <CLI/CLI.hpp>
@@ -12,6 +10,8 @@
 #include "Error.h"
 #include "ParameterTable.h"
 #include "QualityOption.h"
+#include "Render.h"
+#include "SplitPicture.h"
 
 namespace zqx::img::app {
 
@@ -27,51 +27,6 @@ struct ApplyOptions {
     LoadOptions loading;
     int quality = DEFAULT_QUALITY;
 };
-
-bool isNeutral(ColorGrading grading) {
-    if (grading.getGradientMapIntensity() == 0.0F) {
-        grading.setGradientMap(ColorGradient()); // has no say
-    }
-    return grading.compare(ColorGrading()) == 0;
-}
-
-/// The stages that have work to do. Neutral grading still moves 8-bit codes, so it has to be left out to keep pixels.
-int neededStages(const Pipeline& pipeline) {
-    const int always = Pipeline::STAGE_INVERSION | Pipeline::STAGE_SHARPEN | Pipeline::STAGE_FLIP;
-    return isNeutral(pipeline.getColorGrading()) ? always : always | Pipeline::STAGE_COLOR_GRADING;
-}
-
-Bitmap render(const Pipeline& pipeline, const Picture& source, Form form) {
-    Bitmap bitmap = allocateBitmap(form, source.width(), source.height());
-    Image view = viewOf(bitmap, form);
-    pipeline.execute(view);
-    return bitmap;
-}
-
-void fillWhite(Image& image, std::size_t x, std::size_t y) {
-    auto* pixel = static_cast<unsigned char*>(image.getPixelPtr(x, y));
-    if (image.hasFloatFormat()) {
-        std::fill_n(reinterpret_cast<float*>(pixel), image.getBytePixelStride() / sizeof(float), 1.0F);
-    } else {
-        std::fill_n(pixel, image.getBytePixelStride(), std::numeric_limits<unsigned char>::max());
-    }
-}
-
-/// Puts the untouched source over the left half of the result and a white line of two pixels between them.
-void splitWith(const Bitmap& after, Form form, Pipeline pipeline, const Picture& source) {
-    pipeline.setActiveStages(0);
-    const Bitmap before = render(pipeline, source, form);
-    const Image left = viewOf(before, form);
-    Image image = viewOf(after, form);
-    const std::size_t middle = image.getWidth() / 2;
-    for (std::size_t y = 0; y < image.getHeight(); ++y) {
-        const auto* from = static_cast<const unsigned char*>(left.getRowPtr(y));
-        std::copy_n(from, middle * left.getBytePixelStride(), static_cast<unsigned char*>(image.getRowPtr(y)));
-        for (std::size_t x = middle > 0 ? middle - 1 : 0; x < std::min(middle + 1, image.getWidth()); ++x) {
-            fillWhite(image, x, y);
-        }
-    }
-}
 
 bool isSameFile(const std::string& a, const std::string& b) {
     std::error_code failure;
@@ -117,8 +72,7 @@ void runApply(const ApplyOptions& options) {
     }
     Pipeline pipeline = options.adjustments.makePipeline();
     const Picture source = loadPicture(options.input, options.loading);
-    pipeline.setActiveStages(neededStages(pipeline));
-    pipeline.setInputImage(std::make_shared<Image>(viewOf(source.bitmap, source.form)));
+    connect(pipeline, source);
     for (Target& target : targets) {
         writeTarget(target, pipeline, source, options, &target != &targets.front());
     }

@@ -15,6 +15,8 @@ namespace {
 constexpr const char* FOOTER = R"(Examples:
   zqx-img apply in.jpg -o out.jpg --set exposure=0.5 --set saturation=1.2
   zqx-img apply in.png -o out.tif --params look.json --before-after compare.png
+  zqx-img preview in.jpg -o sheet.png --sheet warm.json cool.json
+  zqx-img histogram in.jpg
   zqx-img denoise noisy.exr --albedo albedo.exr --normal normal.exr -o clean.exr
   zqx-img params --set temperature=5000 -o look.json
   zqx-img lut --params look.json -o look.cube
@@ -35,6 +37,8 @@ std::unique_ptr<CLI::App> makeCommandLine() {
     program->require_subcommand(1);
     program->footer(FOOTER);
     addApplyCommand(*program);
+    addPreviewCommand(*program);
+    addHistogramCommand(*program);
     addDenoiseCommand(*program);
     addParamsCommand(*program);
     addLutCommand(*program);

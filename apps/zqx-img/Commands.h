@@ -9,6 +9,10 @@ namespace zqx::img::app {
 
 /// apply: adjusts a picture file.
 void addApplyCommand(CLI::App& program);
+/// preview: a small version of an adjusted picture, or a sheet of several.
+void addPreviewCommand(CLI::App& program);
+/// histogram: the values of a picture, drawn or counted.
+void addHistogramCommand(CLI::App& program);
 /// denoise: removes the noise of a render with the help of its albedo and normals.
 void addDenoiseCommand(CLI::App& program);
 /// params: writes the parameter document of the adjustments asked for.

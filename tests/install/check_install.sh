@@ -17,6 +17,7 @@ program=$place/moved/bin/zqx-img
 [[ $(ldd "$program") == *"$place/moved/"*libzqx_img.so* ]] || fail "the program does not find its own library"
 "$program" apply "$picture" -o "$place/graded.png" --set exposure=1
 "$program" info "$place/graded.png" | grep --quiet PNG || fail "the written picture is not a PNG"
+"$program" histogram "$picture" -o "$place/histogram.png" || fail "the program does not find its drawing module"
 
 [[ $carries_denoiser == ON ]] || exit 0
 render=$(dirname "$picture")/render

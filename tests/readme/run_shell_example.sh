@@ -8,4 +8,4 @@ commands=$("$(dirname "$(readlink -f "$0")")/extract_example.sh" sh "$1/README.m
 [[ -n $commands ]]
 cd "$folder"
 PATH=$2:$PATH bash -euxc "$commands"
-[[ -s warm.jpg && -s crisp.png && -s split.png && -s look.png && -s look.cube ]]
+[[ -s warm.jpg && -s crisp.png && -s split.png && -s look.png && -s look.cube && -s sheet.png && -s histogram.png ]]
