@@ -16,6 +16,8 @@ constexpr const char* FOOTER = R"(Examples:
   zqx-img apply in.png -o out.tif --params look.json --before-after compare.png
   zqx-img compare before.png after.png
   zqx-img apply photos --recursive --output-dir graded --params look.json
+  zqx-img preview in.jpg -o sheet.png --sheet warm.json cool.json
+  zqx-img histogram in.jpg
   zqx-img denoise noisy.exr --albedo albedo.exr --normal normal.exr -o clean.exr
   zqx-img params --set temperature=5000 -o look.json
   zqx-img lut --params look.json -o look.cube
@@ -39,6 +41,8 @@ std::unique_ptr<CLI::App> makeCommandLine() {
     program->footer(FOOTER);
     addApplyCommand(*program);
     addCompareCommand(*program);
+    addPreviewCommand(*program);
+    addHistogramCommand(*program);
     addDenoiseCommand(*program);
     addParamsCommand(*program);
     addLutCommand(*program);

@@ -11,6 +11,10 @@ namespace zqx::img::app {
 void addApplyCommand(CLI::App& program);
 /// compare: tells how far two pictures are from each other.
 void addCompareCommand(CLI::App& program);
+/// preview: a small version of an adjusted picture, or a sheet of several.
+void addPreviewCommand(CLI::App& program);
+/// histogram: the values of a picture, drawn or counted.
+void addHistogramCommand(CLI::App& program);
 /// denoise: removes the noise of a render with the help of its albedo and normals.
 void addDenoiseCommand(CLI::App& program);
 /// params: writes the parameter document of the adjustments asked for.

@@ -5,13 +5,26 @@
 
 namespace zqx::img::test {
 
+namespace {
+
+/// The file with the leaks of others that a command is known to show, and null for most: a suppression may hide leaks
+/// of our own, too.
+const char* leakSuppression(const std::vector<std::string>& arguments) {
+    if (std::ranges::any_of(arguments, [](const std::string& name) { return name.ends_with(".psd"); })) {
+        return ZQX_PSD_LEAK_SUPPRESSION;
+    }
+    const bool draws = !arguments.empty() && (arguments.front() == "preview" || arguments.front() == "histogram");
+    return draws ? ZQX_FONTCONFIG_LEAK_SUPPRESSION : nullptr;
+}
+
+} // namespace
+
 Outcome ProgramTest::zqxImg(std::vector<std::string> arguments) {
-    const bool writesPsd =
-        std::ranges::any_of(arguments, [](const std::string& name) { return name.ends_with(".psd"); });
+    const char* suppression = leakSuppression(arguments);
     arguments.insert(arguments.begin(), ZQX_PROGRAM);
-    if (writesPsd) { // only where it is known to: the suppression would hide leaks of our own bitmaps, too
+    if (suppression != nullptr) {
         arguments.insert(arguments.begin(),
-                         {"env", "LSAN_OPTIONS=print_suppressions=0:suppressions=" ZQX_PSD_LEAK_SUPPRESSION});
+                         {"env", "LSAN_OPTIONS=print_suppressions=0:suppressions=" + std::string(suppression)});
     }
     return runCommand(arguments);
 }

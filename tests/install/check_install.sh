@@ -26,6 +26,7 @@ program_runs() {
     "$program" apply "$1" -o "$place/graded.png" --set exposure=1
     "$program" apply "$1" -o "$place/isolated.png" --set exposure=1 --isolate
     cmp "$place/graded.png" "$place/isolated.png" || fail "decoding in a process of its own gives another picture"
+    "$program" histogram "$1" -o "$place/histogram.png" || fail "the program does not find its drawing module"
     "$program" info "$place/graded.png" | grep PNG >/dev/null || fail "the written picture is not a PNG"
     [[ $2 == ON ]] || return 0
     render=$(dirname "$1")/render
