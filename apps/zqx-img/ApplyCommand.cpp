@@ -133,11 +133,15 @@ stay 8-bit, float pictures (EXR, HDR, PFM, float TIFF) stay float where the outp
 of a look that adds colour they take its red. INPUT and OUTPUT may be the same file; OUTPUT appears whole or not at all.
 What is left neutral keeps every pixel exactly.
 
+The colour profile, Exif, XMP, IPTC and comments travel into OUTPUT as far as its format can hold them; what it cannot
+is told, and --strip leaves them out. Thumbnails stay behind, since they show the picture as it was.
+
 Examples:
   zqx-img apply in.jpg -o out.jpg --set exposure=0.5 --set shadow=0.3 --quality 95
   zqx-img apply in.png -o out.png --params look.json --set saturation=0
   zqx-img apply in.png -o out.png --set gradient.intensity=1 --set gradient.white=1,0.8,0.6
   zqx-img apply in.exr -o out.png --set exposure=-1 --before-after compare.png
+  zqx-img apply in.jpg -o public.jpg --strip exif,xmp,iptc
 
 Exit codes: 0 done, 1 something failed, 2 the command line cannot be meant.
 )";
