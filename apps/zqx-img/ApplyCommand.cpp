@@ -170,6 +170,9 @@ in front, {dir} the input's folder below the folder that was named. A brace itse
 A picture that fails does not stop the others. Interrupted (Ctrl-C), a run leaves no partial file; the same command with
 --update goes on from there.
 
+The colour profile, Exif, XMP, IPTC and comments travel into OUTPUT as far as its format can hold them; what it cannot
+is told, and --strip leaves them out. Thumbnails stay behind, since they show the picture as it was.
+
 Examples:
   zqx-img apply in.jpg -o out.jpg --set exposure=0.5 --set shadow=0.3 --quality 95
   zqx-img apply in.png -o out.png --params look.json --set saturation=0
@@ -177,6 +180,7 @@ Examples:
   zqx-img apply in.exr -o out.png --set exposure=-1 --before-after compare.png
   zqx-img apply photos --recursive --output-dir graded --params look.json --update
   zqx-img apply *.tif --output-dir web --name "{stem}_{n:04}.jpg" --dry-run
+  zqx-img apply in.jpg -o public.jpg --strip exif,xmp,iptc
 
 Exit codes: 0 done, 1 something failed (with many pictures: at least one), 2 the command line cannot be meant,
 130 interrupted.

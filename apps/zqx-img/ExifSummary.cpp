@@ -1,7 +1,7 @@
 // The handful of Exif tags that "info" tells.
 #include "ExifSummary.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "Exiv2Library.h"
 

@@ -2,9 +2,8 @@
 #include "ExifTags.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <span>
 #include <string_view>
 
@@ -138,12 +137,6 @@ void exchangeResolutions(Exiv2::ExifData& tags) {
     y->setValue(former.get());
 }
 
-bool isSame(const Resolution& a, const Resolution& b) {
-    constexpr double ROUNDED_TO_WHOLE_DOTS_PER_METRE = 1.0;
-    return std::abs(a.x - b.x) < ROUNDED_TO_WHOLE_DOTS_PER_METRE &&
-           std::abs(a.y - b.y) < ROUNDED_TO_WHOLE_DOTS_PER_METRE;
-}
-
 bool isResolution(const Exiv2::Exifdatum& tag) {
     return isIn(tag, MAIN_GROUP) &&
            (tag.tag() == X_RESOLUTION || tag.tag() == Y_RESOLUTION || tag.tag() == RESOLUTION_UNIT);
@@ -256,12 +249,7 @@ void setSize(Exiv2::ExifData& tags, unsigned width, unsigned height) {
 }
 
 void addToTiff(Exiv2::ExifData& file, const Exiv2::ExifData& tags) {
-    const std::optional<Resolution> ofFile = resolutionOf(file);
-    const std::optional<Resolution> ofTags = resolutionOf(tags);
-    const bool sameResolution = ofFile && ofTags && isSame(*ofFile, *ofTags);
-    const auto isTaken = [&](const Exiv2::Exifdatum& tag) {
-        return !isOrientation(tag) && (sameResolution || !isResolution(tag));
-    };
+    const auto isTaken = [](const Exiv2::Exifdatum& tag) { return !isOrientation(tag) && !isResolution(tag); };
     for (const Exiv2::Exifdatum& tag : tags) {
         if (isTaken(tag) && isIn(tag, MAIN_GROUP)) {
             eraseIf(file, [&](const Exiv2::Exifdatum& old) { return old.tag() == tag.tag() && isIn(old, MAIN_GROUP); });

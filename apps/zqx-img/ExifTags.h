@@ -29,8 +29,7 @@ bool tellSomething(const Exiv2::ExifData& tags);
 /// Says how large the picture is now, where the tags say it at all.
 void setSize(Exiv2::ExifData& tags, unsigned width, unsigned height);
 
-/// Adds the tags to those of a TIFF file, which has orientation and resolution of its own: these are only taken over
-/// where they are the same with less rounding.
+/// Adds the tags to those of a TIFF file, which has orientation and resolution of its own.
 void addToTiff(Exiv2::ExifData& file, const Exiv2::ExifData& tags);
 
 } // namespace zqx::img::app

@@ -2,7 +2,9 @@
 #include "MetadataReader.h"
 
 #include <cmath>
+#include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 
@@ -30,14 +32,14 @@ bool hasMetadata(FREE_IMAGE_FORMAT format) {
     }
 }
 
-/// Not by the file's name, which Exiv2 would also take for an address in the network.
-auto openFile(const std::string& name) {
-    using IoPointer = decltype(Exiv2::ImageFactory::createIo(std::string(), false));
+std::unique_ptr<Exiv2::Image> openFile(const std::string& name) {
+    // Exiv2 takes names that begin like an address in the network for one. Absolute paths do not.
+    const std::filesystem::path path = std::filesystem::absolute(toPath(name));
 #if defined(_WIN32) && defined(EXV_UNICODE_PATH)
-    return Exiv2::ImageFactory::open(IoPointer(new Exiv2::FileIo(toPath(name).wstring())));
+    return std::unique_ptr<Exiv2::Image>(Exiv2::ImageFactory::open(path.wstring()).release());
 #else
     // On Windows, without that option, files whose names the code page does not have are read without metadata.
-    return Exiv2::ImageFactory::open(IoPointer(new Exiv2::FileIo(toPath(name).string())));
+    return std::unique_ptr<Exiv2::Image>(Exiv2::ImageFactory::open(path.string()).release());
 #endif
 }
 

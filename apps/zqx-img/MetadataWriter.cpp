@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <exception>
 #include <limits>
+#include <memory>
 #include <vector>
 
 #include "Error.h"
@@ -33,7 +34,7 @@ std::string areLeftOut(const Kinds& kinds) {
 }
 
 using ImageType = decltype(Exiv2::ImageFactory::getType(nullptr, Exiv2Size()));
-using ImagePointer = decltype(Exiv2::ImageFactory::open(nullptr, Exiv2Size()));
+using ImagePointer = std::unique_ptr<Exiv2::Image>; // which it is not in all versions of Exiv2
 
 const Exiv2::byte* dataOf(std::string_view encoded) {
     return reinterpret_cast<const Exiv2::byte*>(encoded.data());
@@ -67,29 +68,36 @@ public:
         return chosen;
     }
 
-    /// The picture with all of the kinds in it, or where that fails, with each that goes in by itself; empty where none
-    /// does.
-    ImagePointer tryAll(const Kinds& kinds) const {
+    /// The picture with all of the kinds in it, or where that fails, with those that go in by themselves; empty where
+    /// none does. Warns of the others.
+    ImagePointer putIn(const Kinds& kinds) const {
         std::string reason;
-        try {
-            return rewritten(kinds);
-        } catch (const std::exception& failure) {
-            reason = wordsOf(failure);
+        if (ImagePointer image = attempt(kinds, reason)) {
+            return image;
         }
         Kinds workable;
         for (const Kind& kind : kinds) {
-            if (kinds.size() > 1 && tryAll({kind}).get() != nullptr) {
+            if (kinds.size() > 1 && attempt({kind}, reason)) {
                 workable.push_back(kind);
+            } else {
+                warnOfFailure({kind}, reason);
             }
         }
-        if (kinds.size() == 1 || workable.size() == kinds.size()) {
-            warn(mName, namesOf(kinds) + " cannot be written (" + reason + "), " + areLeftOut(kinds));
-            return ImagePointer();
+        if (workable.empty()) {
+            return nullptr;
         }
-        return workable.empty() ? ImagePointer() : tryAll(workable);
+        ImagePointer image = attempt(workable, reason);
+        if (!image) {
+            warnOfFailure(workable, reason);
+        }
+        return image;
     }
 
 private:
+    void warnOfFailure(const Kinds& kinds, const std::string& reason) const {
+        warn(mName, namesOf(kinds) + " cannot be written (" + reason + "), " + areLeftOut(kinds));
+    }
+
     bool canHold(const Kind& kind) const {
         if (mType == ImageType{}) {
             return false; // nothing that Exiv2 knows
@@ -130,14 +138,21 @@ private:
         }
     }
 
-    ImagePointer rewritten(const Kinds& kinds) const {
-        auto image = Exiv2::ImageFactory::open(dataOf(mEncoded), static_cast<Exiv2Size>(mEncoded.size()));
-        image->readMetadata();
-        for (const Kind& kind : kinds) {
-            put(*image, kind);
+    /// The picture with the kinds in it; empty, and a reason, where Exiv2 refuses.
+    ImagePointer attempt(const Kinds& kinds, std::string& reason) const {
+        try {
+            ImagePointer image(
+                Exiv2::ImageFactory::open(dataOf(mEncoded), static_cast<Exiv2Size>(mEncoded.size())).release());
+            image->readMetadata();
+            for (const Kind& kind : kinds) {
+                put(*image, kind);
+            }
+            image->writeMetadata();
+            return image;
+        } catch (const std::exception& failure) {
+            reason = wordsOf(failure);
         }
-        image->writeMetadata();
-        return image;
+        return nullptr;
     }
 
     const std::string& mName;
@@ -154,11 +169,11 @@ ImagePointer rewrite(const std::string& name, std::string_view encoded, const Me
     try {
         const Work work(name, encoded, metadata, width, height);
         const Kinds kinds = work.choose();
-        return kinds.empty() ? ImagePointer() : work.tryAll(kinds);
+        return kinds.empty() ? nullptr : work.putIn(kinds);
     } catch (const std::exception& failure) {
         warn(name, "its metadata cannot be written (" + wordsOf(failure) + "), it is left out");
     }
-    return ImagePointer();
+    return nullptr;
 }
 
 } // namespace
@@ -170,7 +185,7 @@ void writeWithMetadata(const std::string& name, std::string_view encoded, const 
         return;
     }
     const ImagePointer image = rewrite(name, encoded, metadata, width, height);
-    if (image.get() == nullptr) {
+    if (!image) {
         consumer(encoded);
         return;
     }

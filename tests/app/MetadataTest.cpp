@@ -31,7 +31,7 @@ class AppMetadataTest : public test::DirectoryTest {
 protected:
     /// A picture whose file holds the metadata.
     std::string writePicture(const std::string& fileName, const Metadata& metadata) const {
-        Picture picture{allocateBitmap(Form::RGB8, 32, 16), Form::RGB8, Form::RGB8, metadata};
+        Picture picture{allocateBitmap(Form::RGB8, 32, 16), Form::RGB8, Form::RGB8, AlphaKind::STRAIGHT, metadata};
         const std::string name = at(fileName);
         OutputFile file(name);
         encodePicture(file, name, outputFormat(name), allocateBitmap(Form::RGB8, 32, 16), Form::RGB8, picture, {});

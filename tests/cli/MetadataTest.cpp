@@ -111,13 +111,37 @@ INSTANTIATE_TEST_SUITE_P(EachFormat, MetadataTest, ::testing::ValuesIn(EACH_FORM
                          [](const auto& test) { return test.param; });
 
 TEST_F(MetadataTest, MetadataDoesNotTouchPixels) {
-    const std::string in = plainPicture("png");
-    for (const char* extension : {"png", "tif", "psd"}) {
-        const std::string out = at(std::string("out.") + extension);
-        writeTags(in, assignments());
-        succeed({"apply", in, "-o", out});
-        EXPECT_TRUE(isIdentical(readPicture(out), paint(WIDTH, HEIGHT, 24, motley))) << extension;
+    const struct {
+        Bitmap bitmap;
+        Strings extensions;
+    } pictures[] = {{paint(29, 14, 24, motley), {"png", "tif", "psd"}},
+                    {paint(29, 14, 32, motley), {"png", "tif", "psd"}},
+                    {fillSamples(FIT_RGBF, 96, 29, 14), {"tif"}},
+                    {fillSamples(FIT_RGBAF, 128, 29, 14), {"tif"}}};
+    for (const auto& [bitmap, extensions] : pictures) {
+        for (const std::string& extension : extensions) {
+            const std::string in = at("in." + extension);
+            const std::string out = at("out." + extension);
+            writePicture(in, bitmap);
+            writeTags(in, assignments());
+            succeed({"apply", in, "-o", out});
+            EXPECT_EQ(tagsOf(out, TAGS), VALUES) << extension;
+            EXPECT_TRUE(isIdentical(readPicture(out), bitmap)) << extension << ' ' << FreeImage_GetBPP(bitmap.get());
+        }
     }
+}
+
+TEST_F(MetadataTest, WebpKeepsAlphaBesideMetadata) {
+    writePicture(at("in.png"), paint(16, 16, 32, [](unsigned x, unsigned) {
+                     return Rgba{200, 100, 50, x < 8 ? 255 : 0};
+                 }));
+    writeTags(at("in.png"), {"-EXIF:Make=Tester", "-XMP-dc:Title=A title"});
+    succeed({"apply", at("in.png"), "-o", at("out.webp")});
+    EXPECT_EQ(tagsOf(at("out.webp"), {"EXIF:Make", "XMP-dc:Title"}), (Strings{"Tester", "A title"}));
+    const Bitmap out = readPicture(at("out.webp"));
+    ASSERT_EQ(FreeImage_GetBPP(out.get()), 32U);
+    EXPECT_EQ(pixelAt(out, 2, 2).a, 255);
+    EXPECT_EQ(pixelAt(out, 12, 12).a, 0);
 }
 
 TEST_F(MetadataTest, WhatAFormatCannotHoldIsToldOnce) {
@@ -199,6 +223,8 @@ TEST_F(MetadataTest, ExifInPngCommentsIsExif) {
     EXPECT_EQ(FreeImage_GetWidth(readPicture(at("out.png")).get()), 20U);
     const std::string all = runCommand({"exiftool", "-a", "-s3", "-n", "-Orientation", at("out.png")}).out;
     EXPECT_EQ(all, "1\n"); // and no second one that was copied as a comment
+    succeed({"apply", at("in.png"), "-o", at("stripped.png"), "--strip", "exif"});
+    EXPECT_EQ(tagOf(at("stripped.png"), "EXIF:Orientation"), "-");
 }
 
 TEST_F(MetadataTest, StripLeavesOutWhatIsNamed) {
@@ -334,7 +360,7 @@ TEST_F(MetadataTest, FileNamesThatLookLikeAddressesAreFiles) {
     writePicture(in, paint(WIDTH, HEIGHT, 24, motley));
     writeTags(in, assignments());
     const Outcome outcome =
-        runCommand({"sh", "-c", "cd \"$1\" && \"$0\" apply data:/in.jpg -o out.jpg", ZQX_PROGRAM, at("")});
+        runCommand({"sh", "-c", "cd \"$1\" && \"$0\" apply data://in.jpg -o out.jpg", ZQX_PROGRAM, at("")});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
     EXPECT_EQ(tagsOf(at("out.jpg"), TAGS), VALUES);
 }
