@@ -136,7 +136,7 @@ void runApply(const ApplyOptions& options) {
     RunReport report(options.report, plan.size() + found.failures.size());
     const LastWords lastWords([&report] { report.concludeInterrupted(); });
     for (const auto& [name, reason] : found.failures) {
-        report.finish({name, {}, PictureRecord::Status::FAILED, name + ": " + reason});
+        report.finish({name, {}, PictureRecord::Status::FAILED, Error(name, reason).what()});
     }
     if (options.report.dryRun) {
         rehearseBatch(plan, !options.outputDirectory.empty(), report);

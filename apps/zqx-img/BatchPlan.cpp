@@ -37,12 +37,13 @@ std::string foldCase(std::string name) {
 }
 
 std::vector<std::string> nameOutputs(const std::vector<Input>& inputs, const PlanOptions& options) {
+    std::vector<std::string> outputs;
     if (!options.output.empty()) {
         outputFormat(options.output);
-        return std::vector<std::string>(inputs.size(), options.output);
+        outputs.assign(inputs.size(), options.output);
+        return outputs;
     }
     const NameTemplate pattern(options.nameTemplate);
-    std::vector<std::string> outputs;
     for (std::size_t i = 0; i < inputs.size(); ++i) {
         const std::string name = toName(toPath(options.outputDirectory) / toPath(pattern.expand(inputs[i], i + 1)));
         try {

@@ -33,6 +33,7 @@ public:
     FolderReader(InputList& list, bool recursive, const std::string& excluded)
         : mList(list), mRecursive(recursive), mExcluded(toPath(excluded)) {}
 
+    // NOLINTNEXTLINE(misc-no-recursion): as deep as the folders are
     void read(const fs::path& folder, const fs::path& below) {
         for (const fs::path& path : entriesOf(folder)) {
             std::error_code failure;

@@ -3,7 +3,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <set>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -99,15 +98,15 @@ void watchForInterrupts() {
 
 #endif
 
-TemporaryFiles::TemporaryFiles() : mLock(state().mutex) {
+TemporaryFiles::TemporaryFiles() : mLock(state().mutex), mNames(state().temporaries) {
 }
 
 void TemporaryFiles::add(const std::string& name) {
-    state().temporaries.insert(name);
+    mNames.insert(name);
 }
 
 void TemporaryFiles::forget(const std::string& name) {
-    state().temporaries.erase(name);
+    mNames.erase(name);
 }
 
 LastWords::LastWords(std::function<void()> function) {

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <functional>
 #include <mutex>
+#include <set>
 #include <string>
 
 namespace zqx::img::app {
@@ -28,6 +29,7 @@ public:
 
 private:
     std::unique_lock<std::mutex> mLock;
+    std::set<std::string>& mNames;
 };
 
 /// Has something said or tidied up at an interruption, for as long as it lives.

@@ -16,7 +16,6 @@
 #include <windows.h>
 #else
 #include <fcntl.h>
-#include <stdio.h> // renameat2
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
