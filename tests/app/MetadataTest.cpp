@@ -92,7 +92,7 @@ TEST_F(AppMetadataTest, DamagedExifLeavesThePicture) {
     metadata.exif = exifOfMaker();
     const std::string directory(metadata.exif.begin(), metadata.exif.end());
     const WarningListener silence([](const std::string&) {});
-    for (const char* name : {"a.jpg", "a.webp", "a.psd"}) {
+    for (const char* name : {"a.jpg", "a.webp"}) {
         const std::string file = test::readFile(writePicture(name, metadata));
         const std::size_t start = file.find("Tester") - directory.find("Tester");
         ASSERT_LT(start, file.size()) << name;

@@ -333,6 +333,19 @@ TEST_F(MetadataTest, DamagedExifIsSurvived) {
     }
 }
 
+TEST_F(MetadataTest, DamagedExifOfPhotoshopFilesIsSurvived) {
+    const std::string file = readFile(taggedPicture("psd"));
+    const std::size_t exif = std::min(file.find(std::string("MM\0\x2A", 4)), file.find(std::string("II\x2A\0", 4)));
+    ASSERT_NE(exif, std::string::npos);
+    for (std::size_t i = exif; i < exif + 20; ++i) {
+        std::string damaged = file;
+        damaged[i] = '\xFF';
+        writeFile(at("damaged.psd"), damaged);
+        const Outcome outcome = zqxImg({"apply", at("damaged.psd"), "-o", at("out.png")});
+        EXPECT_EQ(outcome.exitCode, 0) << "byte " << i - exif << ": " << outcome.err;
+    }
+}
+
 TEST_F(MetadataTest, ExifThatIsNoneIsToldAndLeftOut) {
     std::string file = readFile(taggedPicture("jpg"));
     file.replace(file.find("Exif") + 6, 2, "??");
