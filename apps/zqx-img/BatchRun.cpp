@@ -147,7 +147,7 @@ PictureRecord rehearse(const PlannedPicture& picture, bool makesFolders) {
         return record;
     }
     try {
-        const InputFile readable(picture.input);
+        const InputFile readable = openPicture(picture.input);
         std::error_code failure;
         if (!makesFolders || std::filesystem::exists(toPath(picture.output).parent_path(), failure)) {
             OutputFile::check(picture.output);

@@ -164,16 +164,6 @@ AlphaKind straightenAlpha(FIBITMAP* bitmap, FREE_IMAGE_FORMAT format, const Tiff
     return AlphaKind::STRAIGHT;
 }
 
-/// Opening a pipe waits for somebody who writes to it, and nobody can go back in it.
-InputFile openPicture(const std::string& name) {
-    std::error_code failure;
-    const std::filesystem::file_type type = std::filesystem::status(toPath(name), failure).type();
-    if (type == std::filesystem::file_type::fifo || type == std::filesystem::file_type::socket) {
-        throw Error(name, "is a pipe, from which pictures cannot be read, name a file");
-    }
-    return InputFile(name);
-}
-
 } // namespace
 
 void dieOfFaults() {

@@ -83,7 +83,7 @@ struct Info {
 };
 
 Info inspect(const std::string& name, const LoadLimits& limits) {
-    InputFile file(name);
+    InputFile file = openPicture(name);
     const FREE_IMAGE_FORMAT format = examine(file, limits).format; // some have to be decoded
     Info info{name, format, {}, {}, {}};
     info.bitmap = decodeBitmap(file, format, FreeImage_FIFSupportsNoPixels(format) ? FIF_LOAD_NOPIXELS : 0);

@@ -132,4 +132,13 @@ FreeImageIO InputFile::io() {
     return {read, nullptr, seek, tell};
 }
 
+InputFile openPicture(const std::string& name) {
+    std::error_code failure;
+    const fs::file_type type = fs::status(toPath(name), failure).type();
+    if (type == fs::file_type::fifo || type == fs::file_type::socket) {
+        throw Error(name, "is a pipe, from which pictures cannot be read, name a file");
+    }
+    return InputFile(name);
+}
+
 } // namespace zqx::img::app

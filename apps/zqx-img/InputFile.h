@@ -66,4 +66,8 @@ private:
     bool mReadShort = false;
 };
 
+/// Opens a picture. Opening a pipe would wait for somebody who writes to it, and nobody can go back in it.
+/// @throws Error also for pipes and sockets
+InputFile openPicture(const std::string& name);
+
 } // namespace zqx::img::app

@@ -350,6 +350,10 @@ bool makesSense(const PictureHeader& header) {
 } // namespace
 
 std::optional<PictureHeader> readPictureHeader(const std::string& name) {
+    std::error_code failure;
+    if (!std::filesystem::is_regular_file(toPath(name), failure)) {
+        return std::nullopt; // opening a pipe would wait for somebody who writes to it
+    }
     Bytes bytes(name);
     Header header = readKnown(bytes, name);
     if (!header || !makesSense(*header)) {
