@@ -14,6 +14,8 @@
 #include "Error.h"
 #include "InputFile.h"
 #include "OutputFile.h"
+#include "PictureHeader.h"
+#include "PictureSize.h"
 
 namespace zqx::img::app {
 
@@ -111,7 +113,13 @@ private:
         return record;
     }
 
+    /// @throws Error for a picture beyond a limit: no memory helps there
     std::uint64_t need(const PlannedPicture& picture) const {
+        if (const std::optional<PictureHeader> header = readPictureHeader(picture.input)) {
+            checkPictureSize(picture.input,
+                             {static_cast<std::uint32_t>(header->width), static_cast<std::uint32_t>(header->height), 0},
+                             mSettings.loading.limits);
+        }
         std::vector<std::string> outputs{picture.output};
         if (!mComparison.empty()) {
             outputs.push_back(mComparison);

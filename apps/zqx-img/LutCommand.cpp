@@ -127,8 +127,9 @@ void addLutCommand(CLI::App& program) {
         ->type_name("TEXT");
     command.footer("Only the grading is baked: sharpness, inversion and flips are left out.\n\n" +
                    describeParameters() +
-                   "\nExample:\n  zqx-img lut --params look.json -o look.cube\n"
-                   "  ffmpeg -i in.mov -vf lut3d=file=look.cube:interp=tetrahedral out.mov\n");
+                   "\nExamples:\n  zqx-img lut --params look.json -o look.cube\n"
+                   "  ffmpeg -i in.mov -vf lut3d=file=look.cube:interp=tetrahedral out.mov\n"
+                   "\nExit codes: 0 done, 1 something failed, 2 the command line cannot be meant.\n");
     command.callback([options] { runLut(*options); });
 }
 

@@ -1,6 +1,7 @@
 // Just enough knowledge of file formats to find their metadata without looking into it.
 #include "MetadataMask.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -116,10 +117,34 @@ void maskTiff(InputFile& file) {
     }
 }
 
+/// The headers of 52 to 124 bytes add channel masks, which lie where the old header of 40 has them, and colour spaces.
+/// FreeImage refuses them; shown as old ones they are read. A palette then has to begin where the old header ends.
+void maskBmp(InputFile& file) {
+    constexpr std::uint64_t HEADER = 14;
+    constexpr std::uint64_t OLD_SIZE = 40;
+    constexpr std::uint64_t NEWEST_SIZE = 124;
+    constexpr std::uint64_t BITS = HEADER + 14;
+    constexpr std::uint64_t COLORS = HEADER + 32;
+    constexpr std::size_t BYTES_PER_COLOR = 4;
+    const std::uint64_t size = numberAt(file, HEADER, 4, Endian::LITTLE);
+    const std::uint64_t bits = numberAt(file, BITS, 2, Endian::LITTLE);
+    if (size < 52 || size > NEWEST_SIZE || size == 64) { // 64: another family, which FreeImage knows
+        return;
+    }
+    file.mask(HEADER, std::string("\x28\0\0\0", 4));
+    if (bits <= 8) {
+        const std::uint64_t most = std::uint64_t{1} << bits;
+        const std::uint64_t stated = numberAt(file, COLORS, 4, Endian::LITTLE);
+        const std::uint64_t colors = stated == 0 ? most : std::min(stated, most);
+        file.mask(HEADER + OLD_SIZE, file.readAt(HEADER + size, static_cast<std::size_t>(colors) * BYTES_PER_COLOR));
+    }
+}
+
 } // namespace
 
 void maskMetadata(InputFile& file, FREE_IMAGE_FORMAT format) {
     switch (format) {
+    case FIF_BMP: maskBmp(file); break;
     case FIF_JPEG: maskJpeg(file); break;
     case FIF_WEBP: maskWebp(file); break;
     case FIF_PSD: maskPsd(file); break;

@@ -263,7 +263,9 @@ TEST_F(DepthTest, BeforeAfterHasTheSameDepth) {
 TEST_F(DepthTest, ProfileOfSixteenBitsStaysWithEncodedPixelsOnly) {
     const Bitmap source = allCodes(FIT_RGB16);
     std::string profile(200, '\0');
+    profile[3] = '\xC8'; // its size
     profile.replace(16, 4, "RGB ");
+    profile.replace(36, 4, "acsp");
     FreeImage_CreateICCProfile(source.get(), profile.data(), static_cast<long>(profile.size()));
     writePicture(at("in.tif"), source);
     succeed({"apply", at("in.tif"), "-o", at("out.tif")});

@@ -23,7 +23,7 @@ expect() {
     [[ $answers == "$expected" ]] || { echo "zqx-img $*: got '$answers', expected '$expected'" >&2; exit 1; }
 }
 expect apply app
-expect $'params\npreview' p
+expect $'preview\nparams' p
 expect --params apply --par
 expect exposure= apply in.png --set expo
 expect "two words.png" apply two
