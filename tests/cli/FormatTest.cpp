@@ -279,6 +279,21 @@ std::string floatMapOfTwoRows(float top, float bottom) {
     return file;
 }
 
+TEST_F(FormatTest, NewHeadersOfBmpAreReadLikeOldOnes) {
+    for (const char* kind : {"TrueColor", "Palette", "Grayscale"}) {
+        for (const char* version : {"BMP3:", "BMP:"}) { // headers of 40 bytes, and of 108 or 124
+            ASSERT_EQ(runCommand({"convert-im6.q16hdri", ZQX_SAMPLE, "-resize", "37x29!", "-type", kind, "-compress",
+                                  "none", version + at(version == std::string("BMP:") ? "new.bmp" : "old.bmp")})
+                          .exitCode,
+                      0);
+        }
+        ASSERT_GT(readFile(at("new.bmp"))[14], 40) << kind;
+        succeed({"apply", at("old.bmp"), "-o", at("old.png")});
+        succeed({"apply", at("new.bmp"), "-o", at("new.png")});
+        EXPECT_TRUE(isIdentical(readPicture(at("old.png")), readPicture(at("new.png")))) << kind;
+    }
+}
+
 TEST_F(FormatTest, FloatMapIsReadTheRightWayUp) {
     writeFile(at("in.pfm"), floatMapOfTwoRows(1.0F, 0.0F));
     EXPECT_EQ(zqxImg({"apply", at("in.pfm"), "-o", at("out.bmp")}).exitCode, 0);
