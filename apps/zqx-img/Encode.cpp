@@ -98,6 +98,17 @@ bool fitsSharedExponent(const Picture& picture) {
     }
 }
 
+/// Brings values into what a Radiance file can say. Its encoder makes chance colours of negative ones.
+void limitToSharedExponent(FIBITMAP* bitmap) {
+    const float largest = std::ldexp(255.0F, 127 - 8);
+    for (unsigned y = 0; y < FreeImage_GetHeight(bitmap); ++y) {
+        BYTE* row = FreeImage_GetScanLine(bitmap, static_cast<int>(y));
+        for (float& value : std::span(reinterpret_cast<float*>(row), FreeImage_GetLine(bitmap) / sizeof(float))) {
+            value = value > 0.0F ? std::min(value, largest) : 0.0F; // NaN becomes 0
+        }
+    }
+}
+
 void warnOfLostDepth(const std::string& name, const Picture& source, Form form) {
     const bool floats = isFloat(source.stored);
     const int depth = depthOf(form);
@@ -149,6 +160,9 @@ void encodePicture(OutputFile& file, const std::string& name, FREE_IMAGE_FORMAT 
     const Metadata metadata = options.stripped(original.metadata);
     finishAlpha(bitmap.get(), format, form, original);
     bitmap = makeStored(name, std::move(bitmap), form);
+    if (format == FIF_HDR) {
+        limitToSharedExponent(bitmap.get());
+    }
     carryOver(name, format, bitmap.get(), form, original, metadata);
     if (isTurnedOver(format)) {
         FreeImage_FlipVertical(bitmap.get());

@@ -239,6 +239,18 @@ TEST_F(DepthTest, RadianceSaysWhatItRoundsAndNothingOfWhatItHolds) {
     warned(zqxImg({"apply", at("in.exr"), "-o", at("out.hdr")}), "this format keeps 8 bits of each value");
 }
 
+TEST_F(DepthTest, RadianceHasNothingBelowBlack) {
+    const Bitmap source(FreeImage_AllocateT(FIT_RGBF, 2, 1));
+    auto* pixels = reinterpret_cast<FIRGBF*>(FreeImage_GetBits(source.get()));
+    pixels[0] = {0.5F, -0.25F, 0.25F};
+    pixels[1] = {-1.0F, -2.0F, -3.0F};
+    writePicture(at("in.pfm"), source);
+    EXPECT_EQ(zqxImg({"apply", at("in.pfm"), "-o", at("out.hdr")}).exitCode, 0);
+    const Bitmap out = readPicture(at("out.hdr"));
+    const float* values = floatsAt(out, 0, 0);
+    EXPECT_EQ(std::vector<float>(values, values + 6), (std::vector<float>{0.5F, 0.0F, 0.25F, 0.0F, 0.0F, 0.0F}));
+}
+
 TEST_F(DepthTest, LostTransparencyOfSixteenBitsIsTold) {
     writePicture(at("in.png"), allCodes(FIT_RGBA16));
     warned(zqxImg({"apply", at("in.png"), "-o", at("out.ppm")}),
