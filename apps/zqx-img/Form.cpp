@@ -1,6 +1,7 @@
 // What the working bitmaps are, and which of them a file format can hold.
 #include "Form.h"
 
+#include <mutex>
 #include <new>
 #include <span>
 
@@ -123,8 +124,14 @@ bool isTurnedOver(FREE_IMAGE_FORMAT format) {
     return format == FIF_PFM;
 }
 
+FREE_IMAGE_FORMAT formatOfName(const std::string& name) {
+    static std::mutex mutex; // FreeImage takes names apart with strtok, whose place is one for all threads
+    const std::lock_guard lock(mutex);
+    return FreeImage_GetFIFFromFilename(name.c_str());
+}
+
 FREE_IMAGE_FORMAT outputFormat(const std::string& name) {
-    const FREE_IMAGE_FORMAT format = FreeImage_GetFIFFromFilename(name.c_str());
+    const FREE_IMAGE_FORMAT format = formatOfName(name);
     if (format == FIF_UNKNOWN) {
         throw UsageError(name, "no picture format has this extension, use one such as .png, .jpg or .tif");
     }

@@ -43,6 +43,9 @@ const char* nameOf(Form form);
 /// A portable float map stores its bottom row first. FreeImage takes that row for the top one, both ways.
 bool isTurnedOver(FREE_IMAGE_FORMAT format);
 
+/// The format that a file's extension stands for; FIF_UNKNOWN for none. For any thread.
+FREE_IMAGE_FORMAT formatOfName(const std::string& name);
+
 /// The format of a file to be written, by its extension. @throws UsageError when there is no such format
 FREE_IMAGE_FORMAT outputFormat(const std::string& name);
 

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "Error.h"
+#include "Form.h"
 
 namespace zqx::img::app {
 
@@ -82,7 +83,7 @@ FREE_IMAGE_FORMAT InputFile::detectFormat() {
     FreeImageIO callbacks = io();
     FREE_IMAGE_FORMAT format = FreeImage_GetFileTypeFromHandle(&callbacks, this, 0);
     if (format == FIF_UNKNOWN) {
-        format = FreeImage_GetFIFFromFilename(mName.c_str());
+        format = formatOfName(mName);
     }
     if (format == FIF_UNKNOWN || !FreeImage_FIFSupportsReading(format)) {
         throw Error(mName, "is not a picture in a known format");

@@ -7,6 +7,7 @@
 
 #include <FreeImage.h>
 
+#include "Form.h"
 #include "InputFile.h"
 #include "OutputFile.h"
 
@@ -24,7 +25,7 @@ bool hasReadableExtension(const fs::path& path) {
     if (!path.has_extension()) {
         return false;
     }
-    const FREE_IMAGE_FORMAT format = FreeImage_GetFIFFromFilename(toName(path.extension()).c_str());
+    const FREE_IMAGE_FORMAT format = formatOfName(toName(path.extension()));
     return format != FIF_UNKNOWN && FreeImage_FIFSupportsReading(format) != 0;
 }
 

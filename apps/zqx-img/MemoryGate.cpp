@@ -11,6 +11,7 @@
 #include <FreeImage.h>
 
 #include "Error.h"
+#include "Form.h"
 #include "InputFile.h"
 #include "PictureHeader.h"
 
@@ -56,7 +57,7 @@ struct EncodingNeed {
 };
 
 EncodingNeed encodingNeed(const std::string& output, std::uint64_t working) {
-    switch (FreeImage_GetFIFFromFilename(output.c_str())) {
+    switch (formatOfName(output)) {
     case FIF_EXR:
     case FIF_HDR:
     case FIF_PFM: return {sizeof(float), 2 * sizeof(float)};
@@ -90,7 +91,7 @@ std::uint64_t needByFileSize(const std::string& name) {
     if (failure) {
         return 0; // loading tells what is wrong
     }
-    return size * (FreeImage_GetFIFFromFilename(name.c_str()) == FIF_RAW ? RAW : COMPRESSED);
+    return size * (formatOfName(name) == FIF_RAW ? RAW : COMPRESSED);
 }
 
 } // namespace
@@ -116,7 +117,7 @@ void MemoryGate::release(std::uint64_t bytes) {
 }
 
 std::uint64_t memoryNeed(const std::string& input, const std::vector<std::string>& outputs) {
-    const bool raw = FreeImage_GetFIFFromFilename(input.c_str()) == FIF_RAW; // their headers describe a small preview
+    const bool raw = formatOfName(input) == FIF_RAW; // their headers describe a small preview
     const std::optional<PictureHeader> header = raw ? std::nullopt : readPictureHeader(input);
     if (!header) {
         return BASE_NEED + needByFileSize(input);

@@ -12,6 +12,7 @@
 
 #include <FreeImage.h>
 
+#include "Form.h"
 #include "InputFile.h"
 
 namespace zqx::img::app {
@@ -335,7 +336,7 @@ Header readKnown(Bytes& bytes, const std::string& name) {
     if (bytes.startsWith("RIFF") && bytes.startsWith("WEBP", 8)) {
         return readWebp(bytes);
     }
-    if (FreeImage_GetFIFFromFilename(name.c_str()) == FIF_TARGA) {
+    if (formatOfName(name) == FIF_TARGA) {
         return readTarga(bytes);
     }
     return std::nullopt;

@@ -2,6 +2,7 @@
 // FreeImageTransforms.cpp.
 #include <cstring>
 #include <memory>
+#include <mutex>
 
 #include <qutil/Assert.h>
 
@@ -90,7 +91,12 @@ bool saveFile(FREE_IMAGE_FORMAT format, FIBITMAP* bitmap, const char* path, int 
 /// Content decides, then the extension.
 FREE_IMAGE_FORMAT detectFormat(const char* path) {
     const FREE_IMAGE_FORMAT byContent = FreeImage_GetFileType(path, 0);
-    return byContent != FIF_UNKNOWN ? byContent : FreeImage_GetFIFFromFilename(path);
+    if (byContent != FIF_UNKNOWN) {
+        return byContent;
+    }
+    static std::mutex mutex; // FreeImage takes names apart with strtok, whose place is one for all threads
+    const std::lock_guard lock(mutex);
+    return FreeImage_GetFIFFromFilename(path);
 }
 
 /// Stores a number that FreeImage tells of a bitmap.
