@@ -16,11 +16,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#if defined(__APPLE__)
-#include <mach-o/dyld.h>
-#endif
-
 #include "Error.h"
+#include "ProgramPath.h"
 
 #if !defined(_GNU_SOURCE)
 extern char** environ;
@@ -187,19 +184,6 @@ bool waitForEnd(int alive, std::chrono::milliseconds time) {
     }
 }
 
-fs::path programFile() {
-#if defined(__linux__)
-    std::error_code failure;
-    return fs::read_symlink("/proc/self/exe", failure);
-#elif defined(__APPLE__)
-    char name[PATH_MAX];
-    std::uint32_t size = sizeof name;
-    return _NSGetExecutablePath(name, &size) == 0 ? fs::path(name) : fs::path();
-#else
-    return {};
-#endif
-}
-
 } // namespace
 
 DecoderEnd runDecoder(const std::string& program, const DecodeRequest& request, int result) {
@@ -222,19 +206,19 @@ DecoderEnd runDecoder(const std::string& program, const DecodeRequest& request, 
 }
 
 std::string findDecoder(const std::string& subject) {
-    const fs::path program = programFile();
-    if (program.empty()) {
+    const fs::path folder = programDirectory();
+    if (folder.empty()) {
         throw Error(subject, "cannot be decoded in a process of its own, as this system does not tell where this "
                              "program is and its decoder should be; --no-isolate does without");
     }
-    const fs::path installed = (program.parent_path() / ZQX_DECODER_FOLDER / DECODER).lexically_normal();
-    for (const fs::path& candidate : {program.parent_path() / DECODER, installed}) {
+    const fs::path installed = (folder / ZQX_DECODER_FOLDER / DECODER).lexically_normal();
+    for (const fs::path& candidate : {folder / DECODER, installed}) {
         if (access(candidate.c_str(), X_OK) == 0) {
             return candidate.string();
         }
     }
     throw Error(subject, std::string("cannot be decoded in a process of its own, there is no program ") + DECODER +
-                             " in " + program.parent_path().string() + " or " + installed.parent_path().string() +
+                             " in " + folder.string() + " or " + installed.parent_path().string() +
                              "; install it, or do without by --no-isolate");
 }
 

@@ -14,6 +14,7 @@
 #include "ExifSummary.h"
 #include "Metadata.h"
 #include "MetadataReader.h"
+#include "Terminal.h"
 
 namespace zqx::img::app {
 
@@ -49,12 +50,6 @@ const char* colorTypeName(FREE_IMAGE_COLOR_TYPE type) {
     case FIC_CMYK: return "CMYK";
     }
     return "unknown";
-}
-
-/// Text from a file may hold control characters that a terminal would obey.
-std::string harmless(std::string text) {
-    std::erase_if(text, [](unsigned char c) { return c < ' ' || c == 0x7F; });
-    return text;
 }
 
 /// Valid UTF-8, whatever bytes a file or its name hold: others become the replacement character.
