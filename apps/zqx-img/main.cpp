@@ -13,13 +13,14 @@
 #include <CLI/CLI.hpp>
 #include <qutil/Log.h>
 
-#include "CommandLine.h"
-#include "Error.h"
-#include "Interrupts.h"
+#include "commands/CommandLine.h"
+#include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/files/Interrupts.h"
 
 namespace {
 
-using namespace zqx::img::app;
+using namespace zqx::app;
+using namespace zqx::pictures;
 
 constexpr int DONE = 0;
 constexpr int FAILED = 1;

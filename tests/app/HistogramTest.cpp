@@ -1,11 +1,14 @@
 // What histograms are drawn from, and how they look in characters.
-#include <HistogramText.h>
+#include "terminal/HistogramText.h"
 
 #include <numeric>
 
 #include <gtest/gtest.h>
 
-namespace zqx::img::app {
+namespace zqx::app {
+
+using namespace pictures;
+using namespace tools;
 
 namespace {
 
@@ -101,4 +104,4 @@ TEST(HistogramTest, WhatOccursAtAllShows) {
     EXPECT_EQ(lowest[7 + 200], '.');
 }
 
-} // namespace zqx::img::app
+} // namespace zqx::app

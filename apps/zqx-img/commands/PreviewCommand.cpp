@@ -1,0 +1,230 @@
+// preview: a small version of the adjusted picture, or a sheet of several, for a first look.
+#include <algorithm>
+#include <memory>
+#include <optional>
+
+#include <CLI/CLI.hpp>
+
+#include "commands/Commands.h"
+#include "commands/ResultFile.h"
+#include "drawing/ContactSheet.h"
+#include "options/ParameterOptions.h"
+#include "options/ReadingOptions.h"
+#include "options/ShowOption.h"
+#include "options/WritingOptions.h"
+#include "zqx/pictures/codecs/Alpha.h"
+#include "zqx/pictures/codecs/Decode.h"
+#include "zqx/pictures/codecs/Encode.h"
+#include "zqx/pictures/codecs/EncodeOptions.h"
+#include "zqx/pictures/files/Error.h"
+#include "zqx/tools/analysis/AreaAverage.h"
+#include "zqx/tools/analysis/Render.h"
+#include "zqx/tools/analysis/SplitPicture.h"
+#include "zqx/tools/parameters/ParameterTable.h"
+
+namespace zqx::app {
+
+using namespace pictures;
+using namespace tools;
+
+namespace {
+
+constexpr unsigned DEFAULT_SIZE = 1024;
+constexpr unsigned DEFAULT_SIZE_ON_SHEET = 480;
+
+struct PreviewOptions {
+    std::string input;
+    std::string output;
+    std::optional<unsigned> size;
+    ParameterOptions adjustments;
+    std::vector<std::string> sheet; // parameter documents
+    LoadOptions loading;
+    ShowOption showing;
+    bool beforeAfter = false;
+    EncodeOptions encoding;
+};
+
+/// What is written and shown.
+struct Result {
+    Bitmap bitmap;
+    Form form;
+};
+
+/// Means of colours are taken with straight alpha.
+Picture loadStraight(const PreviewOptions& options) {
+    Picture picture = loadPicture(options.input, options.loading);
+    prepareAlpha(picture, FIF_PNG, picture.form, true);
+    return picture;
+}
+
+/// The picture with its pixels brought down to a size. All else stays.
+Picture reduced(Picture picture, unsigned longestSide) {
+    const Size size = {picture.width(), picture.height()};
+    if (const Size smaller = fitted(size, longestSide); smaller != size) {
+        Bitmap bitmap = areaAverage(picture.bitmap, picture.form, smaller);
+        FreeImage_SetDotsPerMeterX(bitmap.get(), FreeImage_GetDotsPerMeterX(picture.bitmap.get()));
+        FreeImage_SetDotsPerMeterY(bitmap.get(), FreeImage_GetDotsPerMeterY(picture.bitmap.get()));
+        picture.bitmap = std::move(bitmap);
+    }
+    return picture;
+}
+
+std::string stemOf(const std::string& name) {
+    const std::u8string stem = toPath(name).stem().u8string();
+    return {stem.begin(), stem.end()};
+}
+
+/// The adjustments of one picture on a sheet: its document over those of --params, and --set over both.
+ParameterOptions withDocument(ParameterOptions adjustments, const std::string& document) {
+    adjustments.documents.push_back(document);
+    return adjustments;
+}
+
+/// One pipeline for each document. What --params and --set are to be warned of is told once, not once for each.
+std::vector<img::ImageProcessingPipeline> sheetPipelines(const PreviewOptions& options) {
+    std::vector<std::string> warnings;
+    std::vector<img::ImageProcessingPipeline> pipelines;
+    {
+        const WarningListener listener([&](const std::string& line) {
+            if (std::ranges::find(warnings, line) == warnings.end()) {
+                warnings.push_back(line);
+            }
+        });
+        for (const std::string& document : options.sheet) {
+            pipelines.push_back(withDocument(options.adjustments, document).makePipeline());
+        }
+    }
+    for (const std::string& line : warnings) {
+        const std::size_t colon = line.find(": ");
+        warn(line.substr(0, colon), line.substr(colon + 2));
+    }
+    return pipelines;
+}
+
+Result makeSheet(const PreviewOptions& options, std::vector<img::ImageProcessingPipeline> pipelines,
+                 const Picture& source) {
+    std::vector<std::string> labels = {"original"};
+    for (const std::string& document : options.sheet) {
+        labels.push_back(stemOf(document));
+    }
+    ContactSheet sheet(std::move(labels), source.width(), source.height());
+    sheet.place(0, source.bitmap, source.form);
+    for (std::size_t i = 0; i < pipelines.size(); ++i) {
+        connect(pipelines[i], source);
+        sheet.place(i + 1, render(pipelines[i], source, source.form), source.form);
+    }
+    return {sheet.take(), Form::RGB8};
+}
+
+Result makePreview(const PreviewOptions& options, img::ImageProcessingPipeline pipeline, const Picture& source,
+                   Form form) {
+    connect(pipeline, source);
+    Result result = {render(pipeline, source, form), form};
+    if (options.beforeAfter) {
+        splitWith(result.bitmap, form, pipeline, source);
+    }
+    return result;
+}
+
+/// A sheet keeps nothing of its source but the meaning of its colours.
+Picture originalOfSheet(const Picture& source) {
+    Picture original = blankOriginal();
+    if (hasColor(source.stored) && !isFloat(source.stored)) {
+        original.metadata.icc = source.metadata.icc;
+    }
+    return original;
+}
+
+void checkOptions(const PreviewOptions& options) {
+    if (options.output.empty() && !options.showing.wanted()) {
+        throw UsageError("preview", "give -o FILE to write the picture, or --show to see it in the terminal");
+    }
+    if (!options.output.empty()) {
+        checkResultFile(options.output, options.input);
+    }
+    options.showing.check();
+}
+
+/// Of the output file; what is only shown is shown like a PNG.
+FREE_IMAGE_FORMAT formatFor(const PreviewOptions& options) {
+    return options.output.empty() ? FIF_PNG : outputFormat(options.output);
+}
+
+/// The form of the output file, or of the picture where there is only something to show.
+Form formFor(const PreviewOptions& options, const Picture& source) {
+    if (options.output.empty()) {
+        return source.form;
+    }
+    const Form form = chooseForm(options.output, formatFor(options), source.stored);
+    warnOfLosses(options.output, source, form);
+    return form;
+}
+
+void finish(const PreviewOptions& options, const Result& result, const Picture& original) {
+    if (!options.output.empty()) {
+        writeResultFile(options.output, result.bitmap, result.form, original, options.encoding);
+    }
+    if (options.showing.wanted()) {
+        options.showing.show(result.bitmap, result.form);
+    }
+}
+
+void runPreview(const PreviewOptions& options) {
+    checkOptions(options);
+    if (options.sheet.empty()) {
+        const img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
+        Picture source = reduced(loadStraight(options), options.size.value_or(DEFAULT_SIZE));
+        const Form form = formFor(options, source);
+        prepareAlpha(source, formatFor(options), form, true);
+        finish(options, makePreview(options, pipeline, source, form), source);
+    } else {
+        const std::vector<img::ImageProcessingPipeline> pipelines = sheetPipelines(options);
+        const unsigned size = options.size.value_or(DEFAULT_SIZE_ON_SHEET);
+        const Picture source = reduced(loadStraight(options), size);
+        finish(options, makeSheet(options, pipelines, source), originalOfSheet(source));
+    }
+}
+
+constexpr const char* FOOTER = R"(
+The picture is reduced first, each pixel to the mean of its area in linear light, and then adjusted. So it is quick, and
+colours come out as "apply" makes them; but sharpness is measured in pixels and looks stronger than in the full picture.
+Pictures are never enlarged.
+
+A sheet shows the original and then, for each document of --sheet, the picture with the adjustments of that document,
+labelled with its name. The documents go over that of --params, and --set goes over them all.
+
+Examples:
+  zqx-img preview photo.jpg -o small.jpg --set exposure=0.5
+  zqx-img preview photo.jpg --show --before-after --params look.json
+  zqx-img preview photo.jpg -o sheet.png --sheet warm.json cool.json grey.json --size 640
+
+Exit codes: 0 done, 1 something failed, 2 the command line cannot be meant.
+)";
+
+} // namespace
+
+void addPreviewCommand(CLI::App& program) {
+    CLI::App& command = *program.add_subcommand("preview", "Make or show a small version of an adjusted picture");
+    const auto options = std::make_shared<PreviewOptions>();
+    command.add_option("INPUT", options->input, "The picture to adjust")->type_name("FILE")->required();
+    command.add_option("-o,--output", options->output, "The picture to write")->type_name("FILE");
+    command
+        .add_option("--size", options->size,
+                    "Longest side in pixels, 1 to 65500; 1024 when not given, and 480 for each picture of a sheet")
+        ->check(CLI::Range(1, 65500))
+        ->type_name("N");
+    options->showing.addTo(command);
+    CLI::Option* sheet =
+        command
+            .add_option("--sheet", options->sheet,
+                        "Make a sheet of the original and of these parameter documents; comes after INPUT")
+            ->type_name("FILE...");
+    command.add_flag("--before-after", options->beforeAfter, "Left half before, right half after")->excludes(sheet);
+    options->adjustments.addTo(command);
+    addReadingOptions(command, options->loading);
+    addWritingOptions(command, options->encoding);
+    command.footer(describeParameters() + FOOTER);
+    command.callback([options] { runPreview(*options); });
+}
+
+} // namespace zqx::app

@@ -1,0 +1,62 @@
+// The options about reading picture files.
+#include "options/ReadingOptions.h"
+
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "options/SizeOption.h"
+#include "zqx/pictures/isolation/IsolatedDecoder.h"
+
+namespace zqx::app {
+
+using namespace pictures;
+
+namespace {
+
+constexpr const char* GROUP = "Limits";
+
+} // namespace
+
+void addLimitOptions(CLI::App& command, pictures::LoadLimits& limits) {
+    addCountOption(command, "--max-width", limits.width, std::to_string(limits.width),
+                   "Refuse pictures of more columns")
+        ->group(GROUP);
+    addCountOption(command, "--max-height", limits.height, std::to_string(limits.height),
+                   "Refuse pictures of more rows")
+        ->group(GROUP);
+    addCountOption(command, "--max-pixels", limits.pixels, "500M", "Refuse pictures of more pixels")->group(GROUP);
+    addSizeOption(command, "--max-bytes", limits.bytes, "4G", "Refuse larger files")->group(GROUP);
+}
+
+void addReadingOptions(CLI::App& command, pictures::LoadOptions& options) {
+    addLimitOptions(command, options.limits);
+    const auto turnOn = [&options] {
+        if (!pictures::canIsolate()) {
+            throw CLI::ValidationError("--isolate", "this system cannot decode in a process of its own");
+        }
+        options.isolate = true;
+    };
+    CLI::Option* on = command.add_flag_callback(
+        "--isolate", turnOn, "Decode each picture in a process of its own, which a hostile file may bring down");
+    CLI::Option* off = command.add_flag_callback(
+        "--no-isolate", [&options] { options.isolate = false; }, "Decode in this process, which is a little faster");
+    CLI::Option* memory =
+        addSizeOption(command, "--decode-memory", options.decodeMemory, "half of the memory, at least 4G",
+                      "What that process may use of memory; turns --isolate on");
+    CLI::Option* time = command
+                            .add_option("--decode-time", options.decodeSeconds,
+                                        "How long that process may take for a picture; turns --isolate on")
+                            ->type_name("SECONDS")
+                            ->check(CLI::Range(0.001, 1e6))
+                            ->capture_default_str();
+    off->excludes(on)->excludes(memory)->excludes(time);
+    for (CLI::Option* option : {on, off, memory, time}) {
+        option->group(GROUP);
+    }
+    for (CLI::Option* option : {memory, time}) {
+        option->each([turnOn](const std::string&) { turnOn(); });
+    }
+}
+
+} // namespace zqx::app

@@ -1,0 +1,28 @@
+// The options about writing picture files.
+#include "options/WritingOptions.h"
+
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+namespace zqx::app {
+
+using namespace pictures;
+
+void addWritingOptions(CLI::App& command, pictures::EncodeOptions& options) {
+    command.add_option("--quality", options.quality, "Quality of JPEG, WebP and JPEG XR output, 1 to 100")
+        ->check(CLI::Range(1, 100))
+        ->type_name("N")
+        ->capture_default_str();
+    command
+        .add_option("--strip", options.strippings,
+                    "Leave out the source's colour profile (icc), its exif, xmp or iptc metadata, or all of these and "
+                    "its comments")
+        ->delimiter(',')
+        ->allow_extra_args(false) // or the input file behind it would be taken for another class
+        ->check(CLI::IsMember(std::vector<std::string>{"icc", "exif", "xmp", "iptc", "all"}))
+        ->type_name("CLASS,...");
+}
+
+} // namespace zqx::app

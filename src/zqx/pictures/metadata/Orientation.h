@@ -1,0 +1,19 @@
+// How a stored picture is to be turned before it is looked at: the eight values of Exif's orientation tag.
+#pragma once
+
+#include "zqx/pictures/codecs/Form.h"
+
+namespace zqx::pictures {
+
+constexpr int UPRIGHT = 1;
+
+/// True when the orientation exchanges width and height.
+bool exchangesSides(int orientation);
+
+/// What has to be done with the stored picture, in words for the user.
+const char* describeOrientation(int orientation);
+
+/// Turns a working bitmap, every pixel as it is. Values that the standard does not know leave it alone.
+void turnUpright(Bitmap& bitmap, int orientation);
+
+} // namespace zqx::pictures

@@ -1,0 +1,51 @@
+// One picture through the pipeline: load, adjust, encode, store.
+#pragma once
+
+#include <string>
+
+#include <zqx/img/ImageProcessingPipeline.h>
+
+#include "zqx/pictures/codecs/EncodeOptions.h"
+#include "zqx/pictures/codecs/Form.h"
+#include "zqx/pictures/codecs/LoadOptions.h"
+#include "zqx/pictures/files/OutputFile.h"
+
+namespace zqx::tools {
+
+/// What is done to every picture of a run.
+struct ApplySettings {
+    img::ImageProcessingPipeline pipeline;
+    pictures::LoadOptions loading;
+    pictures::EncodeOptions encoding;
+    pictures::OutputFile::Existing existing = pictures::OutputFile::Existing::REPLACE;
+};
+
+/// The files of one picture.
+struct ApplyFiles {
+    std::string input;
+    std::string output;
+    std::string comparison; ///< left half before, right half after; or empty
+};
+
+/// Seconds spent on one picture.
+struct StageTimes {
+    double decode = 0.0;
+    double adjust = 0.0;
+    double encode = 0.0;
+    double store = 0.0;
+
+    double total() const { return decode + adjust + encode + store; }
+};
+
+struct ApplyResult {
+    unsigned width = 0;
+    unsigned height = 0;
+    std::string depth; ///< of the output, in words
+    StageTimes seconds;
+};
+
+/// Adjusts one picture. All of its outputs appear, or none does.
+/// @throws Error naming the file, FileExists when an output that is to be kept has appeared
+ApplyResult applyToPicture(const ApplyFiles& files, const ApplySettings& settings);
+
+} // namespace zqx::tools
