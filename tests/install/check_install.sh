@@ -119,6 +119,19 @@ headers_compile() {
     done <<<"$headers"
 }
 
+# examples_build CMAKE COMPILER FLAGS: each example by itself.
+examples_build() {
+    local example count=0
+    while read -r example; do
+        rm -rf "$tree-example"
+        "$1" -S "${example%/*}" -B "$tree-example" -DCMAKE_PREFIX_PATH="$tree" -DCMAKE_CXX_COMPILER="$2" \
+            -DCMAKE_CXX_FLAGS="$3"
+        "$1" --build "$tree-example"
+        count=$((count + 1))
+    done < <(find "$tree/share/doc" -path '*/examples/*/CMakeLists.txt')
+    ((count >= 2)) || fail "there are only $count examples"
+}
+
 # versions_match CMAKE SCRIPT VERSION: the CMake package takes requests for its own major version only.
 versions_match() {
     local major=${3%%.*} wanted
