@@ -23,6 +23,7 @@
 #include "Encode.h"
 #include "EncodeOptions.h"
 #include "Error.h"
+#include "kernels/ScalarMaths.h"
 
 namespace zqx::img::app {
 
@@ -254,7 +255,9 @@ struct Report {
     double largest() const { return findings.largest / scale.white; }
     double mean() const { return findings.sum / numbers() / scale.white; }
     /// Peak signal-to-noise ratio in decibels, the peak being 1; infinite for equal pictures.
-    double psnr() const { return -10.0 * std::log10(findings.sumOfSquares / numbers() / (scale.white * scale.white)); }
+    double psnr() const {
+        return -10.0 * kernels::maths::log10(findings.sumOfSquares / numbers() / (scale.white * scale.white));
+    }
     bool isEqual() const { return largest() <= tolerance; }
 };
 
