@@ -106,7 +106,12 @@ public:
     std::shared_ptr<Image> asImage();
 
     /// What FreeImage said, on this thread, during the last load or save through a component; empty when it was
-    /// content. FreeImage has one message callback in a process; the module takes it.
+    /// content, cut where it becomes long.
+    ///
+    /// A process has two functions that FreeImage speaks to, and no way to ask for those that are set. A program's own,
+    /// given with FreeImage_SetOutputMessage, is left alone and hears everything. The other one, of
+    /// FreeImage_SetOutputMessageStdCall, the module takes when a component first loads or saves, and never again: a
+    /// program that needs it sets it after that, and this text stays empty then.
     static std::string getLibraryMessage();
 
 private:
