@@ -101,7 +101,8 @@ public:
     /// A view of the bitmap's own memory, holding a reference on this object. Row 0 is the bottom row of the picture.
     ///
     /// The format follows the bits per pixel alone: 8 SGRAY8, 24 SBGR8, 32 SBGRA8, 96 RGB32F, 128 RGBA32F, others
-    /// GRAY8 with a stride that does not fit it; the bitmap's type and palette are not consulted. Loading, allocating
+    /// GRAY8 with a stride that does not fit it; the bitmap's type and palette are not consulted. Without a bitmap, and
+    /// with one that was loaded without its pixels, the view is empty. Loading, allocating
     /// or unloading while a view exists leaves it dangling. The view can scale.
     std::shared_ptr<Image> asImage();
 

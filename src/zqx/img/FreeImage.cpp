@@ -1,6 +1,6 @@
 // The bitmap component: its bitmap, files and streams. Pixels are in FreeImagePixels.cpp, transforms in
 // FreeImageTransforms.cpp.
-#include <cstring>
+#include <limits>
 #include <memory>
 #include <mutex>
 
@@ -280,7 +280,11 @@ tov::Result FreeImage::setMetaData(const char* pXmp) {
         if (!tag || mBitmap == nullptr) {
             return tov::FAILURE;
         }
-        const auto length = static_cast<DWORD>(std::strlen(packet) + 1); // with the terminating zero
+        const std::size_t size = lengthOf(packet) + 1; // with the terminating zero
+        if (size > std::numeric_limits<DWORD>::max()) {
+            return tov::FAILURE;
+        }
+        const auto length = static_cast<DWORD>(size);
         FreeImage_SetTagKey(tag.get(), KEY);
         FreeImage_SetTagLength(tag.get(), length);
         FreeImage_SetTagCount(tag.get(), length);
