@@ -152,7 +152,7 @@ std::string outOfRangeOf(const Histogram& histogram) {
 
 } // namespace
 
-Bitmap drawChart(const Histogram& histogram, const std::string& title, const std::string& subtitle) {
+PixelBuffer drawChart(const Histogram& histogram, const std::string& title, const std::string& subtitle) {
     constexpr double TITLE_WIDTH = 520.0;
     Drawing drawing(WIDTH, HEIGHT, BACKGROUND);
     Canvas& canvas = drawing.canvas();
@@ -166,9 +166,9 @@ Bitmap drawChart(const Histogram& histogram, const std::string& title, const std
     if (histogram.outOfRange) {
         canvas.drawText({LEFT, 100.0}, outOfRangeOf(histogram), {14.0, FAINT_TEXT, Align::LEFT, false, TITLE_WIDTH});
     }
-    Bitmap bitmap = allocateBitmap(Form::RGB8, WIDTH, HEIGHT);
-    drawing.copyTo(bitmap, 0, 0);
-    return bitmap;
+    PixelBuffer chart(WIDTH, HEIGHT, SampleLayout::RGB8);
+    drawing.copyTo(chart.image(), 0, 0);
+    return chart;
 }
 
 } // namespace zqx::app
