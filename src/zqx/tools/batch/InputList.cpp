@@ -5,9 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include <FreeImage.h>
-
-#include "zqx/pictures/codecs/Form.h"
+#include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
 
@@ -27,8 +25,7 @@ bool hasReadableExtension(const fs::path& path) {
     if (!path.has_extension()) {
         return false;
     }
-    const FREE_IMAGE_FORMAT format = formatOfName(toName(path.extension()));
-    return format != FIF_UNKNOWN && FreeImage_FIFSupportsReading(format) != 0;
+    return canRead(formatOfName(toName(path.extension())));
 }
 
 class FolderReader {
