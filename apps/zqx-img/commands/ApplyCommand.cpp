@@ -2,13 +2,17 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
+
+#include <zqx/tools/BatchPlan.h>
+#include <zqx/tools/InputList.h>
+#include <zqx/tools/MemoryGate.h>
+#include <zqx/tools/NameTemplate.h>
 
 #include "commands/Commands.h"
 #include "help/About.h"
@@ -18,14 +22,9 @@
 #include "options/WritingOptions.h"
 #include "terminal/RunReport.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/Interrupts.h"
 #include "zqx/text/Amounts.h"
-#include "zqx/tools/batch/BatchPlan.h"
 #include "zqx/tools/batch/BatchRun.h"
-#include "zqx/tools/batch/InputList.h"
-#include "zqx/tools/batch/MemoryGate.h"
-#include "zqx/tools/batch/NameTemplate.h"
 #include "zqx/tools/batch/Threads.h"
 #include "zqx/tools/parameters/ParameterTable.h"
 
@@ -54,13 +53,7 @@ struct ApplyOptions {
     ReportOptions report;
 };
 
-bool isSameFile(const std::string& a, const std::string& b) {
-    std::error_code failure;
-    return std::filesystem::weakly_canonical(toPath(a), failure) ==
-           std::filesystem::weakly_canonical(toPath(b), failure);
-}
-
-void checkOutputs(const ApplyOptions& options) {
+void checkOutputOptions(const ApplyOptions& options) {
     if (options.output.empty() == options.outputDirectory.empty()) {
         throw UsageError("apply", options.output.empty() ? "needs --output for one picture, or --output-dir for any "
                                                            "number of them"
@@ -110,18 +103,6 @@ void work(const ApplyOptions& options, const ApplySettings& settings, const std:
     runBatch(plan, options.comparison, settings, split, gate, report);
 }
 
-void checkComparison(const ApplyOptions& options, const std::vector<PlannedPicture>& plan) {
-    if (options.comparison.empty()) {
-        return;
-    }
-    if (plan.size() > 1) {
-        throw UsageError("--before-after", "is for one picture");
-    }
-    if (!plan.empty() && isSameFile(plan.front().output, options.comparison)) {
-        throw UsageError("--before-after", "needs another file than the output");
-    }
-}
-
 void ignoreBrokenPipes() {
 #if !defined(_WIN32)
     std::signal(SIGPIPE, SIG_IGN); // whoever stops reading our words must not make us leave half a file
@@ -129,10 +110,9 @@ void ignoreBrokenPipes() {
 }
 
 void runApply(const ApplyOptions& options) {
-    checkOutputs(options);
+    checkOutputOptions(options);
     const InputList found = findInputs(options);
     const std::vector<PlannedPicture> plan = planBatch(found.inputs, planOptions(options));
-    checkComparison(options, plan);
     ReadOptions loading = options.loading;
     if (plan.size() > 1) {
         loading.isolateByDefault();
@@ -140,7 +120,7 @@ void runApply(const ApplyOptions& options) {
     const ApplySettings settings{options.adjustments.makePipeline(), loading, options.encoding,
                                  options.noClobber ? OutputFile::Existing::KEEP : OutputFile::Existing::REPLACE};
     ignoreBrokenPipes();
-    RunReport report(options.report, plan.size() + found.failures.size());
+    RunReport report(options.report, plan.size() + found.failures.size(), found.unreadable);
     const LastWords lastWords([&report] { report.concludeInterrupted(); });
     for (const auto& [name, reason] : found.failures) {
         report.finish({name, {}, PictureRecord::Status::FAILED, Error(name, reason).what()});

@@ -8,7 +8,7 @@
 #include "options/ParameterOptions.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/OutputFile.h"
-#include "zqx/tools/parameters/ParameterReference.h"
+#include <zqx/tools/ParameterReference.h>
 #include "zqx/tools/parameters/ParameterTable.h"
 
 namespace zqx::app {
