@@ -30,7 +30,7 @@ struct HistogramOptions {
     std::string input;
     std::string output;
     ParameterOptions adjustments;
-    LoadOptions loading;
+    ReadOptions loading;
     ShowOption showing;
     bool json = false;
 };
@@ -94,17 +94,17 @@ void runHistogram(const HistogramOptions& options) {
     checkOptions(options);
     img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
     Picture source = loadPicture(options.input, options.loading);
-    prepareAlpha(source, FIF_PNG, source.form, true); // counted as straight colours
+    straightenAlpha(source);
     connect(pipeline, source);
-    const Histogram histogram = countValues(render(pipeline, source, source.form), source.form);
+    const Histogram histogram = countValues(render(pipeline, source, source.pixels.layout()).image());
     const std::string title = harmless(fileNameOf(options.input));
     if (!options.output.empty() || options.showing.wanted()) {
-        const Bitmap chart = drawChart(histogram, title, subtitleOf(source));
+        const PixelBuffer chart = drawChart(histogram, title, subtitleOf(source));
         if (!options.output.empty()) {
-            writeResultFile(options.output, chart, Form::RGB8, blankOriginal(), EncodeOptions());
+            writeResultFile(options.output, chart.image(), SampleLayout::RGB8, Picture(), WriteOptions());
         }
         if (options.showing.wanted()) {
-            options.showing.show(chart, Form::RGB8);
+            options.showing.show(chart.image());
         }
     } else if (!options.json) {
         print(drawAsText(histogram, title + "  " + subtitleOf(source),

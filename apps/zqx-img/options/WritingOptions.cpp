@@ -10,7 +10,7 @@ namespace zqx::app {
 
 using namespace pictures;
 
-void addWritingOptions(CLI::App& command, pictures::EncodeOptions& options) {
+void addWritingOptions(CLI::App& command, pictures::WriteOptions& options) {
     command.add_option("--quality", options.quality, "Quality of JPEG, WebP and JPEG XR output, 1 to 100")
         ->check(CLI::Range(1, 100))
         ->type_name("N")

@@ -7,10 +7,8 @@
 #include <limits>
 #include <optional>
 
-#include <FreeImage.h>
-
+#include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/bytes/PictureHeader.h"
-#include "zqx/pictures/codecs/Form.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/text/Amounts.h"
@@ -60,12 +58,12 @@ struct EncodingNeed {
 
 EncodingNeed encodingNeed(const std::string& output, std::uint64_t working) {
     switch (formatOfName(output)) {
-    case FIF_EXR:
-    case FIF_HDR:
-    case FIF_PFM: return {sizeof(float), 2 * sizeof(float)};
-    case FIF_JP2:
-    case FIF_J2K: return {working, 2 * sizeof(std::int32_t)}; // samples and wavelet coefficients
-    default: return {working, 2 * working};                   // its own copy, and the file
+    case FileFormat::EXR:
+    case FileFormat::HDR:
+    case FileFormat::PFM: return {sizeof(float), 2 * sizeof(float)};
+    case FileFormat::JP2:
+    case FileFormat::J2K: return {working, 2 * sizeof(std::int32_t)}; // samples and wavelet coefficients
+    default: return {working, 2 * working};                           // its own copy, and the file
     }
 }
 
@@ -94,14 +92,14 @@ std::uint64_t multiplied(std::uint64_t a, std::uint64_t b) {
     return b != 0 && a > MOST / b ? MOST : a * b;
 }
 
-std::optional<PictureHeader> headerOf(const std::string& name) {
-    const bool raw = formatOfName(name) == FIF_RAW; // their headers describe a small preview
+std::optional<PictureHeader> readHeader(const std::string& name) {
+    const bool raw = formatOfName(name) == FileFormat::RAW; // their headers describe a small preview
     return raw ? std::nullopt : readPictureHeader(name);
 }
 
 /// 0 where the header does not say.
-std::uint64_t pixelsOf(const std::string& name) {
-    const std::optional<PictureHeader> header = headerOf(name);
+std::uint64_t countPixels(const std::string& name) {
+    const std::optional<PictureHeader> header = readHeader(name);
     return header ? multiplied(header->width, header->height) : 0;
 }
 
@@ -114,7 +112,7 @@ void refuseBeyond(const std::string& name, std::uint64_t need, std::uint64_t lim
 
 /// Where the header says nothing: photographs of eight bits have about forty bytes in memory for each in a small file,
 /// those that a camera left raw for about one.
-std::uint64_t needByFileSize(const std::string& name) {
+std::uint64_t estimateByFileSize(const std::string& name) {
     constexpr std::uint64_t COMPRESSED = 48;
     constexpr std::uint64_t RAW = 16;
     std::error_code failure;
@@ -122,7 +120,7 @@ std::uint64_t needByFileSize(const std::string& name) {
     if (failure) {
         return 0; // loading tells what is wrong
     }
-    return multiplied(size, formatOfName(name) == FIF_RAW ? RAW : COMPRESSED);
+    return multiplied(size, formatOfName(name) == FileFormat::RAW ? RAW : COMPRESSED);
 }
 
 } // namespace
@@ -145,9 +143,9 @@ void MemoryGate::release(std::uint64_t bytes) {
 }
 
 std::uint64_t memoryNeed(const std::string& input, const std::vector<std::string>& outputs) {
-    const std::optional<PictureHeader> header = headerOf(input);
+    const std::optional<PictureHeader> header = readHeader(input);
     if (!header) {
-        return addedUp(BASE_NEED, needByFileSize(input));
+        return addedUp(BASE_NEED, estimateByFileSize(input));
     }
     const std::uint64_t perPixel = multiplied(header->channels, bytesPerSample(*header, outputs));
     return addedUp(BASE_NEED, multiplied(multiplied(header->width, header->height), perPixel));
@@ -163,7 +161,7 @@ void requireMemory(const MemoryDemand& demand, std::uint64_t limit) {
         const bool isFirst = first.empty();
         if (isFirst) {
             first = input;
-            need = addedUp(need, multiplied(pixelsOf(input), demand.workingBytesPerPixel));
+            need = addedUp(need, multiplied(countPixels(input), demand.workingBytesPerPixel));
         }
         need = addedUp(need, memoryNeed(input, isFirst ? demand.outputs : std::vector<std::string>()));
     }
