@@ -5,9 +5,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zqx/tools/ContactSheet.h>
+#include <zqx/tools/Resize.h>
+
 #include "commands/Commands.h"
 #include "commands/ResultFile.h"
-#include "drawing/ContactSheet.h"
+#include "drawing/SheetLabels.h"
 #include "options/ParameterOptions.h"
 #include "options/ReadingOptions.h"
 #include "options/ShowOption.h"
@@ -17,7 +20,6 @@
 #include "zqx/pictures/codecs/Encode.h"
 #include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/tools/analysis/AreaAverage.h"
 #include "zqx/tools/analysis/Render.h"
 #include "zqx/tools/analysis/SplitPicture.h"
 #include "zqx/tools/parameters/ParameterTable.h"
@@ -98,7 +100,8 @@ PixelBuffer makeSheet(const PreviewOptions& options, std::vector<img::ImageProce
     for (const std::string& document : options.sheet) {
         labels.push_back(stemOf(document));
     }
-    ContactSheet sheet(std::move(labels), source.width(), source.height());
+    SheetLabels painter;
+    ContactSheet sheet(labels, source.width(), source.height(), painter);
     sheet.place(0, source.image());
     for (std::size_t i = 0; i < pipelines.size(); ++i) {
         connect(pipelines[i], source);
