@@ -6,6 +6,7 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,8 @@
 #include <qutil/Log.h>
 
 #include "commands/CommandLine.h"
+#include "help/CommandLineProblem.h"
+#include "terminal/Terminal.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/Interrupts.h"
 
@@ -45,16 +48,29 @@ std::vector<const char*> commandLine(int argc, char** argv) {
     return words;
 }
 
-int run(CLI::App& program, int argc, char** argv) {
+/// Help and version arrive as exceptions, too.
+int answer(const CLI::App& program, const CLI::ParseError& error, const std::vector<const char*>& words) {
+    if (error.get_exit_code() != 0) {
+        return complain(describeProblem(program, error, words), WRONG_USAGE);
+    }
+    std::ostringstream text;
+    program.exit(error, text, text);
+    print(text.str());
+    return DONE;
+}
+
+int parseAndRun(CLI::App& program, const std::vector<const char*>& words) {
     try {
-        program.parse(argc, commandLine(argc, argv).data());
+        program.parse(static_cast<int>(words.size()), words.data());
         return std::fflush(stdout) == 0 ? DONE : complain("standard output: could not be written", FAILED);
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) { // help and version arrive as exceptions too
-            return program.exit(error);
-        }
-        complain(error.what(), WRONG_USAGE);
-        return complain("see \"zqx-img --help\"", WRONG_USAGE);
+        return answer(program, error, words);
+    }
+}
+
+int run(CLI::App& program, const std::vector<const char*>& words) {
+    try {
+        return parseAndRun(program, words);
     } catch (const ExitCode& code) {
         return code.value;
     } catch (const UsageError& error) {
@@ -62,7 +78,7 @@ int run(CLI::App& program, int argc, char** argv) {
     } catch (const Error& error) {
         return complain(error.what(), FAILED);
     } catch (const std::bad_alloc&) {
-        return complain("there is not enough memory for this", FAILED);
+        return complain("out of memory; close other programs or use a smaller picture", FAILED);
     } catch (const std::exception& error) {
         return complain(std::string("unexpected failure: ") + error.what(), FAILED);
     }
@@ -72,7 +88,7 @@ int runProgram(int argc, char** argv) {
     watchForInterrupts();
     qutil::Log::setReportingLevel(0); // results of components are told in the program's own words
     const std::unique_ptr<CLI::App> program = makeCommandLine();
-    return run(*program, argc, argv);
+    return run(*program, commandLine(argc, argv));
 }
 
 } // namespace

@@ -149,7 +149,7 @@ TEST_F(BatchTest, RefusalsComeBeforeAnyWork) {
           at("both.png")},
          "--before-after: is for one picture");
     fail(2, {"apply", at("x/a.png"), "--output-dir", at("out"), "--before-after", at("out/a.png")},
-         "--before-after: needs another file than the output");
+         "--before-after: must not be the output file");
     fail(2, {"apply", at("x"), at("none"), "--output-dir", at("out"), "--set", "no=1"},
          "there is no adjustment of this name");
     fail(2, {"apply", at("x"), "--output-dir", at("out"), "--max-memory", "lots"}, "\"lots\" is not a number of bytes");

@@ -94,7 +94,7 @@ TEST_F(DenoiseTest, OutputIsCheckedBeforeAnyWork) {
 TEST_F(DenoiseTest, ColorIsEitherLinearOrDisplayReferred) {
     std::vector<std::string> command = denoise("color.png", "albedo.png", "normal.png");
     command.insert(command.end(), {"--hdr", "--ldr"});
-    fail(2, command, "--hdr excludes --ldr");
+    fail(2, command, "--hdr cannot be combined with --ldr");
     EXPECT_EQ(readFile(at("out.png")), "precious");
 }
 

@@ -1,7 +1,6 @@
 // apply: what the user asked for, checked as a whole and handed to the run.
 #include <algorithm>
 #include <csignal>
-#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -11,10 +10,12 @@
 #include <CLI/CLI.hpp>
 
 #include "commands/Commands.h"
+#include "commands/ResultFile.h"
 #include "help/About.h"
+#include "options/MemoryOption.h"
 #include "options/ParameterOptions.h"
 #include "options/ReadingOptions.h"
-#include "options/SizeOption.h"
+#include "options/Validators.h"
 #include "options/WritingOptions.h"
 #include "terminal/RunReport.h"
 #include "zqx/pictures/files/Error.h"
@@ -50,7 +51,7 @@ struct ApplyOptions {
     bool update = false;
     std::optional<unsigned> jobs;
     std::optional<unsigned> threads;
-    std::uint64_t maxMemory = 0; // the default
+    MemoryOption memory;
     ReportOptions report;
 };
 
@@ -102,7 +103,7 @@ std::size_t countWork(const std::vector<PlannedPicture>& plan) {
 void work(const ApplyOptions& options, const ApplySettings& settings, const std::vector<PlannedPicture>& plan,
           RunReport& report) {
     const WorkSplit split = splitWork(countWork(plan), availableProcessors(), options.jobs, options.threads);
-    MemoryGate gate(options.maxMemory != 0 ? options.maxMemory : defaultMemoryLimit());
+    MemoryGate gate(options.memory.limit());
     report.note(simdTarget() + ", " + std::to_string(split.jobs) + (split.jobs == 1 ? " picture" : " pictures") +
                 " at once x " + std::to_string(split.threads) + (split.threads == 1 ? " thread" : " threads") +
                 ", up to " + text::roundedSize(gate.limit()) + " of memory");
@@ -118,7 +119,19 @@ void checkComparison(const ApplyOptions& options, const std::vector<PlannedPictu
         throw UsageError("--before-after", "is for one picture");
     }
     if (!plan.empty() && isSameFile(plan.front().output, options.comparison)) {
-        throw UsageError("--before-after", "needs another file than the output");
+        throw UsageError("--before-after", "must not be the output file; choose another name");
+    }
+}
+
+/// A picture may be replaced by its own adjusted version. What else is read in the run may not be written over.
+void refuseToReplaceInputs(const ApplyOptions& options, const std::vector<PlannedPicture>& plan) {
+    std::vector<std::string> inputs = options.adjustments.documents;
+    for (const PlannedPicture& picture : plan) {
+        refuseToReplace(picture.output, options.adjustments.documents);
+        inputs.push_back(picture.input);
+    }
+    if (!options.comparison.empty()) {
+        refuseToReplace(options.comparison, inputs);
     }
 }
 
@@ -133,6 +146,7 @@ void runApply(const ApplyOptions& options) {
     const InputList found = findInputs(options);
     const std::vector<PlannedPicture> plan = planBatch(found.inputs, planOptions(options));
     checkComparison(options, plan);
+    refuseToReplaceInputs(options, plan);
     LoadOptions loading = options.loading;
     if (plan.size() > 1) {
         loading.isolateByDefault();
@@ -221,13 +235,11 @@ void addOutputOptions(CLI::App& command, ApplyOptions& options) {
 void addRunOptions(CLI::App& command, ApplyOptions& options) {
     constexpr unsigned MOST_THREADS = 1024;
     command.add_option("--jobs", options.jobs, "Pictures at once [one a processor]")
-        ->check(CLI::Range(1U, MOST_THREADS))
+        ->check(wholeNumber(1, MOST_THREADS))
         ->type_name("N");
     command.add_option("--threads", options.threads, "Threads for each picture, 0 for all [the processors left]")
-        ->check(CLI::Range(0U, MOST_THREADS))
+        ->check(wholeNumber(0, MOST_THREADS))
         ->type_name("N");
-    addSizeOption(command, "--max-memory", options.maxMemory, "half of all",
-                  "Memory for the pictures worked on at once");
     CLI::Option* const quiet = command.add_flag("-q,--quiet", options.report.quiet, "Say nothing but errors");
     command
         .add_flag("-v,--verbose", options.report.verbose,
@@ -245,6 +257,7 @@ void addApplyCommand(CLI::App& program) {
     addOutputOptions(command, *options);
     options->adjustments.addTo(command);
     addReadingOptions(command, options->loading);
+    options->memory.addTo(command);
     addRunOptions(command, *options);
     command.footer(describeParameters() + FOOTER);
     command.callback([options] { runApply(*options); });

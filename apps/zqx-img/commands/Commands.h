@@ -23,5 +23,7 @@ void addParamsCommand(CLI::App& program);
 void addLutCommand(CLI::App& program);
 /// info: tells what a picture file holds.
 void addInfoCommand(CLI::App& program);
+/// help: explains the other commands, which have to be there already.
+void addHelpCommand(CLI::App& program);
 
 } // namespace zqx::app

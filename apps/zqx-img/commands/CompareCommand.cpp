@@ -17,6 +17,8 @@
 #include <rapidjson/stringbuffer.h>
 
 #include "commands/Commands.h"
+#include "commands/ResultFile.h"
+#include "options/MemoryOption.h"
 #include "options/ReadingOptions.h"
 #include "zqx/pictures/codecs/Alpha.h"
 #include "zqx/pictures/codecs/Decode.h"
@@ -24,10 +26,12 @@
 #include "zqx/pictures/codecs/Encode.h"
 #include "zqx/pictures/codecs/EncodeOptions.h"
 #include "zqx/pictures/files/Error.h"
+#include "zqx/tools/batch/MemoryGate.h"
 
 namespace zqx::app {
 
 using namespace pictures;
+using namespace tools;
 
 namespace {
 
@@ -39,6 +43,7 @@ struct CompareOptions {
     std::string tolerance = "0";
     std::string picture;
     LoadOptions loading;
+    MemoryOption memory;
     bool json = false;
 };
 
@@ -376,8 +381,10 @@ void runCompare(const CompareOptions& options) {
     FREE_IMAGE_FORMAT format = FIF_UNKNOWN;
     if (!options.picture.empty()) {
         format = outputFormat(options.picture);
-        OutputFile::check(options.picture);
+        checkResultFile(options.picture, {options.files[0], options.files[1]});
     }
+    const auto [first, second] = options.files;
+    options.memory.require(first + " and " + second, memoryNeed(first, {}) + memoryNeed(second, {}));
     Picture a = loadPicture(options.files[0], options.loading);
     Picture b = loadPicture(options.files[1], options.loading);
     if (const std::optional<std::string> reason = obstacle(options, a, b)) {
@@ -441,6 +448,7 @@ void addCompareCommand(CLI::App& program) {
         ->type_name("FILE");
     command.add_flag("--json", options->json, "Tell the findings as a JSON object");
     addReadingOptions(command, options->loading);
+    options->memory.addTo(command);
     command.footer(FOOTER);
     command.callback([options] { runCompare(*options); });
 }

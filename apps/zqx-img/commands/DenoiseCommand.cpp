@@ -1,5 +1,6 @@
 // denoise: a noisy render and what its renderer knows of the surfaces, through the denoising filter into a new file.
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <span>
@@ -12,16 +13,20 @@
 #include <zqx/img/DenoisingFilter.h>
 
 #include "commands/Commands.h"
+#include "commands/ResultFile.h"
+#include "options/MemoryOption.h"
 #include "options/ReadingOptions.h"
 #include "options/WritingOptions.h"
 #include "zqx/pictures/codecs/Alpha.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/Encode.h"
 #include "zqx/pictures/files/Error.h"
+#include "zqx/tools/batch/MemoryGate.h"
 
 namespace zqx::app {
 
 using namespace pictures;
+using namespace tools;
 
 namespace {
 
@@ -31,6 +36,7 @@ struct DenoiseOptions {
     std::string normal;
     std::string output;
     LoadOptions loading;
+    MemoryOption memory;
     /// Not the default for bytes either: noise averages out in linear light. Encoded it averages to something lighter,
     /// and the denoiser leaves more of it.
     bool displayReferred = false;
@@ -149,11 +155,19 @@ Bitmap render(const Picture& source, Form form, const DenoiseOptions& options) {
     return makeBitmap(*color, options.displayReferred, source.stored, form);
 }
 
+/// Of the three pictures as floats of four channels; what the denoiser itself takes it keeps within limits of its own.
+std::uint64_t memoryToDenoise(const Picture& source) {
+    constexpr std::uint64_t BYTES_PER_PIXEL = 3 * 4 * sizeof(float);
+    return std::uint64_t{source.width()} * source.height() * BYTES_PER_PIXEL;
+}
+
 void runDenoise(const DenoiseOptions& options) {
     requireGuides(options);
     const FREE_IMAGE_FORMAT format = outputFormat(options.output);
-    OutputFile::check(options.output);
+    checkResultFile(options.output, {options.albedo, options.normal});
+    options.memory.require(options.color, memoryNeed(options.color, {options.output}));
     Picture source = loadPicture(options.color, options.loading);
+    options.memory.require(options.color, memoryToDenoise(source));
     const Form form = chooseForm(options.output, format, source.stored);
     warnOfLosses(options.output, source, form);
     prepareAlpha(source, format, form, false); // renderers' colours are denoised as they lie in the file
@@ -203,6 +217,7 @@ void addDenoiseCommand(CLI::App& program) {
     command.add_flag("--ldr", options->displayReferred, "COLOR is display-referred, between 0 and 1")->excludes(linear);
     addWritingOptions(command, options->encoding);
     addReadingOptions(command, options->loading);
+    options->memory.addTo(command);
     command.footer(FOOTER);
     command.callback([options] { runDenoise(*options); });
 }

@@ -1,5 +1,7 @@
 // histogram: how often each stored value occurs, as a chart, as characters, or as numbers.
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 #include <rapidjson/prettywriter.h>
@@ -8,6 +10,7 @@
 #include "commands/Commands.h"
 #include "commands/ResultFile.h"
 #include "drawing/HistogramChart.h"
+#include "options/MemoryOption.h"
 #include "options/ParameterOptions.h"
 #include "options/ReadingOptions.h"
 #include "options/ShowOption.h"
@@ -17,6 +20,7 @@
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/tools/analysis/Render.h"
+#include "zqx/tools/batch/MemoryGate.h"
 #include "zqx/tools/parameters/ParameterTable.h"
 
 namespace zqx::app {
@@ -31,6 +35,7 @@ struct HistogramOptions {
     std::string output;
     ParameterOptions adjustments;
     LoadOptions loading;
+    MemoryOption memory;
     ShowOption showing;
     bool json = false;
 };
@@ -82,7 +87,9 @@ std::string toJson(const Histogram& histogram, const std::string& name, const Pi
 
 void checkOptions(const HistogramOptions& options) {
     if (!options.output.empty()) {
-        checkResultFile(options.output, options.input);
+        std::vector<std::string> inputs = options.adjustments.documents;
+        inputs.push_back(options.input);
+        checkResultFile(options.output, inputs);
     }
     if (options.json && options.showing.wanted()) {
         throw UsageError("--json", "standard output is for the numbers then, leave --show out");
@@ -93,6 +100,7 @@ void checkOptions(const HistogramOptions& options) {
 void runHistogram(const HistogramOptions& options) {
     checkOptions(options);
     img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
+    options.memory.require(options.input, memoryNeed(options.input, {options.input}));
     Picture source = loadPicture(options.input, options.loading);
     prepareAlpha(source, FIF_PNG, source.form, true); // counted as straight colours
     connect(pipeline, source);
@@ -144,6 +152,7 @@ void addHistogramCommand(CLI::App& program) {
     options->showing.addTo(command);
     options->adjustments.addTo(command);
     addReadingOptions(command, options->loading);
+    options->memory.addTo(command);
     command.footer(describeParameters() + FOOTER);
     command.callback([options] { runHistogram(*options); });
 }

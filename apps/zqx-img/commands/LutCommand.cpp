@@ -1,5 +1,6 @@
 // lut: the grading as a .cube table, for programs that know nothing of this library.
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -9,7 +10,9 @@
 #include <CLI/CLI.hpp>
 
 #include "commands/Commands.h"
+#include "commands/ResultFile.h"
 #include "options/ParameterOptions.h"
+#include "options/Validators.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
@@ -94,8 +97,20 @@ void warnOfWhatIsLeftOut(const img::ImageProcessingPipeline& pipeline) {
     }
 }
 
-void runLut(const LutOptions& options) {
+/// A table is text; under another name it would pass for what it is not.
+void checkOutput(const LutOptions& options) {
+    std::string extension = toName(toPath(options.output).extension());
+    std::ranges::transform(extension, extension.begin(), [](unsigned char c) { return std::tolower(c); });
+    if (extension != ".cube") {
+        throw UsageError(options.output, "lookup tables are written in the .cube format; choose a name that ends in "
+                                         ".cube");
+    }
+    refuseToReplace(options.output, options.adjustments.documents);
     OutputFile::check(options.output);
+}
+
+void runLut(const LutOptions& options) {
+    checkOutput(options);
     const img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
     warnOfWhatIsLeftOut(pipeline);
     const std::vector<float> table = bake(pipeline.getColorGrading(), options);
@@ -122,7 +137,7 @@ void addLutCommand(CLI::App& program) {
     command.add_option("-o,--output", options->output, "The table to write")->type_name("FILE.cube")->required();
     options->adjustments.addTo(command);
     command.add_option("--size", options->size, "Points along each axis, 2 to 256")
-        ->check(CLI::Range(2, 256))
+        ->check(wholeNumber(2, 256))
         ->type_name("N")
         ->capture_default_str();
     command.add_flag("--linear", options->linear,

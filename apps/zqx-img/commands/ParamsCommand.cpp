@@ -1,11 +1,12 @@
 // params: the normalised parameter document, for keeping and for editing, and what there is to know about it.
-#include <cstdio>
 #include <memory>
 
 #include <CLI/CLI.hpp>
 
 #include "commands/Commands.h"
 #include "options/ParameterOptions.h"
+#include "terminal/Terminal.h"
+#include "zqx/pictures/codecs/Form.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/OutputFile.h"
 #include "zqx/tools/parameters/ParameterReference.h"
@@ -51,15 +52,27 @@ void requireSense(const ParamsOptions& options) {
     }
 }
 
+/// What is written is text; under a picture's name it would pass for one.
+void checkOutput(const ParamsOptions& options) {
+    if (formatOfName(options.output) != FIF_UNKNOWN) {
+        throw UsageError(options.output,
+                         "is the name of a picture, but this is text; choose a name that ends in .json");
+    }
+    OutputFile::check(options.output);
+}
+
 void runParams(const ParamsOptions& options) {
     requireSense(options);
+    if (!options.output.empty()) {
+        checkOutput(options);
+    }
     const std::string text = makeText(options);
     if (!options.output.empty()) {
         OutputFile file(options.output);
         file.write(text);
         file.commit();
-    } else if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-        throw Error("standard output", "could not be written");
+    } else {
+        print(text);
     }
 }
 

@@ -2,15 +2,19 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "commands/Commands.h"
 #include "commands/ResultFile.h"
 #include "drawing/ContactSheet.h"
+#include "options/MemoryOption.h"
 #include "options/ParameterOptions.h"
 #include "options/ReadingOptions.h"
 #include "options/ShowOption.h"
+#include "options/Validators.h"
 #include "options/WritingOptions.h"
 #include "zqx/pictures/codecs/Alpha.h"
 #include "zqx/pictures/codecs/Decode.h"
@@ -20,6 +24,7 @@
 #include "zqx/tools/analysis/AreaAverage.h"
 #include "zqx/tools/analysis/Render.h"
 #include "zqx/tools/analysis/SplitPicture.h"
+#include "zqx/tools/batch/MemoryGate.h"
 #include "zqx/tools/parameters/ParameterTable.h"
 
 namespace zqx::app {
@@ -39,6 +44,7 @@ struct PreviewOptions {
     ParameterOptions adjustments;
     std::vector<std::string> sheet; // parameter documents
     LoadOptions loading;
+    MemoryOption memory;
     ShowOption showing;
     bool beforeAfter = false;
     EncodeOptions encoding;
@@ -52,6 +58,7 @@ struct Result {
 
 /// Means of colours are taken with straight alpha.
 Picture loadStraight(const PreviewOptions& options) {
+    options.memory.require(options.input, memoryNeed(options.input, {options.input}));
     Picture picture = loadPicture(options.input, options.loading);
     prepareAlpha(picture, FIF_PNG, picture.form, true);
     return picture;
@@ -140,7 +147,10 @@ void checkOptions(const PreviewOptions& options) {
         throw UsageError("preview", "give -o FILE to write the picture, or --show to see it in the terminal");
     }
     if (!options.output.empty()) {
-        checkResultFile(options.output, options.input);
+        std::vector<std::string> inputs = options.adjustments.documents;
+        inputs.insert(inputs.end(), options.sheet.begin(), options.sheet.end());
+        inputs.push_back(options.input);
+        checkResultFile(options.output, inputs);
     }
     options.showing.check();
 }
@@ -211,7 +221,7 @@ void addPreviewCommand(CLI::App& program) {
     command
         .add_option("--size", options->size,
                     "Longest side in pixels, 1 to 65500; 1024 when not given, and 480 for each picture of a sheet")
-        ->check(CLI::Range(1, 65500))
+        ->check(wholeNumber(1, 65500))
         ->type_name("N");
     options->showing.addTo(command);
     CLI::Option* sheet =
@@ -222,6 +232,7 @@ void addPreviewCommand(CLI::App& program) {
     command.add_flag("--before-after", options->beforeAfter, "Left half before, right half after")->excludes(sheet);
     options->adjustments.addTo(command);
     addReadingOptions(command, options->loading);
+    options->memory.addTo(command);
     addWritingOptions(command, options->encoding);
     command.footer(describeParameters() + FOOTER);
     command.callback([options] { runPreview(*options); });

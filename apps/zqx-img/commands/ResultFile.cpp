@@ -13,12 +13,18 @@ namespace zqx::app {
 
 using namespace pictures;
 
-void checkResultFile(const std::string& name, const std::string& input) {
-    static_cast<void>(outputFormat(name));
-    std::error_code failure;
-    if (std::filesystem::equivalent(toPath(name), toPath(input), failure)) {
-        throw UsageError(name, "is the picture itself, which would be lost; name another file");
+void refuseToReplace(const std::string& output, const std::vector<std::string>& inputs) {
+    for (const std::string& input : inputs) {
+        std::error_code failure; // where one of them does not exist, they are not the same
+        if (std::filesystem::equivalent(toPath(output), toPath(input), failure)) {
+            throw UsageError(output, "would replace the input " + input + "; choose another name");
+        }
     }
+}
+
+void checkResultFile(const std::string& name, const std::vector<std::string>& inputs) {
+    static_cast<void>(outputFormat(name));
+    refuseToReplace(name, inputs);
     OutputFile::check(name);
 }
 

@@ -2,15 +2,19 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "zqx/pictures/Picture.h"
 #include "zqx/pictures/codecs/EncodeOptions.h"
 
 namespace zqx::app {
 
-/// Checks that the file can be written and is not the picture that it is made of, which would be lost.
-/// @throws Error, and UsageError for a name that cannot be meant
-void checkResultFile(const std::string& name, const std::string& input);
+/// Refuses to write over a file that is read in the same run. @throws UsageError
+void refuseToReplace(const std::string& output, const std::vector<std::string>& inputs);
+
+/// Checks that a picture file can be written and is none of those that it is made of, before work is spent on it.
+/// @throws Error, and UsageError for a name that is no picture's or one of the inputs'
+void checkResultFile(const std::string& name, const std::vector<std::string>& inputs);
 
 /// Writes a bitmap in the form nearest to its own that the file can hold.
 /// @param original what its colours and metadata come from. @throws Error

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "options/SizeOption.h"
+#include "options/Validators.h"
 #include "zqx/pictures/isolation/IsolatedDecoder.h"
 
 namespace zqx::app {
@@ -48,7 +49,7 @@ void addReadingOptions(CLI::App& command, pictures::LoadOptions& options) {
                             .add_option("--decode-time", options.decodeSeconds,
                                         "How long that process may take for a picture; turns --isolate on")
                             ->type_name("SECONDS")
-                            ->check(CLI::Range(0.001, 1e6))
+                            ->check(seconds(0.001, 1e6))
                             ->capture_default_str();
     off->excludes(on)->excludes(memory)->excludes(time);
     for (CLI::Option* option : {on, off, memory, time}) {

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "drawing/Drawing.h"
+#include "options/Validators.h"
 #include "terminal/Terminal.h"
 #include "zqx/pictures/files/Error.h"
 
@@ -40,7 +41,7 @@ void ShowOption::addTo(CLI::App& command) {
         .add_flag("--show{best}", protocol,
                   "Show the result in the terminal, the best way it knows, or by --show=kitty, --show=iterm, "
                   "--show=sixel or --show=symbols")
-        ->check(CLI::IsMember({BEST, "kitty", "iterm", "sixel", "symbols"}));
+        ->check(oneOf({BEST, "kitty", "iterm", "sixel", "symbols"}));
 }
 
 void ShowOption::check() const {

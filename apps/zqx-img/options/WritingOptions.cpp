@@ -6,13 +6,15 @@
 
 #include <CLI/CLI.hpp>
 
+#include "options/Validators.h"
+
 namespace zqx::app {
 
 using namespace pictures;
 
 void addWritingOptions(CLI::App& command, pictures::EncodeOptions& options) {
     command.add_option("--quality", options.quality, "Quality of JPEG, WebP and JPEG XR output, 1 to 100")
-        ->check(CLI::Range(1, 100))
+        ->check(wholeNumber(1, 100))
         ->type_name("N")
         ->capture_default_str();
     command
@@ -21,7 +23,7 @@ void addWritingOptions(CLI::App& command, pictures::EncodeOptions& options) {
                     "its comments")
         ->delimiter(',')
         ->allow_extra_args(false) // or the input file behind it would be taken for another class
-        ->check(CLI::IsMember(std::vector<std::string>{"icc", "exif", "xmp", "iptc", "all"}))
+        ->check(oneOf({"icc", "exif", "xmp", "iptc", "all"}))
         ->type_name("CLASS,...");
 }
 
