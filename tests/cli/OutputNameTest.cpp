@@ -67,6 +67,16 @@ TEST_F(OutputNameTest, PicturesAreNotWrittenUnderOtherNames) {
     }
 }
 
+TEST_F(OutputNameTest, FormatsThatAreNeverWrittenAreRefusedBeforeAnyWork) {
+    for (const char* name : {"out.jxr", "out.wdp", "out.hdp", "out.cr2", "out.pcx"}) {
+        fail(2, {"apply", at("none.png"), "-o", at(name)}, "files can only be read");
+    }
+    for (const char* command : {"apply", "preview", "denoise"}) {
+        const std::string help = zqxImg({command, "--help"}).out;
+        EXPECT_EQ(help.find("JPEG XR"), std::string::npos) << command;
+    }
+}
+
 TEST_F(OutputNameTest, SecondOutputsOfApplyNeverReplaceAnInput) {
     refuse({"apply", at("a.png"), "-o", at("out.png"), "--before-after", at("a.png")}, "a.png",
            "would replace the input");

@@ -1,4 +1,4 @@
-// help: the help of the program or of one command, for who looks for it under this name.
+// help: the text of --help as a command of its own.
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -37,8 +37,8 @@ void addHelpCommand(CLI::App& program) {
     }
     CLI::App& command = *program.add_subcommand("help", "Explain the program or one of its commands");
     const auto name = std::make_shared<std::string>();
-    command.add_option("COMMAND", *name, "The command to explain; the program when not given")->check(oneOf(names));
-    command.footer("\nExit codes: 0 done, 2 there is no such command.\n");
+    command.add_option("COMMAND", *name, "The command to explain [the program]")->check(oneOf(names));
+    command.footer("\nExit codes: 0 success, 1 standard output could not be written, 2 there is no such command.\n");
     command.callback([&program, name] { print(helpText(program, *name)); });
 }
 

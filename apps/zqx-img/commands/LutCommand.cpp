@@ -1,4 +1,4 @@
-// lut: the grading as a .cube table, for programs that know nothing of this library.
+// lut: the grading as a .cube table, for other programs.
 #include <algorithm>
 #include <cctype>
 #include <charconv>
@@ -9,8 +9,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zqx/tools/OutputCheck.h>
+
 #include "commands/Commands.h"
-#include "commands/ResultFile.h"
 #include "options/ParameterOptions.h"
 #include "options/Validators.h"
 #include "zqx/pictures/files/Error.h"
@@ -87,7 +88,7 @@ std::string titleLine(const LutOptions& options) {
     return "TITLE \"" + title + "\"\n";
 }
 
-void warnOfWhatIsLeftOut(const img::ImageProcessingPipeline& pipeline) {
+void warnOfOmissions(const img::ImageProcessingPipeline& pipeline) {
     const img::ImageProcessingPipeline neutral(0);
     for (const Parameter& parameter : parameters()) {
         const bool spatial = parameter.name == "sharpness" || parameter.kind == Parameter::Kind::SWITCH;
@@ -105,14 +106,14 @@ void checkOutput(const LutOptions& options) {
         throw UsageError(options.output, "lookup tables are written in the .cube format; choose a name that ends in "
                                          ".cube");
     }
-    refuseToReplace(options.output, options.adjustments.documents);
+    checkOutputs(options.adjustments.documents, {{"--output", options.output}});
     OutputFile::check(options.output);
 }
 
 void runLut(const LutOptions& options) {
     checkOutput(options);
     const img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
-    warnOfWhatIsLeftOut(pipeline);
+    warnOfOmissions(pipeline);
     const std::vector<float> table = bake(pipeline.getColorGrading(), options);
     OutputFile file(options.output);
     file.write(titleLine(options) + "LUT_3D_SIZE " + std::to_string(options.size) +
@@ -141,14 +142,13 @@ void addLutCommand(CLI::App& program) {
         ->type_name("N")
         ->capture_default_str();
     command.add_flag("--linear", options->linear,
-                     "For linear light in and out, without limits, instead of pictures as stored");
-    command.add_option("--title", options->title, "Title in the table; the file's name when not given")
-        ->type_name("TEXT");
-    command.footer("Only the grading is baked: sharpness, inversion and flips are left out.\n\n" +
+                     "Map linear light to linear light, not clipped, instead of encoded values");
+    command.add_option("--title", options->title, "Title in the table [the name of the file]")->type_name("TEXT");
+    command.footer("Only the grading is baked; sharpness, inversion and flips are left out.\n\n" +
                    describeParameters() +
                    "\nExamples:\n  zqx-img lut --params look.json -o look.cube\n"
                    "  ffmpeg -i in.mov -vf lut3d=file=look.cube:interp=tetrahedral out.mov\n"
-                   "\nExit codes: 0 done, 1 something failed, 2 the command line cannot be meant.\n");
+                   "\nExit codes: 0 success, 1 failure, 2 invalid command line.\n");
     command.callback([options] { runLut(*options); });
 }
 

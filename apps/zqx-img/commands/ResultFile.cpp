@@ -1,30 +1,20 @@
-// Writing what previews and charts are.
+// Checking and writing of these pictures.
 #include "commands/ResultFile.h"
 
-#include <filesystem>
-#include <system_error>
 #include <utility>
+
+#include <zqx/tools/OutputCheck.h>
 
 #include "zqx/pictures/codecs/Encode.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/files/InputFile.h"
 
 namespace zqx::app {
 
 using namespace pictures;
 
-void refuseToReplace(const std::string& output, const std::vector<std::string>& inputs) {
-    for (const std::string& input : inputs) {
-        std::error_code failure; // where one of them does not exist, they are not the same
-        if (std::filesystem::equivalent(toPath(output), toPath(input), failure)) {
-            throw UsageError(output, "would replace the input " + input + "; choose another name");
-        }
-    }
-}
-
 void checkResultFile(const std::string& name, const std::vector<std::string>& inputs) {
     static_cast<void>(outputFormat(name));
-    refuseToReplace(name, inputs);
+    tools::checkOutputs(inputs, {{"--output", name}});
     OutputFile::check(name);
 }
 

@@ -1,4 +1,4 @@
-// Files with something to look at, made of a picture but not the picture itself.
+// Pictures that commands make besides adjusted ones: previews, sheets and charts.
 #pragma once
 
 #include <string>
@@ -9,11 +9,8 @@
 
 namespace zqx::app {
 
-/// Refuses to write over a file that is read in the same run. @throws UsageError
-void refuseToReplace(const std::string& output, const std::vector<std::string>& inputs);
-
 /// Checks that a picture file can be written and is none of those that it is made of, before work is spent on it.
-/// @throws Error, and UsageError for a name that is no picture's or one of the inputs'
+/// @throws Error, and UsageError for a name of no picture format or that of an input
 void checkResultFile(const std::string& name, const std::vector<std::string>& inputs);
 
 /// Writes a bitmap in the form nearest to its own that the file can hold.
@@ -21,7 +18,7 @@ void checkResultFile(const std::string& name, const std::vector<std::string>& in
 void writeResultFile(const std::string& name, const pictures::Bitmap& bitmap, pictures::Form form,
                      const pictures::Picture& original, const pictures::EncodeOptions& encoding);
 
-/// An original that has nothing to pass on.
+/// An original without metadata to pass on.
 pictures::Picture blankOriginal();
 
 } // namespace zqx::app

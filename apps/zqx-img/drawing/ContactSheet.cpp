@@ -86,7 +86,7 @@ ContactSheet::ContactSheet(std::vector<std::string> labels, unsigned pictureWidt
     const std::size_t height = sideOf(mRows, cellHeight, gap);
     constexpr auto LARGEST = static_cast<std::size_t>(std::numeric_limits<int>::max());
     if (width > LARGEST / 4 || height > LARGEST) {
-        throw UsageError("--size", "is too large for a sheet of so many pictures, give a smaller one");
+        throw UsageError("--size", "too large for a sheet of this many pictures; choose a smaller size");
     }
     mSheet = allocateBitmap(Form::RGB8, static_cast<unsigned>(width), static_cast<unsigned>(height));
     for (std::size_t y = 0; y < height; ++y) {
@@ -112,7 +112,7 @@ void ContactSheet::drawLabel(std::size_t number) {
     const double letters = mLetters;
     if (!label.canvas().drawText({width / 2.0, letters * 1.5}, mLabels[number],
                                  {letters, LABEL_INK, Lettering::Align::MIDDLE, false, static_cast<double>(width)})) {
-        warn(mLabels[number], "no installed font has all the letters of this label");
+        warn(mLabels[number], "no installed font has all characters of this label");
     }
     const Corner corner = cornerOf(number);
     label.copyTo(mSheet, corner.x + (mCellWidth - width) / 2, corner.y + mPictureHeight);

@@ -159,7 +159,7 @@ Bitmap drawChart(const Histogram& histogram, const std::string& title, const std
     drawCurves(canvas, histogram);
     drawClipping(canvas, histogram);
     if (!canvas.drawText({LEFT, 54.0}, title, {22.0, TEXT, Align::LEFT, true, TITLE_WIDTH})) {
-        warn(title, "no installed font has all the letters of this name");
+        warn(title, "no installed font has all characters of this name");
     }
     canvas.drawText({LEFT, 80.0}, subtitle, {14.0, FAINT_TEXT, Align::LEFT, false, TITLE_WIDTH});
     if (histogram.outOfRange) {

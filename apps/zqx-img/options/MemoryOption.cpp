@@ -1,25 +1,16 @@
-// The limit on memory, by the gate that runs of many pictures go through.
+// The option alone: what work takes is estimated by the tools.
 #include "options/MemoryOption.h"
 
 #include <CLI/CLI.hpp>
 
 #include "options/SizeOption.h"
-#include "zqx/tools/batch/MemoryGate.h"
 
 namespace zqx::app {
 
-void MemoryOption::addTo(CLI::App& command) {
-    addSizeOption(command, "--max-memory", chosen, "half of the memory",
-                  "Memory to work in; a picture that needs more is refused")
+void addMemoryOption(CLI::App& command, std::uint64_t& limit) {
+    addSizeOption(command, "--max-memory", limit, "half of the memory",
+                  "Memory to work in; pictures that need more are refused")
         ->group("Limits");
-}
-
-std::uint64_t MemoryOption::limit() const {
-    return chosen != 0 ? chosen : tools::defaultMemoryLimit();
-}
-
-void MemoryOption::require(const std::string& file, std::uint64_t bytes) const {
-    tools::MemoryGate(limit()).admit(file, bytes);
 }
 
 } // namespace zqx::app

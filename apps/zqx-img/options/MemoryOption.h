@@ -1,8 +1,7 @@
-// --max-memory: how much memory work on pictures may take.
+// --max-memory: how much memory the work on pictures may take.
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 namespace CLI {
 class App;
@@ -10,18 +9,8 @@ class App;
 
 namespace zqx::app {
 
-/// The limit of a command on its memory. Needs are estimates from the headers of files, rather too much than too
-/// little.
-struct MemoryOption {
-    std::uint64_t chosen = 0; ///< bytes; 0 where the user did not choose
-
-    void addTo(CLI::App& command);
-
-    /// Bytes, half of the memory where the user did not choose.
-    std::uint64_t limit() const;
-
-    /// Refuses work on a file that needs more. @throws Error naming the file and the option
-    void require(const std::string& file, std::uint64_t bytes) const;
-};
+/// Adds --max-memory. The limit has to live as long as the command.
+/// @param limit in bytes; stays 0 where the user did not choose
+void addMemoryOption(CLI::App& command, std::uint64_t& limit);
 
 } // namespace zqx::app

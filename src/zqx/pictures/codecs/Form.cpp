@@ -135,7 +135,8 @@ FREE_IMAGE_FORMAT outputFormat(const std::string& name) {
     if (format == FIF_UNKNOWN) {
         throw UsageError(name, "no picture format has this extension, use one such as .png, .jpg or .tif");
     }
-    if (!FreeImage_FIFSupportsWriting(format)) {
+    // FreeImage has a JPEG XR encoder, but it fails on every picture when it writes to a stream.
+    if (format == FIF_JXR || !FreeImage_FIFSupportsWriting(format)) {
         throw UsageError(name, std::string(FreeImage_GetFormatFromFIF(format)) +
                                    " files can only be read, use an extension such as .png, .jpg or .tif");
     }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include <zqx/img/ImageProcessingPipeline.h>
+#include <zqx/tools/PictureRecord.h>
 
 #include "zqx/pictures/codecs/EncodeOptions.h"
 #include "zqx/pictures/codecs/Form.h"
@@ -25,23 +26,6 @@ struct ApplyFiles {
     std::string input;
     std::string output;
     std::string comparison; ///< left half before, right half after; or empty
-};
-
-/// Seconds spent on one picture.
-struct StageTimes {
-    double decode = 0.0;
-    double adjust = 0.0;
-    double encode = 0.0;
-    double store = 0.0;
-
-    double total() const { return decode + adjust + encode + store; }
-};
-
-struct ApplyResult {
-    unsigned width = 0;
-    unsigned height = 0;
-    std::string depth; ///< of the output, in words
-    StageTimes seconds;
 };
 
 /// Adjusts one picture. All of its outputs appear, or none does.

@@ -1,5 +1,5 @@
 // Records in words and in JSON.
-#include "zqx/tools/batch/PictureRecord.h"
+#include <zqx/tools/PictureRecord.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -10,8 +10,6 @@
 #include <rapidjson/writer.h>
 
 namespace zqx::tools {
-
-using namespace pictures;
 
 namespace {
 
@@ -123,6 +121,12 @@ std::string toJson(const RunTotals& totals, double seconds, bool interrupted) {
     write(writer, "failed", totals.failed);
     write(writer, "skipped", totals.skipped);
     write(writer, "planned", totals.planned);
+    writer.Key("unreadable");
+    writer.StartObject();
+    for (const auto& [extension, count] : totals.unreadable) {
+        write(writer, std::string(1, '.').append(toValidUtf8(extension)).c_str(), count);
+    }
+    writer.EndObject();
     write(writer, "seconds", seconds);
     writer.Key("interrupted");
     writer.Bool(interrupted);

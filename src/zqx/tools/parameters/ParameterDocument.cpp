@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <set>
 #include <string_view>
-#include <unordered_set>
 
 #include <rapidjson/document.h>
 #include <rapidjson/stringbuffer.h>
@@ -281,7 +281,7 @@ public:
 
 private:
     void readObject(const rapidjson::Value& object, const DocumentMember& known, const std::string& path) {
-        std::unordered_set<std::string_view> names;
+        std::set<std::string_view> names; // not hashed: whoever writes the document could choose names that collide
         for (auto member = object.MemberBegin(); member != object.MemberEnd(); ++member) {
             const std::string_view name(member->name.GetString(), member->name.GetStringLength());
             const auto found = std::ranges::find(known.members, name, &DocumentMember::name);

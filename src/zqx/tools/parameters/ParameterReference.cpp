@@ -1,5 +1,5 @@
 // Writes the table of adjustments out in three ways.
-#include "zqx/tools/parameters/ParameterReference.h"
+#include <zqx/tools/ParameterReference.h>
 
 #include <algorithm>
 #include <cctype>
