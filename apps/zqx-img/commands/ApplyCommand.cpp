@@ -44,8 +44,8 @@ struct ApplyOptions {
     std::string nameTemplate;
     std::string comparison;
     ParameterOptions adjustments;
-    LoadOptions loading;
-    EncodeOptions encoding;
+    ReadOptions loading;
+    WriteOptions encoding;
     bool noClobber = false;
     bool update = false;
     std::optional<unsigned> jobs;
@@ -117,7 +117,7 @@ void runApply(const ApplyOptions& options) {
     checkOutputOptions(options);
     const InputList found = findInputs(options);
     const std::vector<PlannedPicture> plan = planBatch(found.inputs, planOptions(options));
-    LoadOptions loading = options.loading;
+    ReadOptions loading = options.loading;
     if (plan.size() > 1) {
         loading.isolateByDefault();
     }

@@ -20,13 +20,14 @@
 
 #include "commands/Commands.h"
 #include "commands/ResultFile.h"
+#include "kernels/ScalarMaths.h"
 #include "options/MemoryOption.h"
 #include "options/ReadingOptions.h"
 #include "zqx/pictures/codecs/Alpha.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/Depth16.h"
 #include "zqx/pictures/codecs/Encode.h"
-#include "zqx/pictures/codecs/EncodeOptions.h"
+#include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/Error.h"
 
 namespace zqx::app {
@@ -43,7 +44,7 @@ struct CompareOptions {
     std::array<std::string, 2> files;
     std::string tolerance = "0";
     std::string picture;
-    LoadOptions loading;
+    ReadOptions loading;
     std::uint64_t memory = 0; ///< the default
     bool json = false;
 };
@@ -55,12 +56,12 @@ struct Scale {
 };
 
 Scale commonScale(const Picture& a, const Picture& b) {
-    const int depth = std::max(depthOf(a.stored), depthOf(b.stored));
+    const int depth = std::max(bitsPerChannel(a.stored), bitsPerChannel(b.stored));
     return {depth < 32, depth == 8 ? 255.0 : depth == 16 ? 65535.0 : 1.0};
 }
 
 std::size_t channelsOf(const Picture& picture) {
-    return hasAlpha(picture.form) ? 4 : hasColor(picture.form) ? 3 : 1;
+    return channelCount(picture.stored);
 }
 
 const char* channelName(std::size_t channel, std::size_t channels) {
@@ -76,11 +77,11 @@ public:
         : mPicture(picture), mScale(scale), mChannels(channelsOf(picture)), mValues(picture.width() * mChannels) {}
 
     const std::vector<double>& row(unsigned y) {
-        const BYTE* row = FreeImage_GetScanLine(mPicture.bitmap.get(), static_cast<int>(mPicture.height() - 1 - y));
-        if (isFloat(mPicture.form)) {
-            readFloats(reinterpret_cast<const float*>(row));
+        const void* row = mPicture.image().getRowPtr(y);
+        if (mPicture.image().hasFloatFormat()) {
+            readFloats(static_cast<const float*>(row));
         } else {
-            readBytes(row);
+            readBytes(static_cast<const unsigned char*>(row));
         }
         return mValues;
     }
@@ -94,12 +95,13 @@ private:
         }
     }
 
-    void readBytes(const BYTE* row) {
-        static constexpr std::array<std::size_t, 4> PLACES = {FI_RGBA_RED, FI_RGBA_GREEN, FI_RGBA_BLUE, FI_RGBA_ALPHA};
+    void readBytes(const unsigned char* row) {
+        static constexpr std::array<std::size_t, 4> BLUE_FIRST = {2, 1, 0, 3};
+        const bool reversed = mPicture.image().isBGR();
         const double step = mScale.white / 255.0; // a whole number of codes of 16 bits, too
         for (std::size_t i = 0; i < mValues.size(); ++i) {
             const std::size_t channel = i % mChannels;
-            const BYTE byte = row[mChannels == 1 ? i : i - channel + PLACES[channel]];
+            const unsigned char byte = row[i - channel + (reversed ? BLUE_FIRST[channel] : channel)];
             mValues[i] = mScale.encoded ? byte * step
                          : isAlpha(i)   ? byte / 255.0
                                         : static_cast<double>(img::srgb2linear(byte));
@@ -163,48 +165,42 @@ Findings compare(const Picture& a, const Picture& b, Scale scale) {
 }
 
 /// The differences so much brighter that the largest one is white; differences of alpha brighten all channels.
-Bitmap paintDifferences(const Picture& a, const Picture& b, Scale scale, double largest) {
+PixelBuffer paintDifferences(const Picture& a, const Picture& b, Scale scale, double largest) {
     const std::size_t channels = channelsOf(a);
     const std::size_t painted = std::min<std::size_t>(channels, 3);
-    Bitmap bitmap = allocateBitmap(painted == 1 ? Form::GREY8 : Form::RGB8, a.width(), a.height());
+    PixelBuffer picture(a.width(), a.height(), painted == 1 ? SampleLayout::GRAY8 : SampleLayout::RGB8);
     const double factor = largest > 0.0 ? 255.0 / largest : 0.0;
     const auto shade = [=](double difference) { // any difference at all is to be seen
-        return static_cast<BYTE>(std::isfinite(difference) ? std::min(std::ceil(factor * difference), 255.0) : 255.0);
+        return static_cast<unsigned char>(std::isfinite(difference) ? std::min(std::ceil(factor * difference), 255.0)
+                                                                    : 255.0);
     };
-    static constexpr std::array<std::size_t, 3> PLACES = {FI_RGBA_RED, FI_RGBA_GREEN, FI_RGBA_BLUE};
     Numbers left(a, scale);
     Numbers right(b, scale);
     for (unsigned y = 0; y < a.height(); ++y) {
         const std::vector<double>& from = left.row(y);
         const std::vector<double>& to = right.row(y);
-        BYTE* row = FreeImage_GetScanLine(bitmap.get(), static_cast<int>(a.height() - 1 - y));
+        auto* row = static_cast<unsigned char*>(picture.image().getRowPtr(y));
         for (unsigned x = 0; x < a.width(); ++x) {
             const std::size_t at = x * channels;
             const double alpha = channels == 4 ? distance(from[at + 3], to[at + 3]) : 0.0;
             for (std::size_t channel = 0; channel < painted; ++channel) {
                 const double difference = std::max(distance(from[at + channel], to[at + channel]), alpha);
-                row[x * painted + (painted == 1 ? 0 : PLACES[channel])] = shade(difference);
+                row[(x + 1) * painted - 1 - channel] = shade(difference);
             }
         }
     }
-    return bitmap;
+    return picture;
 }
 
-void writeDifferences(const std::string& name, FREE_IMAGE_FORMAT format, const Picture& a, const Picture& b,
-                      Scale scale, double largest) {
-    const Form painted = hasColor(a.form) ? Form::RGB8 : Form::GREY8;
-    const Form form = chooseForm(name, format, painted);
-    Bitmap bitmap = paintDifferences(a, b, scale, largest);
-    if (form != painted) {
-        Bitmap converted = allocateBitmap(form, a.width(), a.height());
-        viewOf(converted, form).convertFrom(viewOf(bitmap, painted));
-        bitmap = std::move(converted);
-    }
+void writeDifferences(const std::string& name, FileFormat format, const Picture& a, const Picture& b, Scale scale,
+                      double largest) {
+    const SampleLayout painted = hasColor(a.stored) ? SampleLayout::RGB8 : SampleLayout::GRAY8;
+    const SampleLayout layout = chooseLayout(name, format, painted);
+    PixelBuffer pixels = paintDifferences(a, b, scale, largest);
     Picture plain; // nothing travels beside these pixels
-    plain.bitmap = allocateBitmap(painted, 1, 1);
-    plain.form = plain.stored = painted;
+    plain.stored = painted;
     OutputFile file(name);
-    encodePicture(file, name, format, std::move(bitmap), form, plain, EncodeOptions());
+    encodePicture(file, name, format, std::move(pixels), layout, plain, WriteOptions());
     file.commit();
 }
 
@@ -233,7 +229,7 @@ std::string sizeOf(const Picture& picture) {
 }
 
 std::string channelsInWords(const Picture& picture) {
-    return hasAlpha(picture.form) ? "colour with alpha" : hasColor(picture.form) ? "colour" : "grey";
+    return hasAlpha(picture.stored) ? "colour with alpha" : hasColor(picture.stored) ? "colour" : "grey";
 }
 
 /// Why two pictures have no pixels to be compared; nothing when they have.
@@ -263,7 +259,9 @@ struct Report {
     double largest() const { return findings.largest / scale.white; }
     double mean() const { return findings.sum / numbers() / scale.white; }
     /// Peak signal-to-noise ratio in decibels, the peak being 1; infinite for equal pictures.
-    double psnr() const { return -10.0 * std::log10(findings.sumOfSquares / numbers() / (scale.white * scale.white)); }
+    double psnr() const {
+        return -10.0 * img::kernels::maths::log10(findings.sumOfSquares / numbers() / (scale.white * scale.white));
+    }
     bool isEqual() const { return largest() <= tolerance; }
 };
 
@@ -371,15 +369,14 @@ void printJson(const CompareOptions& options, const Picture& a, const Picture& b
 /// The same kind of alpha in both: products of alpha with colour are compared with their like, or not at all.
 void alignAlpha(Picture& a, Picture& b) {
     if (a.alpha != b.alpha) {
-        for (Picture* picture : {&a, &b}) {
-            prepareAlpha(*picture, FIF_UNKNOWN, picture->form, true);
-        }
+        straightenAlpha(a);
+        straightenAlpha(b);
     }
 }
 
 void runCompare(const CompareOptions& options) {
     const double tolerance = parseTolerance(options.tolerance);
-    FREE_IMAGE_FORMAT format = FIF_UNKNOWN;
+    FileFormat format = FileFormat::UNKNOWN;
     if (!options.picture.empty()) {
         format = outputFormat(options.picture);
         checkResultFile(options.picture, {options.files[0], options.files[1]});

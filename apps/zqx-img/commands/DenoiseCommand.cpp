@@ -36,12 +36,12 @@ struct DenoiseOptions {
     std::string albedo;
     std::string normal;
     std::string output;
-    LoadOptions loading;
+    ReadOptions loading;
     std::uint64_t memory = 0; ///< the default
     /// Not the default for bytes either: noise averages out in linear light. Encoded it averages to something lighter,
     /// and the denoiser leaves more of it.
     bool displayReferred = false;
-    EncodeOptions encoding;
+    WriteOptions encoding;
 };
 
 /// The filter asks for the guides as well, but only once the pictures are read and its library is there.
@@ -53,11 +53,8 @@ void requireGuides(const DenoiseOptions& options) {
     }
 }
 
-/// Linear floats with their rows from the top: the denoiser is trained on upright pictures, and bitmaps are not.
-std::shared_ptr<img::Image> uprightPixels(const Picture& picture) {
-    std::shared_ptr<img::Image> image = viewOf(picture.bitmap, picture.form).convertTo(img::Image::RGBA32F);
-    image->flipVertical();
-    return image;
+std::shared_ptr<img::Image> linearPixels(const Picture& picture) {
+    return picture.image().convertTo(img::Image::RGBA32F);
 }
 
 void forEachPixel(img::Image& image, const std::function<img::Color(const img::Color&)>& change) {
@@ -68,7 +65,7 @@ void forEachPixel(img::Image& image, const std::function<img::Color(const img::C
     }
 }
 
-Picture loadGuide(const std::string& name, const Picture& color, const LoadOptions& loading) {
+Picture loadGuide(const std::string& name, const Picture& color, const ReadOptions& loading) {
     Picture guide = loadPicture(name, loading);
     if (guide.width() != color.width() || guide.height() != color.height()) {
         const auto size = [](const Picture& picture) {
@@ -89,9 +86,9 @@ img::Color expandDirection(const img::Color& decoded) {
     return {2.0F * stored.r - 1.0F, 2.0F * stored.g - 1.0F, 2.0F * stored.b - 1.0F, stored.a};
 }
 
-std::shared_ptr<img::Image> loadNormal(const std::string& name, const Picture& color, const LoadOptions& loading) {
+std::shared_ptr<img::Image> loadNormal(const std::string& name, const Picture& color, const ReadOptions& loading) {
     const Picture picture = loadGuide(name, color, loading);
-    std::shared_ptr<img::Image> normal = uprightPixels(picture);
+    std::shared_ptr<img::Image> normal = linearPixels(picture);
     if (!isFloat(picture.stored)) {
         forEachPixel(*normal, expandDirection);
     }
@@ -128,8 +125,8 @@ img::Color inRange(const img::Color& pixel) {
 }
 
 /// @param encoded what the denoiser was given, and has left
-Bitmap makeBitmap(img::Image& color, bool encoded, Form from, Form to) {
-    if (depthOf(to) == 8) {
+PixelBuffer makePixels(img::Image& color, bool encoded, SampleLayout from, SampleLayout to) {
+    if (bitsPerChannel(to) == 8) {
         forEachPixel(color, [encoded](const img::Color& pixel) {
             return raisedByHalfStep(encoded ? inRange(pixel) : inRange(pixel).toSrgb()).toLinear();
         });
@@ -138,37 +135,35 @@ Bitmap makeBitmap(img::Image& color, bool encoded, Form from, Form to) {
     } else if (encoded && !isFloat(from)) {
         forEachPixel(color, [](const img::Color& pixel) { return pixel.toLinear(); });
     }
-    color.flipVertical();
-    Bitmap bitmap =
-        allocateBitmap(to, static_cast<unsigned>(color.getWidth()), static_cast<unsigned>(color.getHeight()));
-    viewOf(bitmap, to).convertFrom(color);
-    return bitmap;
+    PixelBuffer pixels(color.getWidth(), color.getHeight(), to);
+    pixels.image().convertFrom(color);
+    return pixels;
 }
 
-Bitmap render(const Picture& source, Form form, const DenoiseOptions& options) {
-    const std::shared_ptr<img::Image> color = uprightPixels(source);
-    const std::shared_ptr<img::Image> albedo = uprightPixels(loadGuide(options.albedo, source, options.loading));
+PixelBuffer render(const Picture& source, SampleLayout layout, const DenoiseOptions& options) {
+    const std::shared_ptr<img::Image> color = linearPixels(source);
+    const std::shared_ptr<img::Image> albedo = linearPixels(loadGuide(options.albedo, source, options.loading));
     const std::shared_ptr<img::Image> normal = loadNormal(options.normal, source, options.loading);
     if (options.displayReferred && !isFloat(source.stored)) {
         forEachPixel(*color, [](const img::Color& pixel) { return pixel.toSrgb(); }); // back to what is stored
     }
     denoise(*color, *albedo, *normal, options);
-    return makeBitmap(*color, options.displayReferred, source.stored, form);
+    return makePixels(*color, options.displayReferred, source.stored, layout);
 }
 
 void runDenoise(const DenoiseOptions& options) {
     requireGuides(options);
-    const FREE_IMAGE_FORMAT format = outputFormat(options.output);
+    const FileFormat format = outputFormat(options.output);
     checkResultFile(options.output, {options.albedo, options.normal});
     constexpr std::uint64_t WORKING_BYTES = 3 * 4 * sizeof(float); // what the denoiser itself takes has its own limits
     requireMemory({{options.color, options.albedo, options.normal}, {options.output}, WORKING_BYTES}, options.memory);
     Picture source = loadPicture(options.color, options.loading);
-    const Form form = chooseForm(options.output, format, source.stored);
-    warnOfLosses(options.output, source, form);
-    prepareAlpha(source, format, form, false); // renderers' colours are denoised as they lie in the file
-    Bitmap bitmap = render(source, form, options);
+    const SampleLayout layout = chooseLayout(options.output, format, source.stored);
+    warnOfLosses(options.output, source, layout);
+    prepareAlpha(source, format, layout, false); // renderers' colours are denoised as they lie in the file
+    PixelBuffer pixels = render(source, layout, options);
     OutputFile file(options.output);
-    encodePicture(file, options.output, format, std::move(bitmap), form, source, options.encoding);
+    encodePicture(file, options.output, format, std::move(pixels), layout, source, options.encoding);
     file.commit();
 }
 

@@ -36,7 +36,7 @@ struct HistogramOptions {
     std::string input;
     std::string output;
     ParameterOptions adjustments;
-    LoadOptions loading;
+    ReadOptions loading;
     std::uint64_t memory = 0; ///< the default
     ShowOption showing;
     bool json = false;
@@ -104,17 +104,17 @@ void runHistogram(const HistogramOptions& options) {
     img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
     requireMemory({{options.input}, {options.input}}, options.memory); // what is counted is a picture like the input
     Picture source = loadPicture(options.input, options.loading);
-    prepareAlpha(source, FIF_PNG, source.form, true); // counted unpremultiplied
+    straightenAlpha(source);
     connect(pipeline, source);
-    const Histogram histogram = countValues(render(pipeline, source, source.form), source.form);
+    const Histogram histogram = countValues(render(pipeline, source, source.pixels.layout()).image());
     const std::string title = harmless(fileNameOf(options.input));
     if (!options.output.empty() || options.showing.wanted()) {
-        const Bitmap chart = drawChart(histogram, title, subtitleOf(source));
+        const PixelBuffer chart = drawChart(histogram, title, subtitleOf(source));
         if (!options.output.empty()) {
-            writeResultFile(options.output, chart, Form::RGB8, blankOriginal(), EncodeOptions());
+            writeResultFile(options.output, chart.image(), SampleLayout::RGB8, Picture(), WriteOptions());
         }
         if (options.showing.wanted()) {
-            options.showing.show(chart, Form::RGB8);
+            options.showing.show(chart.image());
         }
     } else if (!options.json) {
         print(drawAsText(histogram, title + "  " + subtitleOf(source),

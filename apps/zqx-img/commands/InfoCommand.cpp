@@ -14,6 +14,7 @@
 #include "terminal/Terminal.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/Metadata.h"
+#include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
 #include "zqx/pictures/metadata/ExifSummary.h"
 #include "zqx/pictures/metadata/MetadataReader.h"
 
@@ -24,36 +25,6 @@ using namespace pictures;
 namespace {
 
 constexpr double METRES_PER_INCH = 0.0254;
-
-const char* typeName(FREE_IMAGE_TYPE type) {
-    switch (type) {
-    case FIT_BITMAP: return "8-bit or less";
-    case FIT_UINT16: return "unsigned 16-bit";
-    case FIT_INT16: return "signed 16-bit";
-    case FIT_UINT32: return "unsigned 32-bit";
-    case FIT_INT32: return "signed 32-bit";
-    case FIT_FLOAT: return "32-bit float";
-    case FIT_DOUBLE: return "64-bit float";
-    case FIT_COMPLEX: return "complex";
-    case FIT_RGB16: return "unsigned 16-bit, three channels";
-    case FIT_RGBA16: return "unsigned 16-bit, four channels";
-    case FIT_RGBF: return "32-bit float, three channels";
-    case FIT_RGBAF: return "32-bit float, four channels";
-    default: return "unknown";
-    }
-}
-
-const char* colorTypeName(FREE_IMAGE_COLOR_TYPE type) {
-    switch (type) {
-    case FIC_MINISWHITE: return "grey, 0 is white";
-    case FIC_MINISBLACK: return "grey";
-    case FIC_RGB: return "RGB";
-    case FIC_PALETTE: return "palette";
-    case FIC_RGBALPHA: return "RGB with alpha";
-    case FIC_CMYK: return "CMYK";
-    }
-    return "unknown";
-}
 
 /// Valid UTF-8, whatever bytes a file or its name hold: others become the replacement character.
 std::string toUtf8(const std::string& text) {
@@ -72,22 +43,19 @@ std::string toUtf8(const std::string& text) {
 
 struct Info {
     std::string name;
-    FREE_IMAGE_FORMAT format;
-    Bitmap bitmap;
+    FileFormat format;
+    PixelDescription pixels;
     SourceMetadata metadata;
     ExifSummary exif;
-
-    FIBITMAP* get() const { return bitmap.get(); }
 };
 
-Info inspect(const std::string& name, const LoadLimits& limits) {
+Info inspect(const std::string& name, const Limits& limits) {
     InputFile file = openPicture(name);
-    const FREE_IMAGE_FORMAT format = examine(file, limits).format; // some have to be decoded
+    const FileFormat format = examine(file, limits).format; // some have to be decoded
     Info info{name, format, {}, {}, {}};
-    info.bitmap = decodeBitmap(file, format, FreeImage_FIFSupportsNoPixels(format) ? FIF_LOAD_NOPIXELS : 0);
+    info.pixels = describeByFreeImage(file, format);
     info.metadata = readMetadata(name, format);
-    completeResolution(info.get(), info.metadata);
-    completeFrom(info.get(), info.metadata.blocks);
+    completeMetadata(info.metadata, info.pixels.metadata);
     info.exif = summarizeExif(info.metadata.blocks.exif);
     return info;
 }
@@ -108,9 +76,8 @@ void print(const char* label, const std::string& value) {
     std::printf("%-15s %s\n", label, value.c_str());
 }
 
-void printResolution(FIBITMAP* bitmap) {
-    const unsigned x = FreeImage_GetDotsPerMeterX(bitmap);
-    const unsigned y = FreeImage_GetDotsPerMeterY(bitmap);
+void printResolution(Resolution resolution) {
+    const auto [x, y] = resolution;
     char text[96];
     std::snprintf(text, sizeof text, "%u x %u dots per metre (%.0f x %.0f dpi)", x, y, x * METRES_PER_INCH,
                   y * METRES_PER_INCH);
@@ -131,16 +98,15 @@ void printMetadata(const Metadata& metadata) {
 }
 
 void printText(const Info& info) {
-    FIBITMAP* bitmap = info.get();
+    const PixelDescription& pixels = info.pixels;
     print("file", harmless(info.name));
-    print("format",
-          std::string(FreeImage_GetFormatFromFIF(info.format)) + " (" + FreeImage_GetFIFDescription(info.format) + ")");
-    print("size", std::to_string(FreeImage_GetWidth(bitmap)) + " x " + std::to_string(FreeImage_GetHeight(bitmap)));
-    print("bits per pixel", std::to_string(FreeImage_GetBPP(bitmap)));
-    print("samples", typeName(FreeImage_GetImageType(bitmap)));
-    print("colour", colorTypeName(FreeImage_GetColorType(bitmap)));
-    print("transparency", FreeImage_IsTransparent(bitmap) ? "yes" : "no");
-    printResolution(bitmap);
+    print("format", std::string(nameOf(info.format)) + " (" + descriptionOf(info.format) + ")");
+    print("size", std::to_string(pixels.width) + " x " + std::to_string(pixels.height));
+    print("bits per pixel", std::to_string(pixels.bitsPerPixel));
+    print("samples", pixels.samples);
+    print("colour", pixels.color);
+    print("transparency", pixels.transparent ? "yes" : "no");
+    printResolution(info.metadata.blocks.resolution);
     const std::size_t profile = info.metadata.blocks.icc.size();
     print("colour profile", profile > 0 ? std::to_string(profile) + " bytes" : "none");
     if (const int orientation = info.metadata.orientation; orientation != UPRIGHT) {
@@ -199,20 +165,21 @@ void writeMetadata(JsonWriter& json, const Info& info) {
 }
 
 void printJson(const Info& info) {
-    FIBITMAP* bitmap = info.get();
+    const PixelDescription& pixels = info.pixels;
+    const Resolution resolution = info.metadata.blocks.resolution;
     rapidjson::StringBuffer text;
     JsonWriter json(text);
     json.StartObject();
     writeText(json, "file", info.name);
-    writeText(json, "format", FreeImage_GetFormatFromFIF(info.format));
-    writeNumber(json, "width", FreeImage_GetWidth(bitmap));
-    writeNumber(json, "height", FreeImage_GetHeight(bitmap));
-    writeNumber(json, "bitsPerPixel", FreeImage_GetBPP(bitmap));
-    writeText(json, "samples", typeName(FreeImage_GetImageType(bitmap)));
-    writeText(json, "colour", colorTypeName(FreeImage_GetColorType(bitmap)));
-    writeFlag(json, "transparency", FreeImage_IsTransparent(bitmap) != 0);
-    writeNumber(json, "dotsPerMetreX", FreeImage_GetDotsPerMeterX(bitmap));
-    writeNumber(json, "dotsPerMetreY", FreeImage_GetDotsPerMeterY(bitmap));
+    writeText(json, "format", nameOf(info.format));
+    writeNumber(json, "width", pixels.width);
+    writeNumber(json, "height", pixels.height);
+    writeNumber(json, "bitsPerPixel", pixels.bitsPerPixel);
+    writeText(json, "samples", pixels.samples);
+    writeText(json, "colour", pixels.color);
+    writeFlag(json, "transparency", pixels.transparent);
+    writeNumber(json, "dotsPerMetreX", resolution.x);
+    writeNumber(json, "dotsPerMetreY", resolution.y);
     json.Key("orientation");
     json.Int(info.metadata.orientation);
     writeMetadata(json, info);
@@ -223,7 +190,7 @@ void printJson(const Info& info) {
 struct InfoOptions {
     std::string name;
     bool json = false;
-    LoadOptions loading;
+    ReadOptions loading;
 };
 
 constexpr const char* FOOTER = R"(

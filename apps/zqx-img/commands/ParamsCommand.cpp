@@ -6,7 +6,7 @@
 #include "commands/Commands.h"
 #include "options/ParameterOptions.h"
 #include "terminal/Terminal.h"
-#include "zqx/pictures/codecs/Form.h"
+#include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/OutputFile.h"
 #include "zqx/tools/parameters/ParameterTable.h"
@@ -54,7 +54,7 @@ void checkCombination(const ParamsOptions& options) {
 
 /// What is written is text; under a picture's name it would pass for one.
 void checkOutput(const ParamsOptions& options) {
-    if (formatOfName(options.output) != FIF_UNKNOWN) {
+    if (formatOfName(options.output) != FileFormat::UNKNOWN) {
         throw UsageError(options.output,
                          "is the name of a picture, but this is text; choose a name that ends in .json");
     }

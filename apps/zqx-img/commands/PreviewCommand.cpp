@@ -22,7 +22,7 @@
 #include "zqx/pictures/codecs/Alpha.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/Encode.h"
-#include "zqx/pictures/codecs/EncodeOptions.h"
+#include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/tools/analysis/AreaAverage.h"
 #include "zqx/tools/analysis/Render.h"
@@ -45,24 +45,18 @@ struct PreviewOptions {
     std::optional<unsigned> size;
     ParameterOptions adjustments;
     std::vector<std::string> sheet; // parameter documents
-    LoadOptions loading;
+    ReadOptions loading;
     std::uint64_t memory = 0; ///< the default
     ShowOption showing;
     bool beforeAfter = false;
-    EncodeOptions encoding;
-};
-
-/// What is written and shown.
-struct Result {
-    Bitmap bitmap;
-    Form form;
+    WriteOptions encoding;
 };
 
 /// Colours are averaged unpremultiplied.
 Picture loadStraight(const PreviewOptions& options) {
     requireMemory({{options.input}, {options.input}}, options.memory); // at most as large as the input
     Picture picture = loadPicture(options.input, options.loading);
-    prepareAlpha(picture, FIF_PNG, picture.form, true);
+    straightenAlpha(picture);
     return picture;
 }
 
@@ -70,10 +64,7 @@ Picture loadStraight(const PreviewOptions& options) {
 Picture reduced(Picture picture, unsigned longestSide) {
     const Size size = {picture.width(), picture.height()};
     if (const Size smaller = fitted(size, longestSide); smaller != size) {
-        Bitmap bitmap = areaAverage(picture.bitmap, picture.form, smaller);
-        FreeImage_SetDotsPerMeterX(bitmap.get(), FreeImage_GetDotsPerMeterX(picture.bitmap.get()));
-        FreeImage_SetDotsPerMeterY(bitmap.get(), FreeImage_GetDotsPerMeterY(picture.bitmap.get()));
-        picture.bitmap = std::move(bitmap);
+        picture.pixels = areaAverage(picture.image(), smaller);
     }
     return picture;
 }
@@ -110,34 +101,34 @@ std::vector<img::ImageProcessingPipeline> sheetPipelines(const PreviewOptions& o
     return pipelines;
 }
 
-Result makeSheet(const PreviewOptions& options, std::vector<img::ImageProcessingPipeline> pipelines,
-                 const Picture& source) {
+PixelBuffer makeSheet(const PreviewOptions& options, std::vector<img::ImageProcessingPipeline> pipelines,
+                      const Picture& source) {
     std::vector<std::string> labels = {"original"};
     for (const std::string& document : options.sheet) {
         labels.push_back(stemOf(document));
     }
     ContactSheet sheet(std::move(labels), source.width(), source.height());
-    sheet.place(0, source.bitmap, source.form);
+    sheet.place(0, source.image());
     for (std::size_t i = 0; i < pipelines.size(); ++i) {
         connect(pipelines[i], source);
-        sheet.place(i + 1, render(pipelines[i], source, source.form), source.form);
+        sheet.place(i + 1, render(pipelines[i], source, source.pixels.layout()).image());
     }
-    return {sheet.take(), Form::RGB8};
+    return sheet.take();
 }
 
-Result makePreview(const PreviewOptions& options, img::ImageProcessingPipeline pipeline, const Picture& source,
-                   Form form) {
+PixelBuffer makePreview(const PreviewOptions& options, img::ImageProcessingPipeline pipeline, const Picture& source,
+                        SampleLayout layout) {
     connect(pipeline, source);
-    Result result = {render(pipeline, source, form), form};
+    PixelBuffer result = render(pipeline, source, layout);
     if (options.beforeAfter) {
-        splitWith(result.bitmap, form, pipeline, source);
+        splitWith(result, pipeline, source);
     }
     return result;
 }
 
 /// A sheet keeps nothing of its source but the meaning of its colours.
 Picture originalOfSheet(const Picture& source) {
-    Picture original = blankOriginal();
+    Picture original;
     if (hasColor(source.stored) && !isFloat(source.stored)) {
         original.metadata.icc = source.metadata.icc;
     }
@@ -159,26 +150,27 @@ void checkOptions(const PreviewOptions& options) {
 }
 
 /// Of the output file; what is only shown is shown like a PNG.
-FREE_IMAGE_FORMAT formatFor(const PreviewOptions& options) {
-    return options.output.empty() ? FIF_PNG : outputFormat(options.output);
+FileFormat formatFor(const PreviewOptions& options) {
+    return options.output.empty() ? FileFormat::PNG : outputFormat(options.output);
 }
 
-/// The form of the output file, or of the picture where there is only something to show.
-Form formFor(const PreviewOptions& options, const Picture& source) {
+/// The layout of the output file, or of the pixels where there is only something to show.
+SampleLayout layoutFor(const PreviewOptions& options, const Picture& source) {
     if (options.output.empty()) {
-        return source.form;
+        return source.pixels.layout();
     }
-    const Form form = chooseForm(options.output, formatFor(options), source.stored);
-    warnOfLosses(options.output, source, form);
-    return form;
+    const SampleLayout layout = chooseLayout(options.output, formatFor(options), source.stored);
+    warnOfLosses(options.output, source, layout);
+    return layout;
 }
 
-void finish(const PreviewOptions& options, const Result& result, const Picture& original) {
+/// @param layout that the file should have
+void finish(const PreviewOptions& options, const PixelBuffer& result, SampleLayout layout, const Picture& original) {
     if (!options.output.empty()) {
-        writeResultFile(options.output, result.bitmap, result.form, original, options.encoding);
+        writeResultFile(options.output, result.image(), layout, original, options.encoding);
     }
     if (options.showing.wanted()) {
-        options.showing.show(result.bitmap, result.form);
+        options.showing.show(result.image());
     }
 }
 
@@ -187,14 +179,14 @@ void runPreview(const PreviewOptions& options) {
     if (options.sheet.empty()) {
         const img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
         Picture source = reduced(loadStraight(options), options.size.value_or(DEFAULT_SIZE));
-        const Form form = formFor(options, source);
-        prepareAlpha(source, formatFor(options), form, true);
-        finish(options, makePreview(options, pipeline, source, form), source);
+        const SampleLayout layout = layoutFor(options, source);
+        prepareAlpha(source, formatFor(options), layout, true);
+        finish(options, makePreview(options, pipeline, source, layout), layout, source);
     } else {
         const std::vector<img::ImageProcessingPipeline> pipelines = sheetPipelines(options);
         const unsigned size = options.size.value_or(DEFAULT_SIZE_ON_SHEET);
         const Picture source = reduced(loadStraight(options), size);
-        finish(options, makeSheet(options, pipelines, source), originalOfSheet(source));
+        finish(options, makeSheet(options, pipelines, source), SampleLayout::RGB8, originalOfSheet(source));
     }
 }
 

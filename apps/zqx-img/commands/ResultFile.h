@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "zqx/pictures/Picture.h"
-#include "zqx/pictures/codecs/EncodeOptions.h"
+#include "zqx/pictures/codecs/WriteOptions.h"
 
 namespace zqx::app {
 
@@ -13,12 +13,10 @@ namespace zqx::app {
 /// @throws Error, and UsageError for a name of no picture format or that of an input
 void checkResultFile(const std::string& name, const std::vector<std::string>& inputs);
 
-/// Writes a bitmap in the form nearest to its own that the file can hold.
-/// @param original what its colours and metadata come from. @throws Error
-void writeResultFile(const std::string& name, const pictures::Bitmap& bitmap, pictures::Form form,
-                     const pictures::Picture& original, const pictures::EncodeOptions& encoding);
-
-/// An original without metadata to pass on.
-pictures::Picture blankOriginal();
+/// Writes an image in the layout nearest to a wanted one that the file can hold.
+/// @param wanted the image is in its working layout
+/// @param original what its colours and metadata come from; an empty one has nothing to pass on. @throws Error
+void writeResultFile(const std::string& name, const img::Image& image, pictures::SampleLayout wanted,
+                     const pictures::Picture& original, const pictures::WriteOptions& encoding);
 
 } // namespace zqx::app

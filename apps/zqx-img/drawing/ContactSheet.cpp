@@ -9,6 +9,7 @@
 #include <zqx/img/Color.h>
 
 #include "drawing/Drawing.h"
+#include "kernels/ScalarMaths.h"
 #include "zqx/pictures/files/Error.h"
 
 namespace zqx::app {
@@ -20,7 +21,7 @@ namespace {
 constexpr unsigned NARROWEST_CELL = 160; // room for a label
 constexpr unsigned SMALLEST_LETTERS = 13;
 constexpr unsigned LARGEST_LETTERS = 36;
-constexpr BYTE GROUND = 48;
+constexpr unsigned char GROUND = 48;
 constexpr Ink GROUND_INK{GROUND / 255.0, GROUND / 255.0, GROUND / 255.0};
 constexpr Ink LABEL_INK{0.93, 0.93, 0.93};
 
@@ -51,7 +52,7 @@ std::size_t bestColumns(std::size_t cells, std::size_t cellWidth, std::size_t ce
         const std::size_t rows = rowsFor(cells, columns);
         const double shape =
             static_cast<double>(sideOf(columns, cellWidth, gap)) / static_cast<double>(sideOf(rows, cellHeight, gap));
-        if (const double distance = std::abs(std::log(shape / SHAPE)); distance < least) {
+        if (const double distance = std::abs(img::kernels::maths::log(shape / SHAPE)); distance < least) {
             least = distance;
             best = columns;
         }
@@ -88,9 +89,9 @@ ContactSheet::ContactSheet(std::vector<std::string> labels, unsigned pictureWidt
     if (width > LARGEST / 4 || height > LARGEST) {
         throw UsageError("--size", "too large for a sheet of this many pictures; choose a smaller size");
     }
-    mSheet = allocateBitmap(Form::RGB8, static_cast<unsigned>(width), static_cast<unsigned>(height));
+    mSheet = PixelBuffer(width, height, SampleLayout::RGB8);
     for (std::size_t y = 0; y < height; ++y) {
-        std::fill_n(FreeImage_GetScanLine(mSheet.get(), static_cast<int>(y)), 3 * width, GROUND);
+        std::fill_n(static_cast<unsigned char*>(mSheet.image().getRowPtr(y)), 3 * width, GROUND);
     }
     for (std::size_t number = 0; number < mLabels.size(); ++number) {
         drawLabel(number);
@@ -115,22 +116,21 @@ void ContactSheet::drawLabel(std::size_t number) {
         warn(mLabels[number], "no installed font has all characters of this label");
     }
     const Corner corner = cornerOf(number);
-    label.copyTo(mSheet, corner.x + (mCellWidth - width) / 2, corner.y + mPictureHeight);
+    label.copyTo(mSheet.image(), corner.x + (mCellWidth - width) / 2, corner.y + mPictureHeight);
 }
 
-void ContactSheet::place(std::size_t number, const Bitmap& picture, Form form) {
+void ContactSheet::place(std::size_t number, const img::Image& picture) {
     Corner corner = cornerOf(number);
     corner.x += (mCellWidth - mPictureWidth) / 2;
-    const img::Image sheet = viewOf(mSheet, Form::RGB8);
-    const std::size_t below = sheet.getHeight() - corner.y - mPictureHeight; // rows count from the bottom in bitmaps
-    img::Image place(sheet.getPixelPtr(corner.x, below), mPictureWidth, mPictureHeight, sheet.getFormat(),
+    const img::Image& sheet = mSheet.image();
+    img::Image place(sheet.getPixelPtr(corner.x, corner.y), mPictureWidth, mPictureHeight, sheet.getFormat(),
                      sheet.getByteRowStride());
-    if (hasAlpha(form)) {
-        const std::shared_ptr<img::Image> pixels = viewOf(picture, form).convertTo(img::Image::RGBA32F);
+    if (hasAlpha(layoutOf(picture))) {
+        const std::shared_ptr<img::Image> pixels = picture.convertTo(img::Image::RGBA32F);
         putOnGround(*pixels);
         place.convertFrom(*pixels);
     } else {
-        place.convertFrom(viewOf(picture, form));
+        place.convertFrom(picture);
     }
 }
 

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "zqx/pictures/codecs/Form.h"
+#include "zqx/pictures/PixelBuffer.h"
 
 namespace zqx::app {
 
@@ -16,10 +16,10 @@ public:
     ContactSheet(std::vector<std::string> labels, unsigned pictureWidth, unsigned pictureHeight);
 
     /// Puts a picture in its place. Transparent ones show the grey of the sheet.
-    void place(std::size_t number, const pictures::Bitmap& picture, pictures::Form form);
+    void place(std::size_t number, const img::Image& picture);
 
-    /// The sheet, a bitmap of 24 bits.
-    pictures::Bitmap take() { return std::move(mSheet); }
+    /// The sheet, colour of 8 bits.
+    pictures::PixelBuffer take() { return std::move(mSheet); }
 
 private:
     struct Corner {
@@ -36,7 +36,7 @@ private:
     unsigned mLetters;   // their height, which all spaces follow
     std::size_t mColumns;
     std::size_t mRows;
-    pictures::Bitmap mSheet;
+    pictures::PixelBuffer mSheet;
 };
 
 } // namespace zqx::app

@@ -93,15 +93,14 @@ Drawing::Drawing(unsigned width, unsigned height, const Ink& background)
     mCanvas->fillRectangle({0.0, 0.0}, width, height, background);
 }
 
-void Drawing::copyTo(const Bitmap& bitmap, unsigned x, unsigned y) const {
+void Drawing::copyTo(img::Image& image, unsigned x, unsigned y) const {
     const std::uint32_t* from = mPixels.data();
-    for (unsigned row = 0; row < mHeight; ++row, from += mWidth) {
-        const unsigned rowFromBelow = FreeImage_GetHeight(bitmap.get()) - 1 - y - row;
-        BYTE* to = FreeImage_GetScanLine(bitmap.get(), static_cast<int>(rowFromBelow)) + std::size_t{3} * x;
-        for (unsigned column = 0; column < mWidth; ++column, to += 3) {
-            to[FI_RGBA_RED] = static_cast<BYTE>(from[column] >> 16 & 0xFF);
-            to[FI_RGBA_GREEN] = static_cast<BYTE>(from[column] >> 8 & 0xFF);
-            to[FI_RGBA_BLUE] = static_cast<BYTE>(from[column] & 0xFF);
+    for (unsigned row = 0; row < mHeight; ++row) {
+        auto* to = static_cast<unsigned char*>(image.getPixelPtr(x, y + row));
+        for (unsigned column = 0; column < mWidth; ++column, ++from) {
+            for (const unsigned shift : {0U, 8U, 16U}) { // blue, green, red
+                *to++ = static_cast<unsigned char>(*from >> shift & 0xFFU);
+            }
         }
     }
 }

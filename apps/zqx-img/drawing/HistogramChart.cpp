@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "drawing/Drawing.h"
+#include "kernels/ScalarMaths.h"
 #include "zqx/pictures/files/Error.h"
 
 namespace zqx::app {
@@ -65,7 +66,7 @@ void drawScales(Canvas& canvas) {
     constexpr int DARKEST_STOP = 7; // further ones would be closer than their names are wide
     canvas.fillRectangle({LEFT, TOP}, RIGHT - LEFT, BOTTOM - TOP, PLOT);
     for (int stop = 1; stop <= DARKEST_STOP; ++stop) {
-        const double x = placeOf(255.0 * std::pow(2.0, -stop / GAMMA));
+        const double x = placeOf(255.0 * img::kernels::maths::exp2(-stop / GAMMA));
         drawVertical(canvas, x, TOP, BOTTOM, GRID);
         canvas.drawText({x, TOP - 10.0}, "\xE2\x88\x92" + std::to_string(stop), {13.0, FAINT_TEXT, Align::MIDDLE});
     }
@@ -151,7 +152,7 @@ std::string outOfRangeOf(const Histogram& histogram) {
 
 } // namespace
 
-Bitmap drawChart(const Histogram& histogram, const std::string& title, const std::string& subtitle) {
+PixelBuffer drawChart(const Histogram& histogram, const std::string& title, const std::string& subtitle) {
     constexpr double TITLE_WIDTH = 520.0;
     Drawing drawing(WIDTH, HEIGHT, BACKGROUND);
     Canvas& canvas = drawing.canvas();
@@ -165,9 +166,9 @@ Bitmap drawChart(const Histogram& histogram, const std::string& title, const std
     if (histogram.outOfRange) {
         canvas.drawText({LEFT, 100.0}, outOfRangeOf(histogram), {14.0, FAINT_TEXT, Align::LEFT, false, TITLE_WIDTH});
     }
-    Bitmap bitmap = allocateBitmap(Form::RGB8, WIDTH, HEIGHT);
-    drawing.copyTo(bitmap, 0, 0);
-    return bitmap;
+    PixelBuffer chart(WIDTH, HEIGHT, SampleLayout::RGB8);
+    drawing.copyTo(chart.image(), 0, 0);
+    return chart;
 }
 
 } // namespace zqx::app

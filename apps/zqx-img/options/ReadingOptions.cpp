@@ -19,7 +19,7 @@ constexpr const char* GROUP = "Limits";
 
 } // namespace
 
-void addLimitOptions(CLI::App& command, pictures::LoadLimits& limits) {
+void addLimitOptions(CLI::App& command, pictures::Limits& limits) {
     addCountOption(command, "--max-width", limits.width, std::to_string(limits.width), "Refuse wider pictures")
         ->group(GROUP);
     addCountOption(command, "--max-height", limits.height, std::to_string(limits.height), "Refuse taller pictures")
@@ -28,7 +28,7 @@ void addLimitOptions(CLI::App& command, pictures::LoadLimits& limits) {
     addSizeOption(command, "--max-bytes", limits.bytes, "4G", "Refuse larger files")->group(GROUP);
 }
 
-void addReadingOptions(CLI::App& command, pictures::LoadOptions& options) {
+void addReadingOptions(CLI::App& command, pictures::ReadOptions& options) {
     addLimitOptions(command, options.limits);
     const auto turnOn = [&options] {
         if (!pictures::canIsolate()) {

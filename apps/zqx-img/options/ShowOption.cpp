@@ -51,9 +51,8 @@ void ShowOption::check() const {
     }
 }
 
-void ShowOption::show(const Bitmap& bitmap, Form form) const {
-    const std::shared_ptr<img::Image> pixels = viewOf(bitmap, form).convertTo(img::Image::SRGBA8);
-    pixels->flipVertical();
+void ShowOption::show(const img::Image& image) const {
+    const std::shared_ptr<img::Image> pixels = image.convertTo(img::Image::SRGBA8);
     print(encodeForTerminal({static_cast<const unsigned char*>(pixels->getDataPtr()),
                              static_cast<unsigned>(pixels->getWidth()), static_cast<unsigned>(pixels->getHeight()),
                              terminalSize(), protocolOf(protocol), showsUnicode()}));

@@ -12,7 +12,7 @@ namespace zqx::app {
 
 using namespace pictures;
 
-void addWritingOptions(CLI::App& command, pictures::EncodeOptions& options) {
+void addWritingOptions(CLI::App& command, pictures::WriteOptions& options) {
     command.add_option("--quality", options.quality, "Quality of JPEG and WebP output, 1 to 100")
         ->check(wholeNumber(1, 100))
         ->type_name("N")

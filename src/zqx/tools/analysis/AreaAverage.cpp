@@ -42,17 +42,14 @@ private:
     std::size_t mUnit;
 };
 
-std::size_t channelsOf(Form form) {
-    return hasAlpha(form) ? 4 : hasColor(form) ? 3 : 1;
-}
-
 constexpr std::size_t ALPHA = 3; // last in bytes and in floats
 
 template <typename Sample>
 class Averager {
 public:
-    Averager(const img::Image& source, const img::Image& result, Form form)
-        : mSource(source), mResult(result), mChannels(channelsOf(form)), mAlpha(hasAlpha(form)) {
+    Averager(const img::Image& source, const img::Image& result)
+        : mSource(source), mResult(result), mChannels(channelCount(layoutOf(source))),
+          mAlpha(hasAlpha(layoutOf(source))) {
         for (std::size_t x = 0; x < result.getWidth(); ++x) {
             mColumns.emplace_back(x, result.getWidth(), source.getWidth());
         }
@@ -85,7 +82,7 @@ public:
     }
 
 private:
-    static constexpr bool IS_BYTE = std::is_same_v<Sample, BYTE>;
+    static constexpr bool IS_BYTE = std::is_same_v<Sample, unsigned char>;
 
     // How samples become summands and means become samples. Alpha is linear in bytes, too.
     double color(Sample sample) const {
@@ -156,8 +153,8 @@ private:
 };
 
 template <typename Sample>
-void averageRows(const img::Image& source, const img::Image& result, Form form) {
-    const Averager<Sample> averager(source, result, form);
+void averageRows(const img::Image& source, const img::Image& result) {
+    const Averager<Sample> averager(source, result);
 #if defined(__SANITIZE_THREAD__) // it does not see how OpenMP synchronises
     const std::size_t threads = 1;
 #else
@@ -186,16 +183,14 @@ Size fitted(Size size, unsigned longestSide) {
     return {scaled(size.width), scaled(size.height)};
 }
 
-Bitmap areaAverage(const Bitmap& source, Form form, Size size) {
-    Bitmap bitmap = allocateBitmap(form, size.width, size.height);
-    const img::Image from = viewOf(source, form);
-    const img::Image to = viewOf(bitmap, form);
-    if (isFloat(form)) {
-        averageRows<float>(from, to, form);
+PixelBuffer areaAverage(const img::Image& source, Size size) {
+    PixelBuffer result(size.width, size.height, layoutOf(source));
+    if (source.hasFloatFormat()) {
+        averageRows<float>(source, result.image());
     } else {
-        averageRows<BYTE>(from, to, form);
+        averageRows<unsigned char>(source, result.image());
     }
-    return bitmap;
+    return result;
 }
 
 } // namespace zqx::tools

@@ -1,7 +1,7 @@
-// Smaller versions of bitmaps.
+// Smaller versions of pictures.
 #pragma once
 
-#include "zqx/pictures/codecs/Form.h"
+#include "zqx/pictures/PixelBuffer.h"
 
 namespace zqx::tools {
 
@@ -17,10 +17,10 @@ struct Size {
 Size fitted(Size size, unsigned longestSide);
 
 /// Each pixel becomes the mean of the area that it covers in the source, in linear light, exact but for the rounding of
-/// doubles and then to the form. Colour counts by its alpha; where there is none at all, the colour in the middle is
+/// doubles and then to the format. Colour counts by its alpha; where there is none at all, the colour in the middle is
 /// kept. A NaN stays within the pixels that cover it.
-/// @param form of both bitmaps; not a palette
-/// @param size in each direction at least 1 and no more than the bitmap's
-pictures::Bitmap areaAverage(const pictures::Bitmap& source, pictures::Form form, Size size);
+/// @param source in the working format of a layout, as the result
+/// @param size in each direction at least 1 and no more than the source's
+pictures::PixelBuffer areaAverage(const img::Image& source, Size size);
 
 } // namespace zqx::tools

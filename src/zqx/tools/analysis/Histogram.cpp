@@ -9,6 +9,8 @@
 
 #include <omp.h>
 
+#include "zqx/pictures/SampleLayout.h"
+
 namespace zqx::tools {
 
 using namespace pictures;
@@ -35,7 +37,7 @@ float lumaOf(double r, double g, double b) {
 }
 
 /// Where the channels are within a pixel.
-struct Layout {
+struct Channels {
     std::size_t stride;
     std::size_t red;
     std::size_t green;
@@ -44,27 +46,27 @@ struct Layout {
 
 class Counter {
 public:
-    Counter(const img::Image& image, Form form)
-        : mImage(image), mForm(form),
-          mLayout(isFloat(form) ? Layout{image.getBytePixelStride() / sizeof(float), 0, 1, 2}
-                                : Layout{image.getBytePixelStride(), FI_RGBA_RED, FI_RGBA_GREEN, FI_RGBA_BLUE}) {}
+    explicit Counter(const img::Image& image)
+        : mImage(image), mColor(hasColor(layoutOf(image))),
+          mChannels(image.isBGR() ? Channels{image.getBytePixelStride(), 2, 1, 0}
+                                  : Channels{channelCount(layoutOf(image)), 0, 1, 2}) {}
 
     void countRow(std::size_t y, Histogram& histogram) const {
         const void* row = mImage.getRowPtr(y);
-        if (isFloat(mForm)) {
-            hasColor(mForm) ? countColors(static_cast<const float*>(row), histogram)
-                            : countGreys(static_cast<const float*>(row), histogram);
+        if (mImage.hasFloatFormat()) {
+            mColor ? countColors(static_cast<const float*>(row), histogram)
+                   : countGreys(static_cast<const float*>(row), histogram);
         } else {
-            hasColor(mForm) ? countColors(static_cast<const BYTE*>(row), histogram)
-                            : countGreys(static_cast<const BYTE*>(row), histogram);
+            mColor ? countColors(static_cast<const unsigned char*>(row), histogram)
+                   : countGreys(static_cast<const unsigned char*>(row), histogram);
         }
     }
 
 private:
-    static void count(ChannelCounts& counts, BYTE code) { ++counts.bins[code]; }
+    static void count(ChannelCounts& counts, unsigned char code) { ++counts.bins[code]; }
     void count(ChannelCounts& counts, float value) const { countFloat(counts, mNearest, value); }
 
-    double linear(BYTE code) const { return mDecoded[code]; }
+    double linear(unsigned char code) const { return mDecoded[code]; }
     static double linear(float value) { return value; }
 
     template <typename Sample>
@@ -76,10 +78,10 @@ private:
 
     template <typename Sample>
     void countColors(const Sample* pixel, Histogram& histogram) const {
-        for (std::size_t x = 0; x < mImage.getWidth(); ++x, pixel += mLayout.stride) {
-            const Sample r = pixel[mLayout.red];
-            const Sample g = pixel[mLayout.green];
-            const Sample b = pixel[mLayout.blue];
+        for (std::size_t x = 0; x < mImage.getWidth(); ++x, pixel += mChannels.stride) {
+            const Sample r = pixel[mChannels.red];
+            const Sample g = pixel[mChannels.green];
+            const Sample b = pixel[mChannels.blue];
             count(histogram.channels[Histogram::RED], r);
             count(histogram.channels[Histogram::GREEN], g);
             count(histogram.channels[Histogram::BLUE], b);
@@ -88,8 +90,8 @@ private:
     }
 
     const img::Image& mImage;
-    Form mForm;
-    Layout mLayout;
+    bool mColor;
+    Channels mChannels;
     const NearestCode& mNearest = nearestCode();
     const std::array<double, CODES>& mDecoded = decodedCodes();
 };
@@ -103,9 +105,8 @@ void add(ChannelCounts& sum, const ChannelCounts& part) {
 
 } // namespace
 
-Histogram countValues(const Bitmap& bitmap, Form form) {
-    const img::Image image = viewOf(bitmap, form);
-    const Counter counter(image, form);
+Histogram countValues(const img::Image& image) {
+    const Counter counter(image);
 #if defined(__SANITIZE_THREAD__) // it does not see how OpenMP synchronises
     const std::size_t threads = 1;
 #else
@@ -120,7 +121,7 @@ Histogram countValues(const Bitmap& bitmap, Form form) {
         counter.countRow(static_cast<std::size_t>(y), parts[static_cast<std::size_t>(omp_get_thread_num())]);
     }
     Histogram histogram;
-    histogram.color = hasColor(form);
+    histogram.color = hasColor(layoutOf(image));
     histogram.pixels = std::uint64_t{image.getWidth()} * image.getHeight();
     for (const Histogram& part : parts) {
         for (std::size_t channel = 0; channel < histogram.channels.size(); ++channel) {

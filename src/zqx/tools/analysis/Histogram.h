@@ -8,7 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "zqx/pictures/codecs/Form.h"
+#include <zqx/img/Image.h>
+
 #include "zqx/pictures/codecs/StoredScale.h"
 
 namespace zqx::tools {
@@ -44,7 +45,8 @@ struct Histogram {
     std::span<const std::string_view> names() const;
 };
 
-Histogram countValues(const pictures::Bitmap& bitmap, pictures::Form form);
+/// @param image in the working format of a layout
+Histogram countValues(const img::Image& image);
 
 /// A channel in another number of bins of equal width, each with its share of the counts.
 std::vector<double> rebinned(const ChannelCounts& counts, std::size_t bins);

@@ -6,9 +6,8 @@
 #include <zqx/img/ImageProcessingPipeline.h>
 #include <zqx/tools/PictureRecord.h>
 
-#include "zqx/pictures/codecs/EncodeOptions.h"
-#include "zqx/pictures/codecs/Form.h"
-#include "zqx/pictures/codecs/LoadOptions.h"
+#include "zqx/pictures/codecs/ReadOptions.h"
+#include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/OutputFile.h"
 
 namespace zqx::tools {
@@ -16,8 +15,8 @@ namespace zqx::tools {
 /// What is done to every picture of a run.
 struct ApplySettings {
     img::ImageProcessingPipeline pipeline;
-    pictures::LoadOptions loading;
-    pictures::EncodeOptions encoding;
+    pictures::ReadOptions loading;
+    pictures::WriteOptions encoding;
     pictures::OutputFile::Existing existing = pictures::OutputFile::Existing::REPLACE;
 };
 

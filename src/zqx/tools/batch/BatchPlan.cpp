@@ -11,7 +11,7 @@
 #include <zqx/tools/NameTemplate.h>
 #include <zqx/tools/OutputCheck.h>
 
-#include "zqx/pictures/codecs/Form.h"
+#include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"

@@ -9,9 +9,7 @@
 #include <system_error>
 #include <utility>
 
-#include <FreeImage.h>
-
-#include "zqx/pictures/codecs/Form.h"
+#include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
 #include "zqx/tools/batch/FileIdentity.h"
@@ -35,8 +33,7 @@ std::string extensionOf(const fs::path& path) {
 }
 
 bool isReadable(const std::string& extension) {
-    const FREE_IMAGE_FORMAT format = formatOfName("." + extension);
-    return format != FIF_UNKNOWN && FreeImage_FIFSupportsReading(format) != 0;
+    return canRead(formatOfName("." + extension));
 }
 
 /// Pictures that other programs write, whatever this build reads. Who has a folder of them takes them for pictures, and

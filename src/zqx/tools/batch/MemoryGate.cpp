@@ -7,10 +7,8 @@
 #include <limits>
 #include <optional>
 
-#include <FreeImage.h>
-
+#include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/bytes/PictureHeader.h"
-#include "zqx/pictures/codecs/Form.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/text/Amounts.h"
@@ -60,12 +58,12 @@ struct EncodingNeed {
 
 EncodingNeed encodingNeed(const std::string& output, std::uint64_t working) {
     switch (formatOfName(output)) {
-    case FIF_EXR:
-    case FIF_HDR:
-    case FIF_PFM: return {sizeof(float), 2 * sizeof(float)};
-    case FIF_JP2:
-    case FIF_J2K: return {working, 2 * sizeof(std::int32_t)}; // samples and wavelet coefficients
-    default: return {working, 2 * working};                   // its own copy, and the file
+    case FileFormat::EXR:
+    case FileFormat::HDR:
+    case FileFormat::PFM: return {sizeof(float), 2 * sizeof(float)};
+    case FileFormat::JP2:
+    case FileFormat::J2K: return {working, 2 * sizeof(std::int32_t)}; // samples and wavelet coefficients
+    default: return {working, 2 * working};                           // its own copy, and the file
     }
 }
 
@@ -95,7 +93,7 @@ std::uint64_t multiplied(std::uint64_t a, std::uint64_t b) {
 }
 
 std::optional<PictureHeader> headerOf(const std::string& name) {
-    const bool raw = formatOfName(name) == FIF_RAW; // their headers describe a small preview
+    const bool raw = formatOfName(name) == FileFormat::RAW; // their headers describe a small preview
     return raw ? std::nullopt : readPictureHeader(name);
 }
 
@@ -122,7 +120,7 @@ std::uint64_t needByFileSize(const std::string& name) {
     if (failure) {
         return 0; // loading tells what is wrong
     }
-    return multiplied(size, formatOfName(name) == FIF_RAW ? RAW : COMPRESSED);
+    return multiplied(size, formatOfName(name) == FileFormat::RAW ? RAW : COMPRESSED);
 }
 
 } // namespace

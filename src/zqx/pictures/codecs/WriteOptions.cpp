@@ -1,16 +1,17 @@
 // What of a source's metadata is wanted.
-#include "zqx/pictures/codecs/EncodeOptions.h"
+#include "zqx/pictures/codecs/WriteOptions.h"
 
 #include <algorithm>
 
 namespace zqx::pictures {
 
-Metadata EncodeOptions::stripped(const Metadata& metadata) const {
+Metadata WriteOptions::stripped(const Metadata& metadata) const {
     const auto isWanted = [this](const char* name) {
         return std::ranges::none_of(strippings,
                                     [&](const std::string& stripped) { return stripped == name || stripped == "all"; });
     };
     Metadata result;
+    result.resolution = metadata.resolution;
     if (isWanted("icc")) {
         result.icc = metadata.icc;
     }

@@ -1,10 +1,8 @@
 // FreeImage's words, which reach a program only through one function for the whole process.
-#include "zqx/pictures/codecs/FreeImageMessages.h"
+#include "zqx/pictures/codecs/freeimage/FreeImageMessages.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstdarg>
-#include <cstddef>
 
 #if defined(__unix__)
 #include <dlfcn.h>
@@ -16,9 +14,7 @@ namespace zqx::pictures {
 
 namespace {
 
-thread_local std::string tMessages;       // pictures are decoded by several threads
-thread_local std::size_t tKnownWords = 0; // of the other listener, from before
-std::atomic<std::string (*)()> gOtherListener = nullptr;
+thread_local std::string tMessages; // pictures are decoded by several threads
 
 void addMessage(std::string& messages, std::string line) {
     std::ranges::replace_if(
@@ -31,12 +27,6 @@ void addMessage(std::string& messages, std::string line) {
 
 void DLL_CALLCONV noteMessage(FREE_IMAGE_FORMAT, const char* message) {
     addMessage(tMessages, message);
-}
-
-/// All that the other listener heard on this thread.
-std::string otherWords() {
-    const auto listener = gOtherListener.load();
-    return listener != nullptr ? listener() : std::string();
 }
 
 /// The TIFF decoder's library writes to standard error by itself, at length and about harmless tags. What matters of it
@@ -55,30 +45,18 @@ void quietenTiffLibrary() {
 } // namespace
 
 void listenToFreeImage() {
-    static const bool listening = (FreeImage_SetOutputMessage(noteMessage), quietenTiffLibrary(), true);
-    (void)listening;
+    static const bool quiet = (quietenTiffLibrary(), true);
+    (void)quiet;
+    FreeImage_SetOutputMessage(noteMessage); // each time: FreeImage speaks to the last one who asked it to
     tMessages.clear();
-    tKnownWords = otherWords().size();
 }
 
 std::string freeImageMessages() {
-    std::string messages = tMessages;
-    std::string words = otherWords();
-    words.erase(0, tKnownWords);
-    addMessage(messages, words.starts_with("; ") ? words.substr(2) : words);
-    return messages;
-}
-
-void alsoAsk(std::string (*words)()) {
-    gOtherListener = words;
-}
-
-std::string inParentheses(const std::string& words) {
-    return words.empty() ? words : " (" + words + ")";
+    return tMessages;
 }
 
 std::string inItsWords() {
-    return inParentheses(freeImageMessages());
+    return tMessages.empty() ? tMessages : " (" + tMessages + ")";
 }
 
 } // namespace zqx::pictures

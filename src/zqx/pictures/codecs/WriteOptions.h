@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "zqx/pictures/Picture.h"
+#include "zqx/pictures/Metadata.h"
 
 namespace zqx::pictures {
 
 /// The trade between size and likeness, and what is not to travel from the source into the file.
-struct EncodeOptions {
+struct WriteOptions {
     int quality = 92;                    ///< 1 to 100, for the formats that have one
     std::vector<std::string> strippings; ///< classes of metadata to leave out: icc, exif, xmp, iptc, all
 

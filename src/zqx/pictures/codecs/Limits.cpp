@@ -1,5 +1,5 @@
 // Refusals of pictures that are too large.
-#include "zqx/pictures/codecs/LoadLimits.h"
+#include "zqx/pictures/codecs/Limits.h"
 
 #include "zqx/pictures/files/Error.h"
 #include "zqx/text/Amounts.h"
@@ -14,13 +14,13 @@ void refuse(const std::string& name, const std::string& fact, const std::string&
 
 } // namespace
 
-void checkFileSize(const std::string& name, std::uint64_t bytes, const LoadLimits& limits) {
+void checkFileSize(const std::string& name, std::uint64_t bytes, const Limits& limits) {
     if (bytes > limits.bytes) {
         refuse(name, "is a file of " + text::exactSize(bytes), text::exactSize(limits.bytes), "--max-bytes");
     }
 }
 
-void checkPictureSize(const std::string& name, const PictureSize& size, const LoadLimits& limits) {
+void checkPictureSize(const std::string& name, const PictureSize& size, const Limits& limits) {
     if (size.width > limits.width) {
         refuse(name, "is " + std::to_string(size.width) + " pixels wide", std::to_string(limits.width), "--max-width");
     }

@@ -11,13 +11,7 @@ void listenToFreeImage();
 /// What FreeImage said on this thread since it last began to listen; empty when nothing.
 std::string freeImageMessages();
 
-/// Asks somebody else, too, who listens to FreeImage on all threads and does not forget while a thread listens here:
-/// FreeImage speaks to the last one who asked it to.
-void alsoAsk(std::string (*words)());
-
-/// " (words)", or nothing where there are none.
-std::string inParentheses(const std::string& words);
-/// The messages in parentheses.
+/// The messages in parentheses, with a space before them; nothing where there are none.
 std::string inItsWords();
 
 } // namespace zqx::pictures

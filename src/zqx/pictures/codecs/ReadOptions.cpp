@@ -1,11 +1,11 @@
 // Who decodes a picture, where nobody said.
-#include "zqx/pictures/codecs/LoadOptions.h"
+#include "zqx/pictures/codecs/ReadOptions.h"
 
 #include "zqx/pictures/isolation/IsolatedDecoder.h"
 
 namespace zqx::pictures {
 
-void LoadOptions::isolateByDefault() {
+void ReadOptions::isolateByDefault() {
     if (!isolate && canIsolate()) {
         isolate = true;
     }
