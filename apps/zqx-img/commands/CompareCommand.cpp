@@ -1,4 +1,4 @@
-// compare: how far two picture files are from each other, in numbers and as a picture.
+// compare: how much two picture files differ, in numbers and as a picture.
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -10,14 +10,17 @@
 #include <utility>
 
 #include <CLI/CLI.hpp>
+
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
+#include <zqx/tools/MemoryGate.h>
 
 #include <zqx/tools/Compare.h>
 #include <zqx/tools/OutputCheck.h>
 
 #include "commands/Commands.h"
 #include "commands/ResultFile.h"
+#include "options/MemoryOption.h"
 #include "options/ReadingOptions.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/WriteOptions.h"
@@ -38,6 +41,7 @@ struct CompareOptions {
     std::string tolerance = "0";
     std::string picture;
     ReadOptions loading;
+    std::uint64_t memory = 0; ///< the default
     bool json = false;
 };
 
@@ -53,7 +57,7 @@ const char* channelName(std::size_t channel, std::size_t channels) {
 /// A number, or a fraction such as 2/255.
 double parseTolerance(const std::string& text) {
     const auto fail = [&text]() -> double {
-        throw UsageError("--tolerance", "\"" + text + "\" is not a number from 0 on or a fraction such as 2/255");
+        throw UsageError("--tolerance", "\"" + text + "\" is not a number of at least 0 or a fraction such as 2/255");
     };
     const auto number = [&fail](std::string_view part) {
         double value = 0.0;
@@ -213,6 +217,7 @@ void runCompare(const CompareOptions& options) {
         checkOutputs({options.files[0], options.files[1]}, {{"--difference", options.picture}});
         OutputFile::check(options.picture);
     }
+    requireMemory({{options.files[0], options.files[1]}, {}}, options.memory);
     Picture a = loadPicture(options.files[0], options.loading);
     Picture b = loadPicture(options.files[1], options.loading);
     if (const std::optional<std::string> reason = obstacle(options, a, b)) {
@@ -242,11 +247,11 @@ void runCompare(const CompareOptions& options) {
 constexpr const char* FOOTER = R"(
 "zqx-img --compare A B" is the same command.
 
-The pixels are compared as they are stored, upright. Differences are told on a scale on which white is 1: an 8-bit step
-is 1/255, a 16-bit step 1/65535, and floats are as they are. 8-bit and 16-bit pictures may be compared with each other;
-an encoded picture and one of floats are both compared as linear light. Where only one of the two holds colour
-multiplied by alpha (EXR, some float TIFF), it is divided. Two values that are no numbers count as equal. PSNR has 1 as
-its peak and is infinite for equal pictures; in JSON null stands for infinite.
+Pixels are compared as stored, after turning pictures upright. Differences are reported on a scale on which white is 1:
+an 8-bit step is 1/255, a 16-bit step 1/65535, and floats are taken as they are. 8-bit and 16-bit pictures may be
+compared with each other; an encoded picture and a float picture are both compared as linear light. If only one of the
+two has premultiplied alpha (EXR, some float TIFF), it is unpremultiplied first. NaN equals NaN. PSNR has a peak of 1
+and is infinite for equal pictures; in JSON, null stands for infinite.
 
 Examples:
   zqx-img compare before.png after.png
@@ -254,28 +259,29 @@ Examples:
   zqx-img compare wanted.exr got.exr --tolerance 0.001 --json
   zqx-img compare a.jpg b.jpg --difference where.png
 
-Exit codes: 0 no difference larger than the tolerance, 1 a file could not be read or written, 2 the command line cannot
-be meant, 3 the pictures differ by more, 4 they differ in size or channels and cannot be compared.
+Exit codes: 0 equal within the tolerance, 1 a file could not be read or written, 2 invalid command line, 3 different by
+more than the tolerance, 4 different in size or channels.
 )";
 
 } // namespace
 
 void addCompareCommand(CLI::App& program) {
-    CLI::App& command = *program.add_subcommand("compare", "Tell how far two pictures are from each other");
+    CLI::App& command = *program.add_subcommand("compare", "Report how much two pictures differ");
     const auto options = std::make_shared<CompareOptions>();
     command.add_option("A", options->files[0], "A picture")->type_name("FILE")->required();
     command.add_option("B", options->files[1], "The picture to compare it with")->type_name("FILE")->required();
     command
         .add_option("--tolerance", options->tolerance,
-                    "The largest difference that counts as equal, on a scale on which white is 1: 0.001 or 2/255")
+                    "The largest difference that counts as equal, where white is 1: 0.001 or 2/255")
         ->type_name("X")
         ->capture_default_str();
     command
         .add_option("--difference", options->picture,
-                    "Also write a picture of the differences, so much brighter that the largest is white")
+                    "Also write a picture of the differences, scaled so that the largest is white")
         ->type_name("FILE");
-    command.add_flag("--json", options->json, "Tell the findings as a JSON object");
+    command.add_flag("--json", options->json, "Print the result as a JSON object");
     addReadingOptions(command, options->loading);
+    addMemoryOption(command, options->memory);
     command.footer(FOOTER);
     command.callback([options] { runCompare(*options); });
 }

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "drawing/Drawing.h"
-#include "zqx/pictures/files/Error.h"
 #include "kernels/ScalarMaths.h"
+#include "zqx/pictures/files/Error.h"
 
 namespace zqx::app {
 
@@ -160,7 +160,7 @@ PixelBuffer drawChart(const Histogram& histogram, const std::string& title, cons
     drawCurves(canvas, histogram);
     drawClipping(canvas, histogram);
     if (!canvas.drawText({LEFT, 54.0}, title, {22.0, TEXT, Align::LEFT, true, TITLE_WIDTH})) {
-        warn(title, "no installed font has all the letters of this name");
+        warn(title, "no installed font has all characters of this name");
     }
     canvas.drawText({LEFT, 80.0}, subtitle, {14.0, FAINT_TEXT, Align::LEFT, false, TITLE_WIDTH});
     if (histogram.outOfRange) {

@@ -84,7 +84,7 @@ ContactSheet::ContactSheet(const std::vector<std::string>& labels, unsigned pict
     const std::size_t height = sideOf(mRows, cellHeight, gap);
     constexpr auto LARGEST = static_cast<std::size_t>(std::numeric_limits<int>::max());
     if (width > LARGEST / 4 || height > LARGEST) {
-        throw UsageError("--size", "is too large for a sheet of so many pictures, give a smaller one");
+        throw UsageError("--size", "too large for a sheet of this many pictures; choose a smaller size");
     }
     mSheet = PixelBuffer(width, height, SampleLayout::RGB8);
     for (std::size_t y = 0; y < height; ++y) {
@@ -114,7 +114,7 @@ void ContactSheet::drawLabel(std::size_t number, const std::string& text, LabelP
     img::Image area =
         areaAt({corner.x + (mCellWidth - width) / 2, corner.y + mPictureHeight}, width, labelHeightFor(mLetters));
     if (!painter.drawLabel(area, text, mLetters)) {
-        warn(text, "no installed font has all the letters of this label");
+        warn(text, "no installed font has all characters of this label");
     }
 }
 
