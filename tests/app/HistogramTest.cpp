@@ -1,11 +1,14 @@
 // What histograms are drawn from, and how they look in characters.
-#include <HistogramText.h>
+#include "terminal/HistogramText.h"
 
 #include <numeric>
 
 #include <gtest/gtest.h>
 
-namespace zqx::img::app {
+namespace zqx::app {
+
+using namespace pictures;
+using namespace tools;
 
 namespace {
 
@@ -25,7 +28,7 @@ Histogram greyHistogram(std::size_t code, std::uint64_t count) {
 } // namespace
 
 TEST(HistogramTest, AsManyBinsAsCodesAreTheCodes) {
-    const std::vector<double> bins = rebinned(ramp(), CODES);
+    const std::vector<double> bins = rebinned(ramp(), HISTOGRAM_BINS);
     EXPECT_EQ(bins.front(), 1.0);
     EXPECT_EQ(bins[100], 101.0);
     EXPECT_EQ(bins.back(), 256.0);
@@ -101,4 +104,4 @@ TEST(HistogramTest, WhatOccursAtAllShows) {
     EXPECT_EQ(lowest[7 + 200], '.');
 }
 
-} // namespace zqx::img::app
+} // namespace zqx::app

@@ -8,25 +8,28 @@
 
 #include <CLI/CLI.hpp>
 
-#include <Error.h>
-#include <IsolatedDecoder.h>
-#include <LoadOptions.h>
-#include <SizeOption.h>
+#include "options/ReadingOptions.h"
+#include "zqx/pictures/codecs/ReadOptions.h"
+#include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/isolation/IsolatedDecoder.h"
+#include "zqx/text/Amounts.h"
 
-namespace zqx::img::app {
+namespace zqx::app {
+
+using namespace pictures;
 
 namespace {
 
-LoadOptions parse(std::vector<std::string> arguments) {
+ReadOptions parse(std::vector<std::string> arguments) {
     CLI::App command;
-    LoadOptions options;
-    options.addTo(command);
+    ReadOptions options;
+    addReadingOptions(command, options);
     std::ranges::reverse(arguments); // as CLI11 wants them
     command.parse(arguments);
     return options;
 }
 
-std::string refusalOf(const PictureSize& size, const LoadLimits& limits) {
+std::string refusalOf(const PictureSize& size, const Limits& limits) {
     try {
         checkPictureSize("a.png", size, limits);
     } catch (const Error& error) {
@@ -36,41 +39,6 @@ std::string refusalOf(const PictureSize& size, const LoadLimits& limits) {
 }
 
 } // namespace
-
-TEST(SizeParsingTest, LettersArePowersOf1024) {
-    EXPECT_EQ(parseSize("0"), 0U);
-    EXPECT_EQ(parseSize("123"), 123U);
-    EXPECT_EQ(parseSize("2K"), 2048U);
-    EXPECT_EQ(parseSize("3m"), 3U << 20U);
-    EXPECT_EQ(parseSize("4G"), std::uint64_t{4} << 30U);
-    EXPECT_EQ(parseSize("5T"), std::uint64_t{5} << 40U);
-}
-
-TEST(SizeParsingTest, LettersOfCountsArePowersOf1000) {
-    EXPECT_EQ(parseCount("2k"), 2000U);
-    EXPECT_EQ(parseCount("500M"), 500'000'000U);
-}
-
-TEST(SizeParsingTest, AnythingElseIsNoAmount) {
-    for (const char* text : {"", "K", "-1", "+1", "1.5G", "1KB", "1 K", " 1", "1X", "0x10", "eins"}) {
-        EXPECT_FALSE(parseSize(text)) << text;
-    }
-}
-
-TEST(SizeParsingTest, WhatDoesNotFitIsNoAmount) {
-    EXPECT_EQ(parseSize("18446744073709551615"), std::numeric_limits<std::uint64_t>::max());
-    EXPECT_FALSE(parseSize("18446744073709551616"));
-    EXPECT_EQ(parseSize("16777215T"), std::uint64_t{16777215} << 40U);
-    EXPECT_FALSE(parseSize("16777216T"));
-}
-
-TEST(SizeParsingTest, SizesAreToldExactly) {
-    EXPECT_EQ(exactSize(1000), "1000 bytes");
-    EXPECT_EQ(exactSize(1024), "1 KiB");
-    EXPECT_EQ(exactSize(1536), "1536 bytes");
-    EXPECT_EQ(exactSize(std::uint64_t{4} << 30U), "4 GiB");
-    EXPECT_EQ(exactSize(std::uint64_t{5000} << 40U), "5000 TiB");
-}
 
 TEST(LoadLimitsTest, WhatIsAsLargeAsAllowedIsRead) {
     EXPECT_EQ(refusalOf({10, 20, 24}, {.width = 10, .height = 20, .pixels = 200}), "");
@@ -96,7 +64,7 @@ TEST(LoadOptionsTest, NothingIsDecidedAboutIsolationByDefault) {
 }
 
 TEST(LoadOptionsTest, LimitsAreTaken) {
-    const LoadOptions options =
+    const ReadOptions options =
         parse({"--max-width", "70k", "--max-height", "7", "--max-pixels", "1M", "--max-bytes", "1M"});
     EXPECT_EQ(options.limits.width, 70'000U);
     EXPECT_EQ(options.limits.height, 7U);
@@ -117,10 +85,10 @@ TEST(LoadOptionsTest, ThatAreNoneAreRefused) {
 
 TEST(LoadOptionsTest, LimitsOfTheOtherProcessTurnItOn) {
     EXPECT_EQ(parse({"--isolate"}).isolate, true);
-    const LoadOptions memory = parse({"--decode-memory", "1G"});
+    const ReadOptions memory = parse({"--decode-memory", "1G"});
     EXPECT_EQ(memory.isolate, true);
     EXPECT_EQ(memory.decodeMemory, 1U << 30U);
-    const LoadOptions time = parse({"--decode-time", "0.5"});
+    const ReadOptions time = parse({"--decode-time", "0.5"});
     EXPECT_EQ(time.isolate, true);
     EXPECT_EQ(time.decodeSeconds, 0.5);
 }
@@ -131,7 +99,7 @@ TEST(LoadOptionsTest, OneCannotWantBoth) {
 }
 
 TEST(LoadOptionsTest, CommandsDecideWhereUsersDoNot) {
-    LoadOptions options;
+    ReadOptions options;
     options.isolateByDefault();
     EXPECT_EQ(options.isolate, true);
     options.isolate = false;
@@ -141,4 +109,4 @@ TEST(LoadOptionsTest, CommandsDecideWhereUsersDoNot) {
 
 #endif
 
-} // namespace zqx::img::app
+} // namespace zqx::app

@@ -1,9 +1,9 @@
 // The progress line at every width.
 #include <gtest/gtest.h>
 
-#include <Progress.h>
+#include "terminal/Progress.h"
 
-namespace zqx::img::app {
+namespace zqx::app {
 
 namespace {
 
@@ -73,4 +73,4 @@ TEST(ProgressTest, FirstMomentTellsNoRate) {
     EXPECT_EQ(progressLine({0, 2, 5.0, ""}, 79, false).find("left"), std::string::npos);
 }
 
-} // namespace zqx::img::app
+} // namespace zqx::app

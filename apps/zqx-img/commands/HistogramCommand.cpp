@@ -1,0 +1,162 @@
+// histogram: how often each stored value occurs, as a chart, as characters, or as numbers.
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/stringbuffer.h>
+#include <zqx/tools/MemoryGate.h>
+
+#include "commands/Commands.h"
+#include "commands/ResultFile.h"
+#include "drawing/HistogramChart.h"
+#include "options/MemoryOption.h"
+#include "options/ParameterOptions.h"
+#include "options/ReadingOptions.h"
+#include "options/ShowOption.h"
+#include "terminal/HistogramText.h"
+#include "terminal/Terminal.h"
+#include "zqx/pictures/codecs/Alpha.h"
+#include "zqx/pictures/codecs/Decode.h"
+#include "zqx/pictures/files/Error.h"
+#include "zqx/tools/analysis/Render.h"
+#include "zqx/tools/parameters/ParameterTable.h"
+
+namespace zqx::app {
+
+using namespace pictures;
+using namespace tools;
+
+namespace {
+
+struct HistogramOptions {
+    std::string input;
+    std::string output;
+    ParameterOptions adjustments;
+    ReadOptions loading;
+    std::uint64_t memory = 0; ///< the default
+    ShowOption showing;
+    bool json = false;
+};
+
+std::string fileNameOf(const std::string& name) {
+    const std::u8string last = toPath(name).filename().u8string();
+    return {last.begin(), last.end()};
+}
+
+std::string subtitleOf(const Picture& picture) {
+    return std::to_string(picture.width()) + " x " + std::to_string(picture.height()) + ", " + nameOf(picture.stored);
+}
+
+std::string toJson(const Histogram& histogram, const std::string& name, const Picture& picture) {
+    rapidjson::StringBuffer buffer;
+    rapidjson::PrettyWriter writer(buffer);
+    writer.SetFormatOptions(rapidjson::kFormatSingleLineArray);
+    writer.StartObject();
+    writer.Key("file");
+    writer.String(name.c_str());
+    writer.Key("width");
+    writer.Uint(picture.width());
+    writer.Key("height");
+    writer.Uint(picture.height());
+    writer.Key("channels");
+    writer.StartObject();
+    for (std::size_t i = 0; i < histogram.present().size(); ++i) {
+        const ChannelCounts& counts = histogram.present()[i];
+        writer.Key(histogram.names()[i].data());
+        writer.StartObject();
+        writer.Key("bins");
+        writer.StartArray();
+        for (const std::uint64_t count : counts.bins) {
+            writer.Uint64(count);
+        }
+        writer.EndArray();
+        writer.Key("below");
+        writer.Uint64(counts.below);
+        writer.Key("above");
+        writer.Uint64(counts.above);
+        writer.Key("nan");
+        writer.Uint64(counts.nan);
+        writer.EndObject();
+    }
+    writer.EndObject();
+    writer.EndObject();
+    return std::string(buffer.GetString(), buffer.GetSize()) + "\n";
+}
+
+void checkOptions(const HistogramOptions& options) {
+    if (!options.output.empty()) {
+        std::vector<std::string> inputs = options.adjustments.documents;
+        inputs.push_back(options.input);
+        checkResultFile(options.output, inputs);
+    }
+    if (options.json && options.showing.wanted()) {
+        throw UsageError("--json", "cannot be combined with --show: both write to standard output");
+    }
+    options.showing.check();
+}
+
+void runHistogram(const HistogramOptions& options) {
+    checkOptions(options);
+    img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
+    requireMemory({{options.input}, {options.input}}, options.memory); // what is counted is a picture like the input
+    Picture source = loadPicture(options.input, options.loading);
+    straightenAlpha(source);
+    connect(pipeline, source);
+    const Histogram histogram = countValues(render(pipeline, source, source.pixels.layout()).image());
+    const std::string title = harmless(fileNameOf(options.input));
+    if (!options.output.empty() || options.showing.wanted()) {
+        const PixelBuffer chart = drawChart(histogram, title, subtitleOf(source));
+        if (!options.output.empty()) {
+            writeResultFile(options.output, chart.image(), SampleLayout::RGB8, Picture(), WriteOptions());
+        }
+        if (options.showing.wanted()) {
+            options.showing.show(chart.image());
+        }
+    } else if (!options.json) {
+        print(drawAsText(histogram, title + "  " + subtitleOf(source),
+                         {terminalSize().columns, showsUnicode(), wantsColor()}));
+    }
+    if (options.json) {
+        print(toJson(histogram, options.input, source));
+    }
+}
+
+constexpr const char* FOOTER = R"(
+The histogram counts the gamma-encoded values, 0 to 255, of each channel and of luma, the weighted sum of linear light
+by ITU-R BT.709, encoded. Values of float pictures (EXR, HDR, PFM, float TIFF) are encoded and rounded to the same
+scale; those below 0, above 1 and NaN are counted separately. Grey pictures have luma only. Transparency is ignored.
+The adjustments of --params and --set are applied first.
+
+Without -o, --show and --json the histogram is drawn with characters, as wide as the terminal (or COLUMNS), in colour
+unless NO_COLOR is set. Shadows and highlights are the shares of pixels at or beyond the ends of the scale. The vertical
+scale is set by the most frequent value between the ends; a few values that stand out far above all others are cut off.
+
+Examples:
+  zqx-img histogram photo.jpg
+  zqx-img histogram photo.jpg --set exposure=0.5 -o histogram.png
+  zqx-img histogram render.exr --json
+
+Exit codes: 0 success, 1 failure, 2 invalid command line.
+)";
+
+} // namespace
+
+void addHistogramCommand(CLI::App& program) {
+    CLI::App& command = *program.add_subcommand("histogram", "Draw or count the distribution of values");
+    const auto options = std::make_shared<HistogramOptions>();
+    command.add_option("INPUT", options->input, "The picture to analyse")->type_name("FILE")->required();
+    command.add_option("-o,--output", options->output, "Write a chart as a picture")->type_name("FILE");
+    command.add_flag("--json", options->json, "Print the counts of all 256 values of each channel");
+    options->showing.addTo(command);
+    options->adjustments.addTo(command);
+    addReadingOptions(command, options->loading);
+    addMemoryOption(command, options->memory);
+    command.footer(describeParameters() + FOOTER);
+    command.callback([options] { runHistogram(*options); });
+}
+
+} // namespace zqx::app

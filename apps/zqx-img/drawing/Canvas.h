@@ -1,0 +1,54 @@
+// Drawing shapes and text. What draws is in a module that is loaded when it is first needed, see Drawing.h.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace zqx::app {
+
+/// Places count from the upper left corner, in pixels; the middle of the first pixel is at (0.5, 0.5).
+struct Point {
+    double x = 0.0;
+    double y = 0.0;
+};
+
+/// A colour in stored values from 0 to 1.
+struct Ink {
+    double r = 0.0;
+    double g = 0.0;
+    double b = 0.0;
+    double opacity = 1.0;
+};
+
+struct Lettering {
+    enum class Align { LEFT, MIDDLE, RIGHT };
+
+    double size;               ///< height of the letters' line in pixels
+    Ink ink;                   //
+    Align align = Align::LEFT; ///< which part of the text is at its place
+    bool bold = false;         //
+    double longest = 1e6;      ///< in pixels; longer text ends in an ellipsis
+};
+
+/// A picture to draw on.
+class Canvas {
+public:
+    Canvas() = default;
+    Canvas(const Canvas&) = delete;
+    Canvas& operator=(const Canvas&) = delete;
+    virtual ~Canvas() = default;
+
+    virtual void fillRectangle(Point corner, double width, double height, const Ink& ink) = 0;
+
+    /// Fills a shape. Where shapes lie over each other, their light adds up.
+    virtual void fillLight(std::span<const Point> outline, const Ink& ink) = 0;
+
+    virtual void drawLine(std::span<const Point> places, double width, const Ink& ink) = 0;
+
+    /// @param place of the text's base line
+    /// @param text UTF-8; what is not, or does not print, is replaced
+    /// @return false when no installed font has all the letters
+    virtual bool drawText(Point place, std::string_view text, const Lettering& lettering) = 0;
+};
+
+} // namespace zqx::app

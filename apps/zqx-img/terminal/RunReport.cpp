@@ -1,0 +1,157 @@
+// One lock around all that is printed, so that lines of several threads stay whole and out of the progress line.
+#include "terminal/RunReport.h"
+
+#include <cstdio>
+
+#include "zqx/pictures/files/Interrupts.h"
+
+#if defined(_WIN32)
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace zqx::app {
+
+using namespace pictures;
+using namespace tools;
+
+namespace {
+
+using Status = PictureRecord::Status;
+
+bool isOutputATerminal() {
+#if defined(_WIN32)
+    return _isatty(_fileno(stdout)) != 0;
+#else
+    return isatty(STDOUT_FILENO) != 0;
+#endif
+}
+
+/// Records and the line would be drawn over each other.
+bool wantsProgress(const ReportOptions& options, std::size_t pictures) {
+    return pictures > 1 && !options.quiet && !options.dryRun && !(options.json && isOutputATerminal());
+}
+
+} // namespace
+
+RunReport::RunReport(const ReportOptions& options, std::size_t pictures, const ExtensionCounts& unreadable)
+    : mOptions(options), mPictures(pictures), mProgress(wantsProgress(options, pictures)) {
+    mTotals.unreadable = unreadable;
+}
+
+void RunReport::note(const std::string& line) {
+    const std::lock_guard lock(mMutex);
+    if (mOptions.verbose) {
+        print(line);
+    }
+}
+
+void RunReport::begin(const std::string& input) {
+    const std::lock_guard lock(mMutex);
+    mCurrent = input;
+}
+
+void RunReport::warning(const std::string& line) {
+    const std::lock_guard lock(mMutex);
+    if (!mOptions.quiet && !mOptions.json) {
+        print("zqx-img: warning: " + line);
+    }
+}
+
+void RunReport::finish(const PictureRecord& record) {
+    const std::lock_guard lock(mMutex);
+    mTotals.count(record.status);
+    if (record.status == Status::FAILED) {
+        print("zqx-img: " + record.reason);
+    }
+    if (mOptions.json) {
+        printRecord(toJson(record));
+    } else {
+        printForPeople(record);
+    }
+    if (mOptions.verbose && record.status == Status::WRITTEN) {
+        print(record.input + " -> " + record.output + ": " + describe(record.result));
+    }
+    mProgress.update(state());
+}
+
+void RunReport::printForPeople(const PictureRecord& record) {
+    const bool skipped = record.status == Status::SKIPPED;
+    if (mOptions.dryRun && record.status != Status::FAILED) {
+        const std::string remark = skipped ? "skipped: " + record.reason : record.reason;
+        printRecord(record.input + " -> " + record.output + (remark.empty() ? "" : " (" + remark + ")"));
+    } else if (skipped && (mOptions.verbose || (mPictures == 1 && !mOptions.quiet))) {
+        print(record.input + " -> " + record.output + ": skipped: " + record.reason);
+    }
+}
+
+void RunReport::tick() {
+    const std::lock_guard lock(mMutex);
+    mProgress.update(state());
+}
+
+void RunReport::conclude() {
+    const std::lock_guard lock(mMutex);
+    mProgress.clear();
+    if (!mTotals.unreadable.empty() && !mOptions.quiet && !mOptions.json) {
+        print(describeUnreadable(mTotals.unreadable));
+    }
+    if (mOptions.json) {
+        printRecord(toJson(mTotals, seconds(), false));
+    } else if (mPictures > 1 && !mOptions.quiet && !mOptions.dryRun) {
+        print(describe(mTotals, seconds()));
+    }
+}
+
+void RunReport::concludeInterrupted() {
+    constexpr std::chrono::milliseconds PATIENCE(500); // somebody may be stuck in a full pipe
+    const std::unique_lock lock = lockWithin(mMutex, PATIENCE);
+    if (!lock) {
+        return;
+    }
+    mProgress.clear();
+    if (mOptions.json) {
+        printRecord(toJson(mTotals, seconds(), true));
+    }
+    if (mPictures > 1 && !mOptions.quiet && !mOptions.dryRun) {
+        print("interrupted, " + std::to_string(mTotals.all()) + " of " + std::to_string(mPictures) +
+              " pictures done; --update continues from here");
+    }
+}
+
+RunTotals RunReport::totals() const {
+    const std::lock_guard lock(mMutex);
+    return mTotals;
+}
+
+bool RunReport::isHeard() const {
+    const std::lock_guard lock(mMutex);
+    return mHeard;
+}
+
+double RunReport::seconds() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - mStart).count();
+}
+
+void RunReport::print(const std::string& line) {
+    mProgress.clear();
+    const std::string text = line + "\n";
+    std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+/// A line for standard output, whole at once: what is left in a buffer would be lost at an interruption.
+void RunReport::printRecord(const std::string& line) {
+    if (isOutputATerminal()) {
+        mProgress.clear();
+    }
+    const std::string text = line + "\n";
+    mHeard = mHeard && std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+}
+
+ProgressState RunReport::state() const {
+    // What was skipped took no time, and says nothing about the time left.
+    return {mTotals.written + mTotals.failed, mPictures - mTotals.skipped, seconds(), mCurrent};
+}
+
+} // namespace zqx::app

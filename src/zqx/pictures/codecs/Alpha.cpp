@@ -1,0 +1,77 @@
+// OpenEXR defines colour as multiplied by alpha, "associated" or "premultiplied". A pixel whose alpha is 0 may hold
+// colour all the same: light without a surface, as of a flame. There is nothing to divide it by; it keeps its numbers.
+#include "zqx/pictures/codecs/Alpha.h"
+
+#include <cstddef>
+#include <span>
+
+#include <zqx/img/Color.h>
+
+#include "kernels/Rows.h"
+
+namespace zqx::pictures {
+
+namespace {
+
+/// @param image in RGBA32F
+template <typename Change>
+void forEachPixel(img::Image& image, const Change& change) {
+    img::kernels::forEachRow(image.getHeight(), [&](std::size_t y) {
+        for (img::Color& pixel : std::span(static_cast<img::Color*>(image.getRowPtr(y)), image.getWidth())) {
+            change(pixel);
+        }
+    });
+}
+
+void unpremultiply(img::Image& image) {
+    forEachPixel(image, [](img::Color& pixel) {
+        if (pixel.a > 0.0F) {
+            pixel.r /= pixel.a;
+            pixel.g /= pixel.a;
+            pixel.b /= pixel.a;
+        }
+    });
+}
+
+void premultiply(img::Image& image, bool keepLight) {
+    forEachPixel(image, [keepLight](img::Color& pixel) {
+        if (pixel.a > 0.0F) {
+            pixel.r *= pixel.a;
+            pixel.g *= pixel.a;
+            pixel.b *= pixel.a;
+        } else if (!keepLight) {
+            pixel.r = pixel.g = pixel.b = 0.0F; // hidden colour, which would begin to shine
+        }
+    });
+}
+
+bool holdsPremultiplied(FileFormat format) {
+    return format == FileFormat::EXR;
+}
+
+} // namespace
+
+void straightenAlpha(Picture& picture) {
+    if (picture.alpha == AlphaKind::PREMULTIPLIED) {
+        unpremultiply(picture.image());
+        picture.alpha = AlphaKind::UNPREMULTIPLIED;
+    }
+}
+
+void prepareAlpha(Picture& source, FileFormat format, SampleLayout layout, bool recolored) {
+    if (hasAlpha(layout) && (recolored || !holdsPremultiplied(format))) {
+        straightenAlpha(source);
+    } else if (source.alpha == AlphaKind::UNPREMULTIPLIED) {
+        premultiply(source.image(), true);
+        source.alpha = AlphaKind::PREMULTIPLIED;
+    }
+}
+
+void finishAlpha(img::Image& image, FileFormat format, SampleLayout layout, const Picture& original) {
+    if (holdsPremultiplied(format) && layout == SampleLayout::RGBA32F && original.alpha != AlphaKind::PREMULTIPLIED &&
+        hasAlpha(original.stored)) {
+        premultiply(image, original.alpha == AlphaKind::UNPREMULTIPLIED);
+    }
+}
+
+} // namespace zqx::pictures

@@ -1,0 +1,225 @@
+// POSIX processes. A pipe that the child holds open tells its end, which can be waited for with a time limit.
+#include "zqx/pictures/isolation/DecoderProcess.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <climits>
+#include <csignal>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/isolation/ProgramPath.h"
+
+#if !defined(_GNU_SOURCE)
+extern char** environ;
+#endif
+
+namespace zqx::pictures {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr const char* DECODER = "zqx-img-decoder";
+
+void check(int failure) {
+    if (failure != 0) {
+        throw std::system_error(failure, std::generic_category());
+    }
+}
+
+class Descriptor {
+public:
+    explicit Descriptor(int number) : mNumber(number) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() { reset(); }
+
+    int get() const { return mNumber; }
+    void reset() {
+        if (mNumber >= 0) {
+            close(mNumber);
+        }
+        mNumber = -1;
+    }
+
+private:
+    int mNumber;
+};
+
+/// The two ends, which other processes that are started meanwhile do not get.
+struct Pipe {
+    Pipe() : Pipe(open()) {}
+
+    Descriptor reading;
+    Descriptor writing;
+
+private:
+    struct Ends {
+        int numbers[2];
+    };
+    explicit Pipe(Ends ends) : reading(ends.numbers[0]), writing(ends.numbers[1]) {}
+
+    static Ends open() {
+        Ends ends{};
+#if defined(__linux__)
+        check(pipe2(ends.numbers, O_CLOEXEC) == 0 ? 0 : errno);
+#else
+        check(pipe(ends.numbers) == 0 ? 0 : errno);
+        for (const int number : ends.numbers) {
+            fcntl(number, F_SETFD, FD_CLOEXEC);
+        }
+#endif
+        return ends;
+    }
+};
+
+class FileActions {
+public:
+    FileActions() { check(posix_spawn_file_actions_init(&mActions)); }
+    FileActions(const FileActions&) = delete;
+    FileActions& operator=(const FileActions&) = delete;
+    ~FileActions() { posix_spawn_file_actions_destroy(&mActions); }
+
+    void open(int number, int flags) {
+        check(posix_spawn_file_actions_addopen(&mActions, number, "/dev/null", flags, 0));
+    }
+    void pass(int from, int to) { check(posix_spawn_file_actions_adddup2(&mActions, from, to)); }
+    const posix_spawn_file_actions_t* get() const { return &mActions; }
+
+private:
+    posix_spawn_file_actions_t mActions;
+};
+
+/// No signal blocked or ignored, whatever this program does with them, and a process group of its own: a Ctrl-C is for
+/// this program, which decides what becomes of its children.
+class Attributes {
+public:
+    Attributes() {
+        check(posix_spawnattr_init(&mAttributes));
+        sigset_t none;
+        sigemptyset(&none);
+        sigset_t all;
+        sigfillset(&all);
+        sigdelset(&all, SIGKILL);
+        sigdelset(&all, SIGSTOP);
+        posix_spawnattr_setsigmask(&mAttributes, &none);
+        posix_spawnattr_setsigdefault(&mAttributes, &all);
+        posix_spawnattr_setpgroup(&mAttributes, 0);
+        posix_spawnattr_setflags(&mAttributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
+    }
+    Attributes(const Attributes&) = delete;
+    Attributes& operator=(const Attributes&) = delete;
+    ~Attributes() { posix_spawnattr_destroy(&mAttributes); }
+
+    const posix_spawnattr_t* get() const { return &mAttributes; }
+
+private:
+    posix_spawnattr_t mAttributes;
+};
+
+/// This program's own environment, but decoders compute on one thread: there may be many of them.
+std::vector<char*> decoderEnvironment() {
+    static char oneThread[] = "OMP_NUM_THREADS=1";
+    std::vector<char*> variables;
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        if (!std::string_view(*variable).starts_with("OMP_NUM_THREADS=")) {
+            variables.push_back(*variable);
+        }
+    }
+    variables.push_back(oneThread);
+    variables.push_back(nullptr);
+    return variables;
+}
+
+pid_t start(const std::string& program, const DecodeRequest& request, int result, int alive) {
+    FileActions actions;
+    // Copies out of the way first: a descriptor may have the number that another one is to get.
+    const Descriptor resultAside(fcntl(result, F_DUPFD_CLOEXEC, DecodeRequest::ALIVE + 1));
+    const Descriptor aliveAside(fcntl(alive, F_DUPFD_CLOEXEC, DecodeRequest::ALIVE + 1));
+    check(resultAside.get() < 0 || aliveAside.get() < 0 ? errno : 0);
+    actions.open(STDIN_FILENO, O_RDONLY);
+    actions.open(STDOUT_FILENO, O_WRONLY);
+    actions.open(STDERR_FILENO, O_WRONLY);
+    actions.pass(resultAside.get(), DecodeRequest::RESULT);
+    actions.pass(aliveAside.get(), DecodeRequest::ALIVE);
+    std::vector<std::string> words = request.toArguments();
+    words.insert(words.begin(), program);
+    std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
+    for (std::string& word : words) {
+        arguments.push_back(word.data());
+    }
+    arguments.push_back(nullptr);
+    pid_t process = 0;
+    const Attributes attributes;
+    check(posix_spawn(&process, program.c_str(), actions.get(), attributes.get(), arguments.data(),
+                      decoderEnvironment().data()));
+    return process;
+}
+
+/// False when the time is over and the process is not.
+bool waitForEnd(int alive, std::chrono::milliseconds time) {
+    const Clock::time_point end = Clock::now() + time;
+    for (;;) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+        pollfd closing{alive, POLLIN, 0};
+        const int ready = poll(&closing, 1, static_cast<int>(std::clamp<std::int64_t>(left, 0, INT_MAX)));
+        if (ready > 0) {
+            return true;
+        }
+        if (ready == 0 && left <= INT_MAX) {
+            return false;
+        }
+    }
+}
+
+} // namespace
+
+DecoderEnd runDecoder(const std::string& program, const DecodeRequest& request, int result) {
+    Pipe alive;
+    const pid_t process = start(program, request, result, alive.writing.get());
+    alive.writing.reset();
+    DecoderEnd end;
+    end.tookTooLong = !waitForEnd(alive.reading.get(), std::chrono::milliseconds(request.milliseconds));
+    // Its end of the pipe closes when its fate is sealed. If it is not, it has closed it to be left alone.
+    kill(-process, SIGKILL);
+    int status = 0;
+    pid_t waited = 0;
+    while ((waited = waitpid(process, &status, 0)) < 0 && errno == EINTR) {
+    }
+    if (waited == process) { // where this program's children are nobody's business, the system keeps no status
+        end.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+        end.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
+    }
+    return end;
+}
+
+std::string findDecoder(const std::string& subject) {
+    const fs::path folder = programDirectory();
+    if (folder.empty()) {
+        throw Error(subject, "cannot be decoded in a process of its own, as this system does not tell where this "
+                             "program is and its decoder should be; --no-isolate does without");
+    }
+    const fs::path installed = (folder / ZQX_DECODER_FOLDER / DECODER).lexically_normal();
+    for (const fs::path& candidate : {folder / DECODER, installed}) {
+        if (access(candidate.c_str(), X_OK) == 0) {
+            return candidate.string();
+        }
+    }
+    throw Error(subject, std::string("cannot be decoded in a process of its own, there is no program ") + DECODER +
+                             " in " + folder.string() + " or " + installed.parent_path().string() +
+                             "; install it, or do without by --no-isolate");
+}
+
+} // namespace zqx::pictures

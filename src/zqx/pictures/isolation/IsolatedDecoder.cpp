@@ -1,0 +1,180 @@
+// The program's side of decoding in another process: what went wrong there becomes an error here.
+#include "zqx/pictures/isolation/IsolatedDecoder.h"
+
+#include "zqx/pictures/files/Error.h"
+
+#if defined(__unix__) || defined(__APPLE__)
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <system_error>
+
+#include <unistd.h>
+
+#include "zqx/pictures/isolation/DecodeRequest.h"
+#include "zqx/pictures/isolation/DecoderProcess.h"
+#include "zqx/pictures/isolation/PictureTransfer.h"
+#include "zqx/pictures/isolation/SharedMemory.h"
+#include "zqx/text/Amounts.h"
+
+namespace zqx::pictures {
+
+namespace {
+
+std::uint64_t memoryFor(const ReadOptions& options) {
+    if (options.decodeMemory != 0) {
+        return options.decodeMemory;
+    }
+    constexpr std::uint64_t LEAST = std::uint64_t{4} << 30U;
+    const auto pages = static_cast<std::uint64_t>(std::max(sysconf(_SC_PHYS_PAGES), 0L));
+    const auto pageSize = static_cast<std::uint64_t>(std::max(sysconf(_SC_PAGESIZE), 0L));
+    return std::max(LEAST, pages * pageSize / 2);
+}
+
+DecodeRequest requestFor(const std::string& name, const ReadOptions& options) {
+    DecodeRequest request;
+    request.parent = static_cast<std::uint64_t>(getpid());
+    request.memory = memoryFor(options);
+    request.milliseconds = std::max<std::uint64_t>(1, static_cast<std::uint64_t>(options.decodeSeconds * 1000.0));
+    request.limits = options.limits;
+    request.name = name;
+    return request;
+}
+
+const char* nameOf(int signal) {
+    switch (signal) {
+    case SIGABRT: return "it aborted";
+    case SIGBUS: return "bus error";
+    case SIGFPE: return "arithmetic fault";
+    case SIGILL: return "illegal instruction";
+    case SIGSEGV: return "segmentation fault";
+    case SIGSYS: return "forbidden system call";
+    default: return "a signal";
+    }
+}
+
+[[noreturn]] void throwTooLong(const std::string& name, const ReadOptions& options) {
+    char seconds[32];
+    std::snprintf(seconds, sizeof seconds, "%g", options.decodeSeconds);
+    throw Error(name, std::string("took longer than the ") + seconds +
+                          " s that decoding may take; --decode-time raises that");
+}
+
+[[noreturn]] void throwTooMuch(const std::string& name, const ReadOptions& options) {
+    throw Error(name, "needs more than the " + text::exactSize(memoryFor(options)) +
+                          " that decoding may use; --decode-memory raises that");
+}
+
+/// The line without the subject in front, which is added again: nobody else's is believed.
+std::string withoutSubject(const std::string& line, const std::string& name) {
+    return line.starts_with(name + ": ") ? line.substr(name.size() + 2) : line;
+}
+
+std::string decoderOf(const Transfer& transfer) {
+    return transfer.format == FileFormat::UNKNOWN ? "its decoder"
+                                                  : std::string("the ") + nameOf(transfer.format) + " decoder";
+}
+
+/// What a process that died left, if anything.
+Transfer readRemains(const SharedMemory& memory) {
+    try {
+        const SharedMemory::Content content = memory.content();
+        return content.bytes ? readTransfer(content.bytes, content.size) : Transfer();
+    } catch (const BadTransfer&) {
+        return {};
+    } catch (const std::system_error&) {
+        return {};
+    }
+}
+
+void throwDeath(const std::string& name, const ReadOptions& options, const DecoderEnd& end,
+                const SharedMemory& memory) {
+    if (end.tookTooLong || end.signal == SIGXCPU || end.signal == SIGALRM) {
+        throwTooLong(name, options);
+    }
+    if (end.signal == SIGXFSZ) {
+        throwTooMuch(name, options);
+    }
+    if (end.signal == SIGKILL) {
+        throw Error(name, decoderOf(readRemains(memory)) + " was killed, perhaps because the memory was used up");
+    }
+    if (end.signal != 0) {
+        throw Error(name, "brought " + decoderOf(readRemains(memory)) + " down (" + nameOf(end.signal) +
+                              "), the file is damaged or hostile");
+    }
+    if (end.exitCode != 0) {
+        throw Error(name, decoderOf(readRemains(memory)) + " gave up (exit code " + std::to_string(end.exitCode) +
+                              "), the file may be damaged");
+    }
+}
+
+/// What a process that ended in peace says. @throws Error for everything but a picture
+Transfer readResult(const std::string& name, const ReadOptions& options, const SharedMemory& memory) {
+    const SharedMemory::Content content = memory.content();
+    if (!content.bytes) {
+        throw BadTransfer("it is empty");
+    }
+    Transfer transfer = readTransfer(content.bytes, content.size);
+    for (const std::string& warning : transfer.warnings) {
+        warn(name, withoutSubject(warning, name));
+    }
+    if (transfer.outcome == Outcome::FAILURE) {
+        throw Error(name, withoutSubject(transfer.failure, name));
+    }
+    if (transfer.outcome == Outcome::OUT_OF_MEMORY) {
+        throwTooMuch(name, options);
+    }
+    if (transfer.picture) {
+        checkPictureSize(name, {transfer.picture->width(), transfer.picture->height(), 0}, options.limits);
+    }
+    return transfer;
+}
+
+Transfer decode(const std::string& name, const ReadOptions& options) {
+    const std::string program = findDecoder(name);
+    try {
+        const SharedMemory memory;
+        const DecoderEnd end = runDecoder(program, requestFor(name, options), memory.descriptor());
+        throwDeath(name, options, end, memory);
+        Transfer transfer = readResult(name, options, memory);
+        if (transfer.outcome != Outcome::PICTURE) {
+            throw BadTransfer("it is no answer");
+        }
+        return transfer;
+    } catch (const BadTransfer& bad) {
+        throw Error(name, std::string("its decoder's result cannot be used (") + bad.what() +
+                              "), the file is hostile or " + program + " is of another version");
+    } catch (const std::system_error& failure) {
+        throw Error(name, "cannot be decoded in a process of its own (" + failure.code().message() +
+                              "); --no-isolate does without");
+    }
+}
+
+} // namespace
+
+bool canIsolate() {
+    return true;
+}
+
+Picture decodeIsolated(const std::string& name, const ReadOptions& options) {
+    return std::move(*decode(name, options).picture);
+}
+
+} // namespace zqx::pictures
+
+#else
+
+namespace zqx::pictures {
+
+bool canIsolate() {
+    return false;
+}
+
+Picture decodeIsolated(const std::string& name, const ReadOptions&) {
+    throw Error(name, "cannot be decoded in a process of its own on this system");
+}
+
+} // namespace zqx::pictures
+
+#endif

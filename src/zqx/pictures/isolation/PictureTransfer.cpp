@@ -1,0 +1,335 @@
+// Pixels travel row by row from the top, what is beside them in blocks.
+#include "zqx/pictures/isolation/PictureTransfer.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <iterator>
+#include <limits>
+#include <new>
+#include <span>
+#include <string_view>
+#include <system_error>
+#include <type_traits>
+
+#include <unistd.h>
+
+namespace zqx::pictures {
+
+namespace {
+
+/// Changes with the layout and with the version, so that programs of two installations do not talk past each other.
+constexpr char MAGIC[sizeof TransferHeader::magic] = "zqx 2 " ZQX_IMG_VERSION;
+
+enum class Block : std::uint32_t { ICC, EXIF, IPTC, XMP, COMMENTS, WARNING, FAILURE };
+
+constexpr std::uint64_t MAX_BLOCK_BYTES = std::uint64_t{256} << 20U;
+constexpr std::size_t MAX_TEXT = 4096;
+constexpr std::size_t MAX_WARNINGS = 64;
+
+/// The members of Metadata and the blocks that carry them.
+template <typename M, typename F>
+void forEachMember(M& metadata, F function) {
+    function(Block::ICC, metadata.icc);
+    function(Block::EXIF, metadata.exif);
+    function(Block::IPTC, metadata.iptc);
+    function(Block::XMP, metadata.xmp);
+    function(Block::COMMENTS, metadata.comments);
+}
+
+// Writing.
+
+class ByteWriter {
+public:
+    template <typename T>
+    requires std::is_arithmetic_v<T>
+    void number(T value) {
+        char bytes[sizeof value];
+        std::memcpy(bytes, &value, sizeof value);
+        mBytes.append(bytes, sizeof value);
+    }
+
+    void bytes(const void* data, std::size_t count) {
+        number(static_cast<std::uint64_t>(count));
+        mBytes.append(static_cast<const char*>(data), count);
+    }
+    void text(std::string_view text) { bytes(text.data(), text.size()); }
+
+    void block(Block kind, const void* data, std::size_t count) {
+        number(static_cast<std::uint32_t>(kind));
+        bytes(data, count);
+    }
+
+    const std::string& content() const { return mBytes; }
+
+private:
+    std::string mBytes;
+};
+
+void writeAt(int descriptor, std::uint64_t place, const void* data, std::size_t count) {
+    const char* bytes = static_cast<const char*>(data);
+    while (count > 0) {
+        const ssize_t written = pwrite(descriptor, bytes, count, static_cast<off_t>(place));
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            throw std::system_error(written < 0 ? errno : EIO, std::generic_category());
+        }
+        bytes += written;
+        place += static_cast<std::uint64_t>(written);
+        count -= static_cast<std::size_t>(written);
+    }
+}
+
+/// Rows begin at multiples of four bytes.
+std::uint64_t rowBytes(SampleLayout layout, std::uint64_t width) {
+    const auto pixelBits =
+        static_cast<std::uint64_t>(channelCount(layout)) * static_cast<unsigned>(bitsPerChannel(layout));
+    return (width * pixelBits / 8 + 3) / 4 * 4;
+}
+
+/// At once where rows lie as they travel, else row by row.
+void writePixels(int descriptor, const img::Image& image, std::uint64_t rowBytes) {
+    if (image.getByteRowStride() == rowBytes) {
+        writeAt(descriptor, TRANSFER_PIXELS, image.getDataPtr(),
+                static_cast<std::size_t>(rowBytes) * image.getHeight());
+        return;
+    }
+    std::vector<std::byte> row(static_cast<std::size_t>(rowBytes));
+    for (std::size_t y = 0; y < image.getHeight(); ++y) {
+        std::memcpy(row.data(), image.getRowPtr(y), image.getWidth() * image.getBytePixelStride());
+        writeAt(descriptor, TRANSFER_PIXELS + y * rowBytes, row.data(), row.size());
+    }
+}
+
+TransferHeader headerOf(const Transfer& transfer) {
+    TransferHeader header{};
+    std::memcpy(header.magic, MAGIC, sizeof MAGIC);
+    header.format = static_cast<std::uint32_t>(transfer.format);
+    header.outcome = static_cast<std::uint32_t>(transfer.outcome);
+    if (transfer.picture) {
+        const Picture& picture = *transfer.picture;
+        header.layout = static_cast<std::uint32_t>(picture.pixels.layout());
+        header.stored = static_cast<std::uint32_t>(picture.stored);
+        header.width = picture.width();
+        header.height = picture.height();
+        header.dotsPerMeterX = picture.metadata.resolution.x;
+        header.dotsPerMeterY = picture.metadata.resolution.y;
+        header.alpha = static_cast<std::uint32_t>(picture.alpha);
+        header.pixelBytes = rowBytes(picture.pixels.layout(), header.width) * header.height;
+    }
+    return header;
+}
+
+std::string blocksOf(const Transfer& transfer) {
+    ByteWriter blocks;
+    for (const std::string& warning : transfer.warnings) {
+        blocks.block(Block::WARNING, warning.data(), warning.size());
+    }
+    if (transfer.outcome == Outcome::FAILURE) {
+        blocks.block(Block::FAILURE, transfer.failure.data(), transfer.failure.size());
+    }
+    if (transfer.picture) {
+        forEachMember(transfer.picture->metadata, [&](Block kind, const auto& bytes) {
+            if (!bytes.empty()) {
+                blocks.block(kind, bytes.data(), bytes.size());
+            }
+        });
+    }
+    return blocks.content();
+}
+
+// Reading.
+
+[[noreturn]] void refuse(const char* reason) {
+    throw BadTransfer(reason);
+}
+
+/// Bytes that are consumed from the front.
+class ByteReader {
+public:
+    explicit ByteReader(std::span<const std::byte> bytes) : mBytes(bytes) {}
+
+    bool isAtEnd() const { return mBytes.empty(); }
+
+    std::uint32_t number() { return numberOf<std::uint32_t>(); }
+
+    std::span<const std::byte> bytes() {
+        const auto count = numberOf<std::uint64_t>();
+        if (count > mBytes.size()) {
+            refuse("a block ends behind the end");
+        }
+        return take(static_cast<std::size_t>(count));
+    }
+
+    std::string text() {
+        const std::span<const std::byte> content = bytes();
+        return {reinterpret_cast<const char*>(content.data()), content.size()};
+    }
+
+private:
+    std::span<const std::byte> take(std::size_t count) {
+        const std::span<const std::byte> taken = mBytes.first(count);
+        mBytes = mBytes.subspan(count);
+        return taken;
+    }
+
+    template <typename T>
+    T numberOf() {
+        if (mBytes.size() < sizeof(T)) {
+            refuse("a number ends behind the end");
+        }
+        T value{};
+        std::memcpy(&value, take(sizeof value).data(), sizeof value);
+        return value;
+    }
+
+    std::span<const std::byte> mBytes;
+};
+
+SampleLayout layoutNumbered(std::uint32_t number) {
+    if (number >= SAMPLE_LAYOUT_COUNT) {
+        refuse("there is no such sample layout");
+    }
+    return static_cast<SampleLayout>(number);
+}
+
+/// A terminal must not obey what a file makes another process say.
+std::string harmlessText(std::span<const std::byte> bytes) {
+    std::string text(reinterpret_cast<const char*>(bytes.data()), std::min(bytes.size(), MAX_TEXT));
+    for (char& c : text) {
+        if (static_cast<unsigned char>(c) < ' ' || c == '\x7F') {
+            c = ' ';
+        }
+    }
+    return text;
+}
+
+bool readMember(Block kind, std::span<const std::byte> bytes, Metadata& metadata) {
+    bool known = false;
+    forEachMember(metadata, [&](Block memberKind, auto& member) {
+        if (memberKind == kind) {
+            using Value = std::remove_reference_t<decltype(member[0])>;
+            const auto* values = reinterpret_cast<const Value*>(bytes.data());
+            member.assign(values, values + bytes.size());
+            known = true;
+        }
+    });
+    return known;
+}
+
+void readBlock(Block kind, std::span<const std::byte> bytes, Transfer& transfer) {
+    if (kind == Block::WARNING && transfer.warnings.size() < MAX_WARNINGS) {
+        transfer.warnings.push_back(harmlessText(bytes));
+    } else if (kind == Block::FAILURE && transfer.outcome == Outcome::FAILURE) {
+        transfer.failure = harmlessText(bytes);
+    } else if (!transfer.picture || !readMember(kind, bytes, transfer.picture->metadata)) {
+        refuse("a block does not belong there");
+    }
+}
+
+/// Pixels where they are.
+PixelBuffer pixelsOf(const TransferHeader& header, const std::shared_ptr<std::byte>& memory) {
+    const SampleLayout layout = layoutNumbered(header.layout);
+    if (workingLayout(layout) != layout) {
+        refuse("pictures are not worked with in this sample layout");
+    }
+    constexpr std::uint32_t MAX_SIDE = std::numeric_limits<int>::max() / 128;
+    if (header.width == 0 || header.height == 0 || header.width > MAX_SIDE || header.height > MAX_SIDE) {
+        refuse("a picture has no such size");
+    }
+    const std::uint64_t stride = rowBytes(layout, header.width);
+    if (header.pixelBytes != stride * header.height) {
+        refuse("the pixels are not those of the size");
+    }
+    const img::Image view(memory.get() + TRANSFER_PIXELS, header.width, header.height, workingFormat(layout),
+                          static_cast<std::size_t>(stride));
+    return {view, memory};
+}
+
+Picture pictureOf(const TransferHeader& header, const std::shared_ptr<std::byte>& memory) {
+    Picture picture;
+    picture.pixels = pixelsOf(header, memory);
+    picture.stored = layoutNumbered(header.stored);
+    if (header.alpha > static_cast<std::uint32_t>(AlphaKind::UNPREMULTIPLIED)) {
+        refuse("there is no such alpha");
+    }
+    picture.alpha = static_cast<AlphaKind>(header.alpha);
+    picture.metadata.resolution = {header.dotsPerMeterX, header.dotsPerMeterY};
+    return picture;
+}
+
+TransferHeader checkedHeader(const std::byte* memory, std::size_t size) {
+    TransferHeader header{};
+    if (size < sizeof header) {
+        refuse("there is too little of it");
+    }
+    std::memcpy(&header, memory, sizeof header);
+    if (std::memcmp(header.magic, MAGIC, sizeof header.magic) != 0) {
+        refuse("it is of another version");
+    }
+    if (header.outcome > static_cast<std::uint32_t>(Outcome::OUT_OF_MEMORY)) {
+        refuse("there is no such outcome");
+    }
+    if (header.format > static_cast<std::uint32_t>(FileFormat::UNKNOWN)) {
+        refuse("there is no such format");
+    }
+    return header;
+}
+
+/// Between the pixels and the end of the memory.
+std::span<const std::byte> blocksOf(const TransferHeader& header, const std::byte* memory, std::size_t size) {
+    const std::uint64_t room = size > TRANSFER_PIXELS ? size - TRANSFER_PIXELS : 0;
+    if (header.pixelBytes > room || header.blockBytes > room - header.pixelBytes) {
+        refuse("it ends behind the end");
+    }
+    if (header.blockBytes > MAX_BLOCK_BYTES) {
+        refuse("there is too much beside the pixels");
+    }
+    if (header.blockBytes == 0) {
+        return {};
+    }
+    return {memory + TRANSFER_PIXELS + header.pixelBytes, static_cast<std::size_t>(header.blockBytes)};
+}
+
+} // namespace
+
+void TransferWriter::announce(FileFormat format) const {
+    Transfer transfer;
+    transfer.format = format;
+    const TransferHeader header = headerOf(transfer);
+    writeAt(mDescriptor, 0, &header, sizeof header);
+}
+
+void TransferWriter::write(const Transfer& transfer) const {
+    TransferHeader header = headerOf(transfer);
+    const std::string blocks = blocksOf(transfer);
+    header.blockBytes = blocks.size();
+    if (transfer.picture) {
+        writePixels(mDescriptor, transfer.picture->image(), header.pixelBytes / header.height);
+    }
+    writeAt(mDescriptor, TRANSFER_PIXELS + header.pixelBytes, blocks.data(), blocks.size());
+    writeAt(mDescriptor, 0, &header, sizeof header);
+}
+
+Transfer readTransfer(const std::shared_ptr<std::byte>& memory, std::size_t size) {
+    const TransferHeader header = checkedHeader(memory.get(), size);
+    Transfer transfer;
+    transfer.outcome = static_cast<Outcome>(header.outcome);
+    transfer.format = static_cast<FileFormat>(header.format);
+    if (transfer.outcome == Outcome::NONE) {
+        return transfer;
+    }
+    const std::span<const std::byte> bytes = blocksOf(header, memory.get(), size);
+    if (transfer.outcome == Outcome::PICTURE) {
+        transfer.picture = pictureOf(header, memory);
+    }
+    for (ByteReader blocks(bytes); !blocks.isAtEnd();) {
+        const auto kind = static_cast<Block>(blocks.number());
+        readBlock(kind, blocks.bytes(), transfer);
+    }
+    return transfer;
+}
+
+} // namespace zqx::pictures

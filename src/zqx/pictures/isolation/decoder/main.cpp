@@ -1,0 +1,99 @@
+// Decodes one picture file for zqx-img, in a process that may be lost.
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <new>
+#include <optional>
+#include <span>
+#include <string>
+#include <system_error>
+
+#include <unistd.h>
+
+#include "zqx/pictures/codecs/Decode.h"
+#include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
+#include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/isolation/DecodeRequest.h"
+#include "zqx/pictures/isolation/PictureTransfer.h"
+
+#include "zqx/pictures/isolation/decoder/Confinement.h"
+
+namespace {
+
+using namespace zqx::pictures;
+
+/// Thrown when the pixels alone would not fit, before anybody tries.
+struct TooLarge {};
+
+class Decoder {
+public:
+    explicit Decoder(const DecodeRequest& request) : mRequest(request) {}
+
+    Transfer run() {
+        const WarningListener listener([this](const std::string& line) { mTransfer.warnings.push_back(line); });
+        try {
+            mTransfer.picture =
+                decodePicture(mRequest.name, mRequest.limits, [this](const Findings& findings) { note(findings); });
+            mTransfer.outcome = Outcome::PICTURE;
+        } catch (const Error& error) {
+            mTransfer.outcome = needsTooMuch(2) ? Outcome::OUT_OF_MEMORY : Outcome::FAILURE;
+            mTransfer.failure = error.what();
+        } catch (const TooLarge&) {
+            mTransfer.outcome = Outcome::OUT_OF_MEMORY;
+        } catch (const std::bad_alloc&) {
+            mTransfer.outcome = Outcome::OUT_OF_MEMORY;
+        }
+        return std::move(mTransfer);
+    }
+
+private:
+    void note(const Findings& findings) {
+        mTransfer.format = findings.format;
+        mSize = findings.size;
+        if (!mSize) {
+            TransferWriter(DecodeRequest::RESULT).announce(findings.format);
+        }
+        if (needsTooMuch(1)) {
+            throw TooLarge();
+        }
+    }
+
+    /// Whether so many bitmaps of the picture are more than the memory: decoders say "damaged" to that.
+    bool needsTooMuch(std::uint64_t bitmaps) const { return mSize && mSize->bytes() * bitmaps > mRequest.memory; }
+
+    const DecodeRequest& mRequest;
+    Transfer mTransfer;
+    std::optional<PictureSize> mSize;
+};
+
+void writeResult(const Transfer& transfer) {
+    const TransferWriter writer(DecodeRequest::RESULT);
+    try {
+        writer.write(transfer);
+    } catch (const std::exception&) { // no room for it
+        Transfer apology;
+        apology.outcome = Outcome::OUT_OF_MEMORY;
+        apology.format = transfer.format;
+        writer.write(apology);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
+    const std::optional<DecodeRequest> request =
+        argc > 0 ? DecodeRequest::fromArguments(arguments.subspan(1)) : std::nullopt;
+    if (!request) {
+        std::fputs("zqx-img-decoder: is run by zqx-img --isolate, not by hand\n", stderr);
+        return 2;
+    }
+    try {
+        confine(*request);
+        dieOfFaults();
+        writeResult(Decoder(*request).run());
+    } catch (const std::exception&) {
+        _exit(EXIT_FAILURE);
+    }
+    _exit(EXIT_SUCCESS); // what decoders would do on the way out is of no interest
+}

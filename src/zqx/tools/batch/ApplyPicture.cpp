@@ -1,0 +1,108 @@
+// The pipeline renders straight from the loaded pixels into those to be saved. No pixels are kept longer than needed:
+// the largest pictures are those that count.
+#include "zqx/tools/batch/ApplyPicture.h"
+
+#include <chrono>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "zqx/pictures/codecs/Alpha.h"
+#include "zqx/pictures/codecs/Decode.h"
+#include "zqx/pictures/codecs/Encode.h"
+#include "zqx/tools/analysis/Render.h"
+#include "zqx/tools/analysis/SplitPicture.h"
+
+namespace zqx::tools {
+
+using namespace pictures;
+
+namespace {
+
+/// Adds the time since it was last asked.
+class StopWatch {
+public:
+    void addTo(double& seconds) {
+        const Clock::time_point now = Clock::now();
+        seconds += std::chrono::duration<double>(now - mStart).count();
+        mStart = now;
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point mStart = Clock::now();
+};
+
+/// One picture file to be written.
+struct Target {
+    explicit Target(const std::string& fileName) : name(fileName), format(outputFormat(fileName)) {
+        OutputFile::check(name);
+    }
+
+    std::string name;
+    FileFormat format;
+    SampleLayout layout = SampleLayout::RGB8;
+    std::unique_ptr<OutputFile> file;
+};
+
+class Work {
+public:
+    Work(const ApplyFiles& files, const ApplySettings& settings) : mSettings(settings), mPipeline(settings.pipeline) {
+        mTargets.emplace_back(files.output);
+        if (!files.comparison.empty()) {
+            mTargets.emplace_back(files.comparison);
+        }
+        mSource = loadPicture(files.input, settings.loading);
+        mWatch.addTo(mResult.seconds.decode);
+    }
+
+    ApplyResult run() {
+        mResult.width = mSource.width();
+        mResult.height = mSource.height();
+        connect(mPipeline, mSource);
+        for (Target& target : mTargets) {
+            write(target);
+        }
+        // Only now, so that a failure with the second picture leaves the first one as it was, too.
+        for (const Target& target : mTargets) {
+            target.file->commit();
+        }
+        mWatch.addTo(mResult.seconds.store);
+        mResult.depth = nameOf(mTargets.front().layout);
+        return mResult;
+    }
+
+private:
+    void write(Target& target) {
+        target.layout = chooseLayout(target.name, target.format, mSource.stored);
+        warnOfLosses(target.name, mSource, target.layout);
+        prepareAlpha(mSource, target.format, target.layout, changesColors(mPipeline));
+        PixelBuffer pixels = render(mPipeline, mSource, target.layout);
+        if (&target != &mTargets.front()) {
+            splitWith(pixels, mPipeline, mSource);
+        }
+        if (&target == &mTargets.back()) {
+            mSource.pixels.reset();
+        }
+        mWatch.addTo(mResult.seconds.adjust);
+        target.file = std::make_unique<OutputFile>(target.name, mSettings.existing);
+        encodePicture(*target.file, target.name, target.format, std::move(pixels), target.layout, mSource,
+                      mSettings.encoding);
+        mWatch.addTo(mResult.seconds.encode);
+    }
+
+    const ApplySettings& mSettings;
+    img::ImageProcessingPipeline mPipeline;
+    std::vector<Target> mTargets;
+    Picture mSource{};
+    ApplyResult mResult;
+    StopWatch mWatch;
+};
+
+} // namespace
+
+ApplyResult applyToPicture(const ApplyFiles& files, const ApplySettings& settings) {
+    return Work(files, settings).run();
+}
+
+} // namespace zqx::tools

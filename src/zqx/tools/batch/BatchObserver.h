@@ -1,0 +1,2 @@
+#pragma once
+#include <zqx/tools/BatchObserver.h>

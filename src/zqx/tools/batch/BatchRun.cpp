@@ -1,0 +1,226 @@
+// Worker threads take pictures from the plan in its order; the main thread looks after the progress line.
+#include "zqx/tools/batch/BatchRun.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "zqx/pictures/bytes/PictureHeader.h"
+#include "zqx/pictures/bytes/PictureSize.h"
+#include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/files/InputFile.h"
+#include "zqx/pictures/files/OutputFile.h"
+#include "zqx/tools/batch/Failure.h"
+
+namespace zqx::tools {
+
+using namespace pictures;
+
+namespace {
+
+using Action = PlannedPicture::Action;
+using Status = PictureRecord::Status;
+
+class Batch {
+public:
+    Batch(const std::vector<PlannedPicture>& plan, const std::string& comparison, const ApplySettings& settings,
+          unsigned threads, MemoryGate& gate, BatchObserver& observer)
+        : mPlan(plan), mComparison(comparison), mSettings(settings), mThreads(threads), mGate(gate),
+          mObserver(observer) {}
+
+    void run(unsigned jobs) {
+        {
+            std::vector<std::jthread> workers;
+            const Stop stop(*this); // before the workers are joined, however this block is left
+            startAll(workers, jobs);
+            waitForWorkers();
+        }
+        if (mFailure) {
+            std::rethrow_exception(mFailure);
+        }
+    }
+
+private:
+    /// Lets workers finish what they are at, and begin nothing more.
+    class Stop {
+    public:
+        explicit Stop(Batch& batch) : mBatch(batch) {}
+        Stop(const Stop&) = delete;
+        Stop& operator=(const Stop&) = delete;
+        ~Stop() {
+            const std::lock_guard lock(mBatch.mMutex);
+            mBatch.mNext = mBatch.mPlan.size();
+        }
+
+    private:
+        Batch& mBatch;
+    };
+
+    void startAll(std::vector<std::jthread>& workers, unsigned jobs) {
+        for (unsigned i = 0; i < jobs; ++i) {
+            try {
+                start(workers);
+            } catch (const std::system_error&) { // the system has no more threads to give
+                if (workers.empty()) {
+                    throw;
+                }
+                break;
+            }
+        }
+    }
+
+    void start(std::vector<std::jthread>& workers) {
+        {
+            const std::lock_guard lock(mMutex);
+            ++mWorking;
+        }
+        try {
+            workers.emplace_back([this] { work(); });
+        } catch (...) {
+            stopWorking();
+            throw;
+        }
+    }
+
+    void waitForWorkers() {
+        constexpr std::chrono::milliseconds TICK(100);
+        std::unique_lock lock(mMutex);
+        while (!mChange.wait_for(lock, TICK, [this] { return mWorking == 0; })) {
+            mObserver.tick();
+        }
+    }
+
+    void stopWorking() {
+        const std::lock_guard lock(mMutex);
+        --mWorking;
+        mChange.notify_all();
+    }
+
+    const PlannedPicture* next() {
+        const std::lock_guard lock(mMutex);
+        while (mNext < mPlan.size() && mPlan[mNext].action == Action::SKIP) {
+            ++mNext;
+        }
+        return mNext < mPlan.size() ? &mPlan[mNext++] : nullptr;
+    }
+
+    /// Nothing that is thrown may leave a thread: that would end the process. Pictures fail on their own; what is left
+    /// comes from the observer and ends the run.
+    void work() noexcept {
+        try {
+            useThreads(mThreads);
+            for (const PlannedPicture* picture = next(); picture != nullptr && mObserver.isHeard(); picture = next()) {
+                mObserver.finish(process(*picture));
+            }
+        } catch (...) {
+            keepFailure(std::current_exception());
+        }
+        stopWorking();
+    }
+
+    void keepFailure(std::exception_ptr failure) {
+        const std::lock_guard lock(mMutex);
+        mNext = mPlan.size();
+        if (!mFailure) {
+            mFailure = std::move(failure);
+        }
+    }
+
+    PictureRecord process(const PlannedPicture& picture) {
+        PictureRecord record{picture.input, picture.output, Status::FAILED};
+        const WarningListener listener([&](const std::string& line) {
+            record.warnings.push_back(line);
+            mObserver.warning(line);
+        });
+        try {
+            const MemoryGate::Share share = mGate.admit(picture.input, need(picture));
+            mObserver.begin(picture.input);
+            record.result = applyToPicture({picture.input, picture.output, mComparison}, mSettings);
+            record.status = Status::WRITTEN;
+        } catch (const FileExists&) { // not when the run was planned, but now
+            record.status = Status::SKIPPED;
+            record.reason = "exists";
+        } catch (...) {
+            record.reason = describeFailure(picture.input);
+        }
+        return record;
+    }
+
+    /// @throws Error for a picture beyond a limit: no memory helps there
+    std::uint64_t need(const PlannedPicture& picture) const {
+        if (const std::optional<PictureHeader> header = readPictureHeader(picture.input)) {
+            checkPictureSize(picture.input,
+                             {static_cast<std::uint32_t>(header->width), static_cast<std::uint32_t>(header->height), 0},
+                             mSettings.loading.limits);
+        }
+        std::vector<std::string> outputs{picture.output};
+        if (!mComparison.empty()) {
+            outputs.push_back(mComparison);
+        }
+        return memoryNeed(picture.input, outputs);
+    }
+
+    const std::vector<PlannedPicture>& mPlan;
+    const std::string& mComparison;
+    const ApplySettings& mSettings;
+    const unsigned mThreads;
+    MemoryGate& mGate;
+    BatchObserver& mObserver;
+    std::mutex mMutex;
+    std::condition_variable mChange;
+    std::size_t mNext = 0;
+    unsigned mWorking = 0;
+    std::exception_ptr mFailure; // the first that was no picture's own
+};
+
+void reportSkipped(const std::vector<PlannedPicture>& plan, BatchObserver& observer) {
+    for (const PlannedPicture& picture : plan) {
+        if (picture.action == Action::SKIP) {
+            observer.finish({picture.input, picture.output, Status::SKIPPED, picture.reason});
+        }
+    }
+}
+
+PictureRecord rehearse(const PlannedPicture& picture, bool makesFolders) {
+    PictureRecord record{picture.input, picture.output, Status::PLANNED};
+    if (picture.action == Action::SKIP) {
+        record.status = Status::SKIPPED;
+        record.reason = picture.reason;
+        return record;
+    }
+    try {
+        const InputFile readable = openPicture(picture.input);
+        std::error_code failure;
+        if (!makesFolders || std::filesystem::exists(toPath(picture.output).parent_path(), failure)) {
+            OutputFile::check(picture.output);
+        }
+        record.reason = picture.action == Action::REPLACE ? "would replace" : "";
+    } catch (...) {
+        record.status = Status::FAILED;
+        record.reason = describeFailure(picture.input);
+    }
+    return record;
+}
+
+} // namespace
+
+void runBatch(const std::vector<PlannedPicture>& plan, const std::string& comparison, const ApplySettings& settings,
+              const WorkSplit& split, MemoryGate& gate, BatchObserver& observer) {
+    reportSkipped(plan, observer);
+    Batch(plan, comparison, settings, split.threads, gate, observer).run(split.jobs);
+}
+
+void rehearseBatch(const std::vector<PlannedPicture>& plan, bool makesFolders, BatchObserver& observer) {
+    for (const PlannedPicture& picture : plan) {
+        observer.finish(rehearse(picture, makesFolders));
+    }
+}
+
+} // namespace zqx::tools

@@ -1,0 +1,177 @@
+// The gate, and how much a picture needs.
+#include <zqx/tools/MemoryGate.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <optional>
+
+#include "zqx/pictures/FileFormat.h"
+#include "zqx/pictures/bytes/PictureHeader.h"
+#include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/files/InputFile.h"
+#include "zqx/text/Amounts.h"
+
+#if defined(_WIN32)
+#define NOMINMAX
+#include <windows.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace zqx::tools {
+
+using namespace pictures;
+
+namespace {
+
+/// Decoders, encoders and their tables, however small the picture.
+constexpr std::uint64_t BASE_NEED = std::uint64_t{8} << 20;
+
+std::uint64_t physicalMemory() {
+#if defined(_WIN32)
+    MEMORYSTATUSEX status{};
+    status.dwLength = sizeof status;
+    return GlobalMemoryStatusEx(&status) ? status.ullTotalPhys : 0;
+#else
+    const auto pages = sysconf(_SC_PHYS_PAGES);
+    const auto size = sysconf(_SC_PAGESIZE);
+    return pages > 0 && size > 0 ? static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(size) : 0;
+#endif
+}
+
+/// The limit of the container that the process may run in.
+std::uint64_t containerMemory() {
+    std::uint64_t limit = 0;
+    if (std::ifstream("/sys/fs/cgroup/memory.max") >> limit) { // "max" where there is none
+        return limit;
+    }
+    return std::numeric_limits<std::uint64_t>::max();
+}
+
+/// Bytes of one channel of one pixel in a rendered picture, and in all that its encoder keeps beside that.
+struct EncodingNeed {
+    std::uint64_t rendered;
+    std::uint64_t encoder;
+};
+
+EncodingNeed encodingNeed(const std::string& output, std::uint64_t working) {
+    switch (formatOfName(output)) {
+    case FileFormat::EXR:
+    case FileFormat::HDR:
+    case FileFormat::PFM: return {sizeof(float), 2 * sizeof(float)};
+    case FileFormat::JP2:
+    case FileFormat::J2K: return {working, 2 * sizeof(std::int32_t)}; // samples and wavelet coefficients
+    default: return {working, 2 * working};                           // its own copy, and the file
+    }
+}
+
+/// The bytes that are alive at once for one channel of one pixel, when they are most.
+std::uint64_t bytesPerSample(const PictureHeader& header, const std::vector<std::string>& outputs) {
+    const std::uint64_t stored = (header.bitsPerChannel + 7) / 8;
+    const std::uint64_t working = stored > 1 ? sizeof(float) : 1;
+    std::uint64_t most = stored + 2 * working; // decoded, converted, and handed over by another process
+    for (const std::string& output : outputs) {
+        const EncodingNeed need = encodingNeed(output, working);
+        // The source is given up before the last output is encoded, and not before.
+        const std::uint64_t kept = outputs.size() > 1 ? working + need.rendered : 0;
+        most = std::max({most, working + need.rendered + kept, need.rendered + need.encoder + kept});
+    }
+    return most;
+}
+
+// Headers are anybody's claims: what is too large for a number is as large as numbers are.
+constexpr std::uint64_t MOST = std::numeric_limits<std::uint64_t>::max();
+
+std::uint64_t addedUp(std::uint64_t a, std::uint64_t b) {
+    return a > MOST - b ? MOST : a + b;
+}
+
+std::uint64_t multiplied(std::uint64_t a, std::uint64_t b) {
+    return b != 0 && a > MOST / b ? MOST : a * b;
+}
+
+std::optional<PictureHeader> readHeader(const std::string& name) {
+    const bool raw = formatOfName(name) == FileFormat::RAW; // their headers describe a small preview
+    return raw ? std::nullopt : readPictureHeader(name);
+}
+
+/// 0 where the header does not say.
+std::uint64_t countPixels(const std::string& name) {
+    const std::optional<PictureHeader> header = readHeader(name);
+    return header ? multiplied(header->width, header->height) : 0;
+}
+
+void refuseBeyond(const std::string& name, std::uint64_t need, std::uint64_t limit) {
+    if (need > limit) {
+        throw Error(name, "needs about " + text::roundedSize(need) + " of memory, more than the " +
+                              text::roundedSize(limit) + " allowed; --max-memory raises that");
+    }
+}
+
+/// Where the header says nothing: photographs of eight bits have about forty bytes in memory for each in a small file,
+/// those that a camera left raw for about one.
+std::uint64_t estimateByFileSize(const std::string& name) {
+    constexpr std::uint64_t COMPRESSED = 48;
+    constexpr std::uint64_t RAW = 16;
+    std::error_code failure;
+    const std::uint64_t size = std::filesystem::file_size(toPath(name), failure);
+    if (failure) {
+        return 0; // loading tells what is wrong
+    }
+    return multiplied(size, formatOfName(name) == FileFormat::RAW ? RAW : COMPRESSED);
+}
+
+} // namespace
+
+MemoryGate::Share MemoryGate::admit(const std::string& name, std::uint64_t bytes) {
+    refuseBeyond(name, bytes, mLimit);
+    std::unique_lock lock(mMutex);
+    const std::uint64_t ticket = mNextTicket++;
+    mChange.wait(lock, [&] { return ticket == mServing && bytes <= mLimit - mUsed; });
+    mUsed += bytes;
+    ++mServing;
+    mChange.notify_all();
+    return {*this, bytes};
+}
+
+void MemoryGate::release(std::uint64_t bytes) {
+    const std::lock_guard lock(mMutex);
+    mUsed -= bytes;
+    mChange.notify_all();
+}
+
+std::uint64_t memoryNeed(const std::string& input, const std::vector<std::string>& outputs) {
+    const std::optional<PictureHeader> header = readHeader(input);
+    if (!header) {
+        return addedUp(BASE_NEED, estimateByFileSize(input));
+    }
+    const std::uint64_t perPixel = multiplied(header->channels, bytesPerSample(*header, outputs));
+    return addedUp(BASE_NEED, multiplied(multiplied(header->width, header->height), perPixel));
+}
+
+void requireMemory(const MemoryDemand& demand, std::uint64_t limit) {
+    std::uint64_t need = 0;
+    std::string first;
+    for (const std::string& input : demand.inputs) {
+        if (input.empty()) {
+            continue;
+        }
+        const bool isFirst = first.empty();
+        if (isFirst) {
+            first = input;
+            need = addedUp(need, multiplied(countPixels(input), demand.workingBytesPerPixel));
+        }
+        need = addedUp(need, memoryNeed(input, isFirst ? demand.outputs : std::vector<std::string>()));
+    }
+    refuseBeyond(first, need, limit == 0 ? defaultMemoryLimit() : limit);
+}
+
+std::uint64_t defaultMemoryLimit() {
+    constexpr std::uint64_t UNKNOWN = std::uint64_t{4} << 30;
+    const std::uint64_t physical = physicalMemory();
+    return (physical == 0 ? UNKNOWN : std::min(physical, containerMemory())) / 2;
+}
+
+} // namespace zqx::tools

@@ -1,0 +1,63 @@
+// Parameter documents checked member by member, and several of them merged into one.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "zqx/tools/parameters/ParameterTable.h"
+
+namespace zqx::tools {
+
+class Remarks;
+
+/// A member that a parameter document may have.
+struct DocumentMember {
+    enum class Kind { OBJECT, PARAMETER, VERSION, SCHEMA };
+
+    Kind kind;
+    std::string name;
+    std::string meaning;
+    const Parameter* parameter = nullptr; ///< of a parameter
+    std::vector<DocumentMember> members;  ///< of an object
+};
+
+/// The outermost object of a parameter document, with every member that it may have.
+const DocumentMember& documentRoot();
+
+/// The version of the documents that are read and written.
+constexpr int DOCUMENT_VERSION = 1;
+
+/// The parameters of several documents; those of later documents replace those of earlier ones.
+class MergedDocument {
+public:
+    MergedDocument();
+
+    /// Merges one more document. Remarks on members that are unknown, repeated, of the wrong type or out of range:
+    /// these are ignored, or limited to their range.
+    /// @param name the document's file, for messages
+    /// @throws Error for text that is not a document of this version, with line and column where it is not even JSON
+    void add(const std::string& name, std::string text, Remarks& remarks);
+
+    /// Remarks on an end of the gradient whose other end is in no document: the pipeline ignores it.
+    void checkGradient(Remarks& remarks) const;
+
+    /// The parameters as one document.
+    std::string text() const;
+
+private:
+    struct Given {
+        std::array<float, 4> numbers; ///< a colour's r, g, b, a; the other kinds use the first element
+        std::string document;         ///< its file
+    };
+    friend class DocumentReader;
+    friend class DocumentWriter;
+
+    const std::optional<Given>& given(const Parameter& parameter) const;
+    std::optional<Given>& given(const Parameter& parameter);
+
+    std::vector<std::optional<Given>> mGiven; ///< in the order of the table
+};
+
+} // namespace zqx::tools
