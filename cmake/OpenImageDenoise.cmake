@@ -27,6 +27,6 @@ function(zqx_place_oidn target)
     endif()
 endfunction()
 
-if(ZQX_INSTALL_OIDN)
+if(ZQX_INSTALL AND ZQX_INSTALL_OIDN)
     install(FILES ${zqx_oidn_libraries} DESTINATION ${ZQX_INSTALL_LIBRARY_DIR} COMPONENT runtime)
 endif()

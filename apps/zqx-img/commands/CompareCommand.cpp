@@ -24,6 +24,7 @@
 #include "zqx/pictures/codecs/Encode.h"
 #include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/Error.h"
+#include "kernels/ScalarMaths.h"
 
 namespace zqx::app {
 
@@ -252,7 +253,9 @@ struct Report {
     double largest() const { return findings.largest / scale.white; }
     double mean() const { return findings.sum / numbers() / scale.white; }
     /// Peak signal-to-noise ratio in decibels, the peak being 1; infinite for equal pictures.
-    double psnr() const { return -10.0 * std::log10(findings.sumOfSquares / numbers() / (scale.white * scale.white)); }
+    double psnr() const {
+        return -10.0 * img::kernels::maths::log10(findings.sumOfSquares / numbers() / (scale.white * scale.white));
+    }
     bool isEqual() const { return largest() <= tolerance; }
 };
 

@@ -14,6 +14,7 @@
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
 #include "zqx/tools/parameters/ParameterTable.h"
+#include "kernels/ScalarMaths.h"
 
 namespace zqx::app {
 
@@ -36,7 +37,8 @@ struct LutOptions {
 std::vector<float> bakeEncoded(const img::ColorGrading& grading, std::size_t size) {
     std::vector<float> axis(size);
     for (std::size_t i = 0; i < size; ++i) {
-        axis[i] = static_cast<float>(std::pow(static_cast<double>(i) / static_cast<double>(size - 1), GAMMA));
+        axis[i] =
+            static_cast<float>(img::kernels::maths::pow(static_cast<double>(i) / static_cast<double>(size - 1), GAMMA));
     }
     std::vector<float> table(3 * size * size * size);
     for (std::size_t i = 0; i < table.size(); i += 3) {
@@ -48,7 +50,7 @@ std::vector<float> bakeEncoded(const img::ColorGrading& grading, std::size_t siz
     img::Image lattice(table.data(), size * size, size, img::Image::RGB32F, 0);
     grading.apply(lattice, lattice);
     for (float& value : table) {
-        value = static_cast<float>(std::pow(std::clamp(static_cast<double>(value), 0.0, 1.0), 1.0 / GAMMA));
+        value = static_cast<float>(img::kernels::maths::pow(std::clamp(static_cast<double>(value), 0.0, 1.0), 1.0 / GAMMA));
     }
     return table;
 }

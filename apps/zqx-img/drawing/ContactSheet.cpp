@@ -10,6 +10,7 @@
 
 #include "drawing/Drawing.h"
 #include "zqx/pictures/files/Error.h"
+#include "kernels/ScalarMaths.h"
 
 namespace zqx::app {
 
@@ -51,7 +52,7 @@ std::size_t bestColumns(std::size_t cells, std::size_t cellWidth, std::size_t ce
         const std::size_t rows = rowsFor(cells, columns);
         const double shape =
             static_cast<double>(sideOf(columns, cellWidth, gap)) / static_cast<double>(sideOf(rows, cellHeight, gap));
-        if (const double distance = std::abs(std::log(shape / SHAPE)); distance < least) {
+        if (const double distance = std::abs(img::kernels::maths::log(shape / SHAPE)); distance < least) {
             least = distance;
             best = columns;
         }

@@ -8,6 +8,7 @@
 
 #include "drawing/Drawing.h"
 #include "zqx/pictures/files/Error.h"
+#include "kernels/ScalarMaths.h"
 
 namespace zqx::app {
 
@@ -65,7 +66,7 @@ void drawScales(Canvas& canvas) {
     constexpr int DARKEST_STOP = 7; // further ones would be closer than their names are wide
     canvas.fillRectangle({LEFT, TOP}, RIGHT - LEFT, BOTTOM - TOP, PLOT);
     for (int stop = 1; stop <= DARKEST_STOP; ++stop) {
-        const double x = placeOf(255.0 * std::pow(2.0, -stop / GAMMA));
+        const double x = placeOf(255.0 * img::kernels::maths::exp2(-stop / GAMMA));
         drawVertical(canvas, x, TOP, BOTTOM, GRID);
         canvas.drawText({x, TOP - 10.0}, "\xE2\x88\x92" + std::to_string(stop), {13.0, FAINT_TEXT, Align::MIDDLE});
     }

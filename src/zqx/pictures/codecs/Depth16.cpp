@@ -8,6 +8,8 @@
 #include <limits>
 #include <vector>
 
+#include "kernels/ScalarMaths.h"
+
 namespace zqx::pictures {
 
 namespace {
@@ -34,15 +36,16 @@ float roundUp(double value) {
 struct Depth16Tables {
     Depth16Tables() {
         for (unsigned code = 0; code <= MAX_CODE; ++code) {
-            decoded[code] = static_cast<float>(std::pow(code / double{MAX_CODE}, GAMMA));
-            threshold[code] = code == 0 ? 0.0F : roundUp(std::pow((code - 0.5) / MAX_CODE, GAMMA));
+            decoded[code] = static_cast<float>(img::kernels::maths::pow(code / double{MAX_CODE}, GAMMA));
+            threshold[code] = code == 0 ? 0.0F : roundUp(img::kernels::maths::pow((code - 0.5) / MAX_CODE, GAMMA));
         }
         threshold[MAX_CODE + 1] = std::numeric_limits<float>::infinity();
         firstBucket = std::bit_cast<std::uint32_t>(threshold[1]) >> BUCKET_SHIFT;
         const std::uint32_t end = std::bit_cast<std::uint32_t>(1.0F) >> BUCKET_SHIFT;
         for (std::uint32_t bucket = firstBucket; bucket <= end; ++bucket) {
             const double first = std::bit_cast<float>(bucket << BUCKET_SHIFT);
-            chordEnd.push_back(static_cast<float>(MAX_CODE * std::pow(first, 1.0 / GAMMA) + (0.5 - CHORD_MARGIN)));
+            chordEnd.push_back(
+                static_cast<float>(MAX_CODE * img::kernels::maths::pow(first, 1.0 / GAMMA) + (0.5 - CHORD_MARGIN)));
         }
     }
 
