@@ -1,11 +1,11 @@
-// The command line program: runs the command that was asked for, and turns whatever goes wrong into one line and an
-// exit code.
+// The command line program: runs the chosen command, and turns whatever goes wrong into a line and an exit code.
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <exception>
 #include <memory>
 #include <new>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +14,8 @@
 #include <qutil/Log.h>
 
 #include "commands/CommandLine.h"
+#include "help/CommandLineProblem.h"
+#include "terminal/Terminal.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/Interrupts.h"
 
@@ -22,11 +24,11 @@ namespace {
 using namespace zqx::app;
 using namespace zqx::pictures;
 
-constexpr int DONE = 0;
-constexpr int FAILED = 1;
-constexpr int WRONG_USAGE = 2;
+constexpr int SUCCESS = 0;
+constexpr int FAILURE = 1;
+constexpr int INVALID_COMMAND_LINE = 2;
 
-/// Each line of the text as one of the program's, without asking for memory, which may be what is lacking.
+/// Prints each line of the text with the name of the program, without allocating memory, which may be what is missing.
 int complain(std::string_view text, int code) {
     while (!text.empty()) {
         const std::string_view line = text.substr(0, text.find('\n'));
@@ -45,34 +47,47 @@ std::vector<const char*> commandLine(int argc, char** argv) {
     return words;
 }
 
-int run(CLI::App& program, int argc, char** argv) {
+/// Help and version arrive as exceptions, too.
+int answer(const CLI::App& program, const CLI::ParseError& error, const std::vector<const char*>& words) {
+    if (error.get_exit_code() != 0) {
+        return complain(describeProblem(program, error, words), INVALID_COMMAND_LINE);
+    }
+    std::ostringstream text;
+    program.exit(error, text, text);
+    print(text.str());
+    return SUCCESS;
+}
+
+int parseAndRun(CLI::App& program, const std::vector<const char*>& words) {
     try {
-        program.parse(argc, commandLine(argc, argv).data());
-        return std::fflush(stdout) == 0 ? DONE : complain("standard output: could not be written", FAILED);
+        program.parse(static_cast<int>(words.size()), words.data());
+        return std::fflush(stdout) == 0 ? SUCCESS : complain("standard output: could not be written", FAILURE);
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) { // help and version arrive as exceptions too
-            return program.exit(error);
-        }
-        complain(error.what(), WRONG_USAGE);
-        return complain("see \"zqx-img --help\"", WRONG_USAGE);
+        return answer(program, error, words);
+    }
+}
+
+int run(CLI::App& program, const std::vector<const char*>& words) {
+    try {
+        return parseAndRun(program, words);
     } catch (const ExitCode& code) {
         return code.value;
     } catch (const UsageError& error) {
-        return complain(error.what(), WRONG_USAGE);
+        return complain(error.what(), INVALID_COMMAND_LINE);
     } catch (const Error& error) {
-        return complain(error.what(), FAILED);
+        return complain(error.what(), FAILURE);
     } catch (const std::bad_alloc&) {
-        return complain("there is not enough memory for this", FAILED);
+        return complain("out of memory; close other programs or use a smaller picture", FAILURE);
     } catch (const std::exception& error) {
-        return complain(std::string("unexpected failure: ") + error.what(), FAILED);
+        return complain(std::string("unexpected failure: ") + error.what(), FAILURE);
     }
 }
 
 int runProgram(int argc, char** argv) {
     watchForInterrupts();
-    qutil::Log::setReportingLevel(0); // results of components are told in the program's own words
+    qutil::Log::setReportingLevel(0); // failures of components are reported in the words of the program
     const std::unique_ptr<CLI::App> program = makeCommandLine();
-    return run(*program, argc, argv);
+    return run(*program, commandLine(argc, argv));
 }
 
 } // namespace
@@ -81,6 +96,6 @@ int main(int argc, char** argv) {
     try {
         return runProgram(argc, argv);
     } catch (...) {
-        return complain("unexpected failure", FAILED);
+        return complain("unexpected failure", FAILURE);
     }
 }

@@ -1,4 +1,4 @@
-// info: what a picture file holds, from its header where the format allows that.
+// info: what a picture file contains, from its header where the format allows that.
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -117,7 +117,7 @@ void printText(const Info& info) {
         print(field.label, field.value);
     }
     if (info.exif.hasPosition) {
-        print("GPS position", "yes, it tells where the picture was taken (--strip exif leaves it out)");
+        print("GPS position", "yes, the file says where the picture was taken (--strip exif removes it)");
     }
 }
 
@@ -194,23 +194,23 @@ struct InfoOptions {
 };
 
 constexpr const char* FOOTER = R"(
-The size is that of the stored picture; what the orientation says is done when the picture is read. The sizes of
-metadata are of what other commands carry over to their output.
+The size is that of the stored picture, before it is turned upright. The sizes of metadata are those of what other
+commands copy to their output.
 
 Examples:
   zqx-img info photo.jpg
   zqx-img info photo.jpg --json
 
-Exit codes: 0 done, 1 the file cannot be read, 2 the command line cannot be meant.
+Exit codes: 0 success, 1 the file cannot be read, 2 invalid command line.
 )";
 
 } // namespace
 
 void addInfoCommand(CLI::App& program) {
-    CLI::App& command = *program.add_subcommand("info", "Tell what a picture file holds");
+    CLI::App& command = *program.add_subcommand("info", "Show what a picture file contains");
     const auto options = std::make_shared<InfoOptions>();
     command.add_option("FILE", options->name, "The picture")->type_name("FILE")->required();
-    command.add_flag("--json", options->json, "Tell it as one JSON object");
+    command.add_flag("--json", options->json, "Print it as one JSON object");
     addLimitOptions(command, options->loading.limits);
     command.footer(FOOTER);
     command.callback([options] {

@@ -1,24 +1,20 @@
-// Writing what previews and charts are.
+// Checking and writing of these pictures.
 #include "commands/ResultFile.h"
 
-#include <filesystem>
-#include <system_error>
 #include <utility>
+
+#include <zqx/tools/OutputCheck.h>
 
 #include "zqx/pictures/codecs/Encode.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/files/InputFile.h"
 
 namespace zqx::app {
 
 using namespace pictures;
 
-void checkResultFile(const std::string& name, const std::string& input) {
+void checkResultFile(const std::string& name, const std::vector<std::string>& inputs) {
     static_cast<void>(outputFormat(name));
-    std::error_code failure;
-    if (std::filesystem::equivalent(toPath(name), toPath(input), failure)) {
-        throw UsageError(name, "is the picture itself, which would be lost; name another file");
-    }
+    tools::checkOutputs(inputs, {{"--output", name}});
     OutputFile::check(name);
 }
 

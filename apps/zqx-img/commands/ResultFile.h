@@ -1,16 +1,17 @@
-// Files with something to look at, made of a picture but not the picture itself.
+// Pictures that commands make besides adjusted ones: previews, sheets and charts.
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "zqx/pictures/Picture.h"
 #include "zqx/pictures/codecs/WriteOptions.h"
 
 namespace zqx::app {
 
-/// Checks that the file can be written and is not the picture that it is made of, which would be lost.
-/// @throws Error, and UsageError for a name that cannot be meant
-void checkResultFile(const std::string& name, const std::string& input);
+/// Checks that a picture file can be written and is none of those that it is made of, before work is spent on it.
+/// @throws Error, and UsageError for a name of no picture format or that of an input
+void checkResultFile(const std::string& name, const std::vector<std::string>& inputs);
 
 /// Writes an image in the layout nearest to a wanted one that the file can hold.
 /// @param wanted the image is in its working layout

@@ -71,12 +71,11 @@ const drawing::Functions& bind() {
     std::string reason;
     void* module = load(name, reason); // never unloaded: the libraries behind it are not made for that
     if (module == nullptr) {
-        throw Error(name.string(), "what draws and shows pictures cannot be loaded (" + reason +
-                                       "), install the program with all its parts");
+        throw Error(name.string(), "the drawing module cannot be loaded (" + reason + "); reinstall the program");
     }
     auto* entry = reinterpret_cast<drawing::GetFunctions*>(addressIn(module));
     if (entry == nullptr) {
-        throw Error(name.string(), "is of another version than the program, install both together");
+        throw Error(name.string(), "belongs to another version of the program; reinstall both");
     }
     return *entry();
 }

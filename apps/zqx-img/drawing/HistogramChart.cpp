@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "drawing/Drawing.h"
-#include "zqx/pictures/files/Error.h"
 #include "kernels/ScalarMaths.h"
+#include "zqx/pictures/files/Error.h"
 
 namespace zqx::app {
 
@@ -20,7 +20,7 @@ namespace {
 constexpr unsigned WIDTH = 1152;
 constexpr unsigned HEIGHT = 648;
 constexpr double BIN_WIDTH = 4.0;
-constexpr double LEFT = (WIDTH - BIN_WIDTH * CODES) / 2;
+constexpr double LEFT = (WIDTH - BIN_WIDTH * HISTOGRAM_BINS) / 2;
 constexpr double RIGHT = WIDTH - LEFT;
 constexpr double TOP = 150.0;
 constexpr double BOTTOM = 560.0;
@@ -99,7 +99,7 @@ std::vector<Point> closed(std::vector<Point> curve) {
 void drawCurves(Canvas& canvas, const Histogram& histogram) {
     std::vector<std::vector<double>> bins;
     for (const ChannelCounts& counts : histogram.present()) {
-        bins.push_back(rebinned(counts, CODES));
+        bins.push_back(rebinned(counts, HISTOGRAM_BINS));
     }
     const double limit = drawingLimit(bins);
     for (std::size_t i = 0; i < bins.size(); ++i) {
@@ -160,7 +160,7 @@ PixelBuffer drawChart(const Histogram& histogram, const std::string& title, cons
     drawCurves(canvas, histogram);
     drawClipping(canvas, histogram);
     if (!canvas.drawText({LEFT, 54.0}, title, {22.0, TEXT, Align::LEFT, true, TITLE_WIDTH})) {
-        warn(title, "no installed font has all the letters of this name");
+        warn(title, "no installed font has all characters of this name");
     }
     canvas.drawText({LEFT, 80.0}, subtitle, {14.0, FAINT_TEXT, Align::LEFT, false, TITLE_WIDTH});
     if (histogram.outOfRange) {

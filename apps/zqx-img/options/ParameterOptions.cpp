@@ -10,14 +10,14 @@ namespace zqx::app {
 void ParameterOptions::addTo(CLI::App& command) {
     command
         .add_option("--params", documents,
-                    "Take the adjustments from this JSON document; of several, later ones go over earlier ones")
+                    "Read adjustments from this JSON document; later documents override earlier ones")
         ->type_name("FILE")
         ->allow_extra_args(false);
-    command.add_option("--set", settings, "Set one adjustment, over --params and in order; see below")
+    command.add_option("--set", settings, "Set one adjustment, overriding --params; see below")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
     command.add_flag("--strict", strict,
-                     "Fail, instead of warning, where an adjustment is not known, of the wrong kind or out of range");
+                     "Fail, instead of warning, if an adjustment is unknown, of the wrong type or out of range");
 }
 
 img::ImageProcessingPipeline ParameterOptions::makePipeline() const {

@@ -116,7 +116,7 @@ void RunReport::concludeInterrupted() {
     }
     if (mPictures > 1 && !mOptions.quiet && !mOptions.dryRun) {
         print("interrupted, " + std::to_string(mTotals.all()) + " of " + std::to_string(mPictures) +
-              " pictures are done; --update goes on from here");
+              " pictures done; --update continues from here");
     }
 }
 

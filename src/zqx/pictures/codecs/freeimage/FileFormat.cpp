@@ -75,7 +75,9 @@ bool canRead(FileFormat format) {
 }
 
 bool canWrite(FileFormat format) {
-    return format != FileFormat::UNKNOWN && FreeImage_FIFSupportsWriting(idOf(format)) != 0;
+    // There is an encoder for JPEG XR, but it fails on every picture when it writes to a stream.
+    return format != FileFormat::UNKNOWN && format != FileFormat::JXR &&
+           FreeImage_FIFSupportsWriting(idOf(format)) != 0;
 }
 
 /// FreeImage names what its encoders accept, which is not always what the file then is.
