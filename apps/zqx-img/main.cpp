@@ -1,11 +1,11 @@
 // The command line program: runs the command that was asked for, and turns whatever goes wrong into one line and an
 // exit code.
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <memory>
 #include <new>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,25 +14,24 @@
 #include <qutil/Log.h>
 
 #include "commands/CommandLine.h"
+#include "terminal/Interrupts.h"
+#include "terminal/Output.h"
+#include "terminal/System.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/files/Interrupts.h"
+#include "zqx/tools/parameters/Remarks.h"
 
 namespace {
 
 using namespace zqx::app;
 using namespace zqx::pictures;
+using zqx::tools::RemarksError;
 
 constexpr int DONE = 0;
 constexpr int FAILED = 1;
 constexpr int WRONG_USAGE = 2;
 
-/// Each line of the text as one of the program's, without asking for memory, which may be what is lacking.
-int complain(std::string_view text, int code) {
-    while (!text.empty()) {
-        const std::string_view line = text.substr(0, text.find('\n'));
-        std::fprintf(stderr, "zqx-img: %.*s\n", static_cast<int>(line.size()), line.data());
-        text.remove_prefix(std::min(text.size(), line.size() + 1));
-    }
+int complainAndReturn(int code, std::string_view text) {
+    complain(text);
     return code;
 }
 
@@ -45,34 +44,48 @@ std::vector<const char*> commandLine(int argc, char** argv) {
     return words;
 }
 
-int run(CLI::App& program, int argc, char** argv) {
+/// Help and the version arrive as exceptions, when nothing else is to be done.
+void parseAndRun(CLI::App& program, const std::vector<const char*>& words) {
     try {
-        program.parse(argc, commandLine(argc, argv).data());
-        return std::fflush(stdout) == 0 ? DONE : complain("standard output: could not be written", FAILED);
+        program.parse(static_cast<int>(words.size()), words.data());
+    } catch (const CLI::Success& request) {
+        std::ostringstream text;
+        program.exit(request, text, text);
+        print(text.str());
+    }
+}
+
+int run(CLI::App& program, const std::vector<const char*>& words) {
+    try {
+        parseAndRun(program, words);
+        return DONE;
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) { // help and version arrive as exceptions too
-            return program.exit(error);
-        }
-        complain(error.what(), WRONG_USAGE);
-        return complain("see \"zqx-img --help\"", WRONG_USAGE);
+        complain(error.what());
+        return complainAndReturn(WRONG_USAGE, "see \"zqx-img --help\"");
     } catch (const ExitCode& code) {
         return code.value;
+    } catch (const RemarksError& error) {
+        complain(error.what());
+        std::ranges::for_each(error.remarks(), complain);
+        return FAILED;
     } catch (const UsageError& error) {
-        return complain(error.what(), WRONG_USAGE);
+        return complainAndReturn(WRONG_USAGE, error.what());
     } catch (const Error& error) {
-        return complain(error.what(), FAILED);
+        return complainAndReturn(FAILED, error.what());
     } catch (const std::bad_alloc&) {
-        return complain("there is not enough memory for this", FAILED);
+        return complainAndReturn(FAILED, "there is not enough memory for this");
     } catch (const std::exception& error) {
-        return complain(std::string("unexpected failure: ") + error.what(), FAILED);
+        return complainAndReturn(FAILED, std::string("unexpected failure: ") + error.what());
     }
 }
 
 int runProgram(int argc, char** argv) {
+    prepareStandardStreams();
     watchForInterrupts();
+    const WarningListener listener(printWarning);
     qutil::Log::setReportingLevel(0); // results of components are told in the program's own words
     const std::unique_ptr<CLI::App> program = makeCommandLine();
-    return run(*program, argc, argv);
+    return run(*program, commandLine(argc, argv));
 }
 
 } // namespace
@@ -81,6 +94,6 @@ int main(int argc, char** argv) {
     try {
         return runProgram(argc, argv);
     } catch (...) {
-        return complain("unexpected failure", FAILED);
+        return complainAndReturn(FAILED, "unexpected failure");
     }
 }

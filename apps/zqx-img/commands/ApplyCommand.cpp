@@ -1,6 +1,5 @@
 // apply: what the user asked for, checked as a whole and handed to the run.
 #include <algorithm>
-#include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -16,10 +15,10 @@
 #include "options/ReadingOptions.h"
 #include "options/SizeOption.h"
 #include "options/WritingOptions.h"
+#include "terminal/Interrupts.h"
 #include "terminal/RunReport.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
-#include "zqx/pictures/files/Interrupts.h"
 #include "zqx/text/Amounts.h"
 #include "zqx/tools/batch/BatchPlan.h"
 #include "zqx/tools/batch/BatchRun.h"
@@ -122,12 +121,6 @@ void checkComparison(const ApplyOptions& options, const std::vector<PlannedPictu
     }
 }
 
-void ignoreBrokenPipes() {
-#if !defined(_WIN32)
-    std::signal(SIGPIPE, SIG_IGN); // whoever stops reading our words must not make us leave half a file
-#endif
-}
-
 void runApply(const ApplyOptions& options) {
     checkOutputs(options);
     const InputList found = findInputs(options);
@@ -139,7 +132,6 @@ void runApply(const ApplyOptions& options) {
     }
     const ApplySettings settings{options.adjustments.makePipeline(), loading, options.encoding,
                                  options.noClobber ? OutputFile::Existing::KEEP : OutputFile::Existing::REPLACE};
-    ignoreBrokenPipes();
     RunReport report(options.report, plan.size() + found.failures.size());
     const LastWords lastWords([&report] { report.concludeInterrupted(); });
     for (const auto& [name, reason] : found.failures) {
@@ -179,6 +171,9 @@ A picture that fails does not stop the others. Interrupted (Ctrl-C), a run leave
 
 The colour profile, Exif, XMP, IPTC and comments travel into OUTPUT as far as its format can hold them; what it cannot
 is told, and --strip leaves them out. Thumbnails stay behind, since they show the picture as it was.
+
+Lines for people show control characters of file names, and bytes that are not UTF-8, as escapes such as \x1B, also in
+pipes; programs should read --json, which is valid UTF-8 with U+FFFD for such bytes.
 
 Examples:
   zqx-img apply in.jpg -o out.jpg --set exposure=0.5 --set shadow=0.3 --quality 95

@@ -1,6 +1,5 @@
 // lut: the grading as a .cube table, for programs that know nothing of this library.
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -13,6 +12,8 @@
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
+#include "zqx/text/Cleaning.h"
+#include "zqx/text/Numbers.h"
 #include "zqx/tools/parameters/ParameterTable.h"
 
 namespace zqx::app {
@@ -63,23 +64,20 @@ std::vector<float> bake(const img::ColorGrading& grading, const LutOptions& opti
 }
 
 /// Plain decimals that read back as the same float; not every reader of the format knows exponents.
-void appendNumber(std::string& text, float value) {
-    char digits[128];
+void appendNumber(std::string& line, float value) {
     // A black without hue grades to NaN where hues are turned. Black is what it has to become in a table.
     const float finite =
         std::isnan(value) ? 0.0F
                           : std::clamp(value, std::numeric_limits<float>::lowest(), std::numeric_limits<float>::max());
-    text.append(digits, std::to_chars(digits, digits + sizeof digits, finite, std::chars_format::fixed).ptr);
+    line += text::shortestDecimal(finite);
 }
 
 std::string titleLine(const LutOptions& options) {
     std::string title = options.title;
     if (title.empty()) {
-        const std::u8string stem = toPath(options.output).stem().u8string();
-        title.assign(stem.begin(), stem.end());
+        title = toName(toPath(options.output).stem());
     }
-    std::ranges::replace_if(
-        title, [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
+    title = text::inOneLine(title);
     std::ranges::replace(title, '"', '\'');
     return "TITLE \"" + title + "\"\n";
 }

@@ -1,11 +1,11 @@
 // params: the normalised parameter document, for keeping and for editing, and what there is to know about it.
-#include <cstdio>
 #include <memory>
 
 #include <CLI/CLI.hpp>
 
 #include "commands/Commands.h"
 #include "options/ParameterOptions.h"
+#include "terminal/Output.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/OutputFile.h"
 #include "zqx/tools/parameters/ParameterReference.h"
@@ -58,8 +58,8 @@ void runParams(const ParamsOptions& options) {
         OutputFile file(options.output);
         file.write(text);
         file.commit();
-    } else if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-        throw Error("standard output", "could not be written");
+    } else {
+        print(text);
     }
 }
 

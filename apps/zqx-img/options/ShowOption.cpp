@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "drawing/Drawing.h"
+#include "terminal/Output.h"
 #include "terminal/Terminal.h"
 #include "zqx/pictures/files/Error.h"
 
@@ -44,7 +45,7 @@ void ShowOption::addTo(CLI::App& command) {
 }
 
 void ShowOption::check() const {
-    if (protocol == BEST && !isTerminal()) {
+    if (protocol == BEST && !isTerminal(StandardStream::OUTPUT)) {
         throw UsageError("--show", "standard output is not a terminal; give -o FILE, or name what reads it, as in "
                                    "--show=sixel");
     }
@@ -55,7 +56,7 @@ void ShowOption::show(const Bitmap& bitmap, Form form) const {
     pixels->flipVertical();
     print(encodeForTerminal({static_cast<const unsigned char*>(pixels->getDataPtr()),
                              static_cast<unsigned>(pixels->getWidth()), static_cast<unsigned>(pixels->getHeight()),
-                             terminalSize(), protocolOf(protocol), showsUnicode()}));
+                             terminalSize(StandardStream::OUTPUT), protocolOf(protocol), showsUnicode()}));
 }
 
 } // namespace zqx::app

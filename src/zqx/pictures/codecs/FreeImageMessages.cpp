@@ -1,16 +1,18 @@
 // FreeImage's words, which reach a program only through one function for the whole process.
 #include "zqx/pictures/codecs/FreeImageMessages.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cstdarg>
 #include <cstddef>
+#include <string_view>
 
 #if defined(__unix__)
 #include <dlfcn.h>
 #endif
 
 #include <FreeImage.h>
+
+#include "zqx/text/Cleaning.h"
 
 namespace zqx::pictures {
 
@@ -20,10 +22,8 @@ thread_local std::string tMessages;       // pictures are decoded by several thr
 thread_local std::size_t tKnownWords = 0; // of the other listener, from before
 std::atomic<std::string (*)()> gOtherListener = nullptr;
 
-void addMessage(std::string& messages, std::string line) {
-    std::ranges::replace_if(
-        line, [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
-    line.erase(line.find_last_not_of(' ') + 1);
+void addMessage(std::string& messages, std::string_view words) {
+    const std::string line = text::withoutTrailingSpaces(text::inOneLine(words));
     if (!line.empty()) {
         messages += (messages.empty() ? "" : "; ") + line;
     }

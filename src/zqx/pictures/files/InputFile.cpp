@@ -1,4 +1,4 @@
-// Reading through the standard library's streams, so that file names are UTF-8 on every system.
+// One stream serves all readers; positions and kinds of files are the open file's, never those of its name.
 #include "zqx/pictures/files/InputFile.h"
 
 #include <algorithm>
@@ -13,55 +13,63 @@
 
 namespace zqx::pictures {
 
-namespace fs = std::filesystem;
+namespace {
 
-fs::path toPath(const std::string& name) {
-    return {std::u8string(name.begin(), name.end())};
+/// What keeps a file of some kind from being read; nothing for those that can be.
+const char* obstacle(FileKind kind, InputFile::Source source) {
+    switch (kind) {
+    case FileKind::DIRECTORY: return "is a directory, name a file";
+    case FileKind::SOCKET: return "is a socket, name a file";
+    case FileKind::DEVICE: return "is a device, name a file";
+    case FileKind::PIPE:
+        return source == InputFile::Source::FILE_OR_PIPE
+                   ? nullptr
+                   : "is a pipe, from which pictures cannot be read; save what comes out of it to a file first";
+    case FileKind::REGULAR: break;
+    }
+    return nullptr;
 }
 
-InputFile::InputFile(const std::string& name) : mName(name) {
+} // namespace
+
+InputFile::InputFile(const std::string& name, Source source) : mName(name) {
     std::error_code failure;
-    const fs::file_status status = fs::status(toPath(name), failure);
-    if (status.type() == fs::file_type::not_found) {
+    mFile = openForReading(name, failure);
+    if (failure == std::errc::no_such_file_or_directory || failure == std::errc::not_a_directory) {
         throw Error(name, "there is no such file, check the name");
     }
     if (failure) {
-        throw Error(name, "cannot be reached (" + failure.message() + ")");
+        throw Error(name, "cannot be opened (" + failure.message() + "), check its permissions");
     }
-    if (fs::is_directory(status)) {
-        throw Error(name, "is a directory, name a file");
-    }
-    errno = 0;
-    if (mFile.open(toPath(name), std::ios::in | std::ios::binary) == nullptr) {
-        throw Error(name, "cannot be opened (" + std::generic_category().message(errno) + "), check its permissions");
+    if (const char* reason = obstacle(mFile.kind, source)) {
+        throw Error(name, reason);
     }
 }
 
 std::string InputFile::readText(std::size_t limit) {
+    if (mFile.kind == FileKind::PIPE) {
+        waitForInput(mFile.stream.get());
+    }
     std::string text;
     char block[65536];
-    for (std::streamsize count = 0; (count = mFile.sgetn(block, sizeof block)) > 0;) {
-        text.append(block, static_cast<std::size_t>(count));
+    for (std::size_t count = 0; (count = std::fread(block, 1, sizeof block, mFile.stream.get())) > 0;) {
+        text.append(block, count);
         if (text.size() > limit) {
             throw Error(mName,
                         "is larger than " + std::to_string(limit >> 20) + " MiB, which is too large for a document");
         }
     }
+    if (std::ferror(mFile.stream.get()) != 0) {
+        throw Error(mName, "could not be read to its end (" + std::generic_category().message(errno) + ")");
+    }
     return text;
-}
-
-std::uint64_t InputFile::size() const {
-    std::error_code failure;
-    const std::uintmax_t size = fs::file_size(toPath(mName), failure);
-    return failure ? 0 : size;
 }
 
 std::string InputFile::readAt(std::uint64_t offset, std::size_t count) {
     std::string bytes(count, '\0');
-    const bool reached = offset <= static_cast<std::uint64_t>(std::numeric_limits<std::streamoff>::max()) &&
-                         mFile.pubseekpos(static_cast<std::streamoff>(offset), std::ios::in) >= 0;
-    const std::streamsize got = reached ? mFile.sgetn(bytes.data(), static_cast<std::streamsize>(count)) : 0;
-    bytes.resize(static_cast<std::size_t>(std::max<std::streamsize>(0, got)));
+    const bool reached = offset <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()) &&
+                         seekStream(mFile.stream.get(), static_cast<std::int64_t>(offset), SEEK_SET);
+    bytes.resize(reached ? std::fread(bytes.data(), 1, count, mFile.stream.get()) : 0);
     return bytes;
 }
 
@@ -92,7 +100,7 @@ FREE_IMAGE_FORMAT InputFile::detectFormat() {
 }
 
 FIBITMAP* InputFile::decode(FREE_IMAGE_FORMAT format, int flags) {
-    mFile.pubseekpos(0, std::ios::in);
+    std::rewind(mFile.stream.get());
     mReadAtEnd = mReadShort = false;
     FreeImageIO callbacks = io();
     return FreeImage_LoadFromHandle(format, &callbacks, this, flags);
@@ -100,18 +108,14 @@ FIBITMAP* InputFile::decode(FREE_IMAGE_FORMAT format, int flags) {
 
 unsigned InputFile::read(void* buffer, unsigned size, unsigned count, fi_handle handle) {
     InputFile& file = *static_cast<InputFile*>(handle);
-    const std::streamsize wanted = static_cast<std::streamsize>(size) * count;
+    const std::size_t wanted = std::size_t{size} * count;
     if (wanted == 0) {
         return 0;
     }
-    std::streamoff offset = 0;
-    if (!file.mMasks.empty()) {
-        offset = file.mFile.pubseekoff(0, std::ios::cur, std::ios::in);
-    }
-    const std::streamsize got = std::max<std::streamsize>(0, file.mFile.sgetn(static_cast<char*>(buffer), wanted));
+    const std::int64_t offset = file.mMasks.empty() ? 0 : tellStream(file.mFile.stream.get());
+    const std::size_t got = std::fread(buffer, 1, wanted, file.mFile.stream.get());
     if (!file.mMasks.empty() && offset >= 0) {
-        file.applyMasks(static_cast<std::uint64_t>(offset),
-                        {static_cast<char*>(buffer), static_cast<std::size_t>(got)});
+        file.applyMasks(static_cast<std::uint64_t>(offset), {static_cast<char*>(buffer), got});
     }
     file.mReadAtEnd |= got == 0;
     file.mReadShort |= got < wanted;
@@ -121,12 +125,11 @@ unsigned InputFile::read(void* buffer, unsigned size, unsigned count, fi_handle 
 }
 
 int InputFile::seek(fi_handle handle, long offset, int origin) {
-    const auto from = origin == SEEK_SET ? std::ios::beg : origin == SEEK_CUR ? std::ios::cur : std::ios::end;
-    return static_cast<InputFile*>(handle)->mFile.pubseekoff(offset, from, std::ios::in) < 0 ? -1 : 0;
+    return seekStream(static_cast<InputFile*>(handle)->mFile.stream.get(), offset, origin) ? 0 : -1;
 }
 
 long InputFile::tell(fi_handle handle) {
-    return static_cast<long>(static_cast<InputFile*>(handle)->mFile.pubseekoff(0, std::ios::cur, std::ios::in));
+    return static_cast<long>(tellStream(static_cast<InputFile*>(handle)->mFile.stream.get()));
 }
 
 FreeImageIO InputFile::io() {
@@ -134,12 +137,7 @@ FreeImageIO InputFile::io() {
 }
 
 InputFile openPicture(const std::string& name) {
-    std::error_code failure;
-    const fs::file_type type = fs::status(toPath(name), failure).type();
-    if (type == fs::file_type::fifo || type == fs::file_type::socket) {
-        throw Error(name, "is a pipe, from which pictures cannot be read, name a file");
-    }
-    return InputFile(name);
+    return InputFile(name, InputFile::Source::FILE_ONLY);
 }
 
 } // namespace zqx::pictures

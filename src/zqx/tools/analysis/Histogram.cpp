@@ -3,11 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <functional>
 #include <iterator>
 
 #include <omp.h>
+
+#include "zqx/text/Numbers.h"
 
 namespace zqx::tools {
 
@@ -176,9 +177,7 @@ std::string percentage(std::uint64_t count, std::uint64_t pixels) {
     if (count > 0 && share < 0.01) {
         return "< 0.01 %"; // a few are not none
     }
-    char text[32];
-    std::snprintf(text, sizeof text, "%.2f %%", share);
-    return text;
+    return text::fixed(share, 2) + " %";
 }
 
 } // namespace zqx::tools

@@ -4,7 +4,21 @@
 #include <string>
 #include <vector>
 
+#include "zqx/pictures/files/Error.h"
+
 namespace zqx::tools {
+
+/// Remarks that were taken for errors. what() tells what to do about them.
+class RemarksError : public pictures::Error {
+public:
+    explicit RemarksError(std::vector<std::string> remarks);
+
+    /// Each "subject: problem".
+    const std::vector<std::string>& remarks() const { return mRemarks; }
+
+private:
+    std::vector<std::string> mRemarks;
+};
 
 /// Warns of each remark at once, or, when strict, collects them into one error.
 class Remarks {
@@ -15,7 +29,7 @@ public:
     /// @param consequence what is done about it, as the end of the problem's sentence
     void add(const std::string& subject, const std::string& problem, const std::string& consequence);
 
-    /// @throws Error with a line for each remark, when strict and there are any
+    /// @throws RemarksError with all remarks, when strict and there are any
     void settle() const;
 
 private:
