@@ -80,7 +80,7 @@ TEST_F(OutputTextTest, ErrorsShowNamesWithoutObeyingThem) {
 
 TEST_F(OutputTextTest, ErrorsOfTheCommandLineAreCleanToo) {
     expectComplaint({"apply", ZQX_SAMPLE, "-o", at("out.png"), "--no" + NAME}, 2, SHOWN);
-    expectComplaint({NAME}, 2, SHOWN);
+    expectComplaint({"info", picture(), NAME}, 2, SHOWN);
     expectComplaint({"params", "--set", NAME + "=1"}, 2, SHOWN);
 }
 

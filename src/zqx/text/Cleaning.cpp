@@ -3,20 +3,12 @@
 
 #include <algorithm>
 
+#include "zqx/text/Hexadecimal.h"
 #include "zqx/text/Utf8.h"
 
 namespace zqx::text {
 
 namespace {
-
-std::string hexadecimal(char32_t code, std::size_t digits) {
-    static constexpr std::string_view DIGITS = "0123456789ABCDEF";
-    std::string text(digits, '0');
-    for (std::size_t i = digits; i-- > 0; code >>= 4U) {
-        text[i] = DIGITS[code & 0xFU];
-    }
-    return text;
-}
 
 std::string escaped(char32_t code) {
     switch (code) {

@@ -8,6 +8,7 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
+#include "zqx/text/Hexadecimal.h"
 #include "zqx/text/Numbers.h"
 #include "zqx/text/Utf8.h"
 
@@ -20,11 +21,7 @@ using LineWriter = rapidjson::Writer<Buffer>;
 using IndentingWriter = rapidjson::PrettyWriter<Buffer>;
 
 void appendUnit(std::string& text, char32_t unit) {
-    static constexpr std::string_view DIGITS = "0123456789ABCDEF";
-    text += "\\u";
-    for (int shift = 12; shift >= 0; shift -= 4) {
-        text += DIGITS[unit >> static_cast<unsigned>(shift) & 0xFU];
-    }
+    text += "\\u" + hexadecimal(unit, 4);
 }
 
 void appendEscaped(std::string& text, char32_t code) {

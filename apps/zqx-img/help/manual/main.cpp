@@ -17,6 +17,7 @@
 namespace {
 
 using namespace zqx::app;
+using namespace zqx::tools;
 
 void write(const std::filesystem::path& file, const std::string& text) {
     std::filesystem::create_directories(file.parent_path());
