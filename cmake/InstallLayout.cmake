@@ -1,8 +1,10 @@
 # Where things are installed, which part of the package they belong to, and how installed files find each other wherever
 # the tree is moved to.
 #
-# Everything installed names one of four components; "cmake --install" without --component installs them all:
-#   runtime      shared libraries
+# Everything installed names a component; "cmake --install" without --component installs them all:
+#   runtime      shared libraries: the engine and the platform
+#   runtime_pictures, runtime_tools
+#                the shared libraries for picture files, and for what is done with many
 #   development  headers, link names, what CMake and pkg-config find the libraries by
 #   tools        the program and what belongs to it: helpers, manual pages, completions, schema
 #   docs         what people read
@@ -12,7 +14,12 @@
 #   zqx_install(zqx-img-helper tools DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/zqx-img)
 #   install(FILES zqx-img.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
 #   install(FILES _zqx-img DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions COMPONENT tools)
+if(NOT ZQX_INSTALL AND NOT ZQX_BUILD_PROGRAM) # nothing is installed: the cache is left alone
+    set(zqx_libexec_from_bin ../libexec)
+    return()
+endif()
 include(GNUInstallDirs)
+file(RELATIVE_PATH zqx_libexec_from_bin ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBEXECDIR})
 
 if(WIN32)
     set(ZQX_INSTALL_LIBRARY_DIR ${CMAKE_INSTALL_BINDIR}) # where the loader looks
@@ -23,6 +30,9 @@ endif()
 # zqx_install(TARGET COMPONENT [DESTINATION FOLDER]): a shared library, or a program, which goes to FOLDER or else where
 # programs go. Libraries become targets of the CMake package.
 function(zqx_install target component)
+    if(NOT ZQX_INSTALL)
+        return()
+    endif()
     cmake_parse_arguments(PARSE_ARGV 2 arg "" DESTINATION "")
     if(NOT arg_DESTINATION)
         set(arg_DESTINATION ${CMAKE_INSTALL_BINDIR})
@@ -33,7 +43,11 @@ function(zqx_install target component)
         install(TARGETS ${target} RUNTIME DESTINATION ${arg_DESTINATION} COMPONENT ${component})
     else()
         zqx_find_libraries_from(${target} ${CMAKE_INSTALL_LIBDIR})
-        install(TARGETS ${target} EXPORT zqx_img
+        set(export ${target}) # a set of targets for each library, the platform's with the engine's
+        if(target STREQUAL "zqx_platform")
+            set(export zqx_img)
+        endif()
+        install(TARGETS ${target} EXPORT ${export}
             RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${component}
             LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${component} NAMELINK_COMPONENT development
             ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development

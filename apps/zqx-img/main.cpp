@@ -1,5 +1,4 @@
-// The command line program: runs the command that was asked for, and turns whatever goes wrong into one line and an
-// exit code.
+// The command line program: runs the chosen command, and turns whatever goes wrong into a line and an exit code.
 #include <algorithm>
 #include <cstring>
 #include <exception>
@@ -14,6 +13,7 @@
 #include <qutil/Log.h>
 
 #include "commands/CommandLine.h"
+#include "help/CommandLineProblem.h"
 #include "terminal/Interrupts.h"
 #include "terminal/Output.h"
 #include "terminal/System.h"
@@ -26,9 +26,9 @@ using namespace zqx::app;
 using namespace zqx::pictures;
 using zqx::tools::RemarksError;
 
-constexpr int DONE = 0;
-constexpr int FAILED = 1;
-constexpr int WRONG_USAGE = 2;
+constexpr int SUCCESS = 0;
+constexpr int FAILURE = 1;
+constexpr int INVALID_COMMAND_LINE = 2;
 
 int complainAndReturn(int code, std::string_view text) {
     complain(text);
@@ -44,38 +44,50 @@ std::vector<const char*> commandLine(int argc, char** argv) {
     return words;
 }
 
-/// Help and the version arrive as exceptions, when nothing else is to be done.
-void parseAndRun(CLI::App& program, const std::vector<const char*>& words) {
+/// The last line is advice of the program's own; line breaks before it are in words of the user's.
+int complainOfCommandLine(const std::string& problem) {
+    const std::size_t end = problem.rfind('\n');
+    complain(std::string_view(problem).substr(0, end));
+    return complainAndReturn(INVALID_COMMAND_LINE, std::string_view(problem).substr(end + 1));
+}
+
+/// Help and version arrive as exceptions, too.
+int answer(const CLI::App& program, const CLI::ParseError& error, const std::vector<const char*>& words) {
+    if (error.get_exit_code() != 0) {
+        return complainOfCommandLine(describeProblem(program, error, words));
+    }
+    std::ostringstream text;
+    program.exit(error, text, text);
+    print(text.str());
+    return SUCCESS;
+}
+
+int parseAndRun(CLI::App& program, const std::vector<const char*>& words) {
     try {
         program.parse(static_cast<int>(words.size()), words.data());
-    } catch (const CLI::Success& request) {
-        std::ostringstream text;
-        program.exit(request, text, text);
-        print(text.str());
+        return SUCCESS;
+    } catch (const CLI::ParseError& error) {
+        return answer(program, error, words);
     }
 }
 
 int run(CLI::App& program, const std::vector<const char*>& words) {
     try {
-        parseAndRun(program, words);
-        return DONE;
-    } catch (const CLI::ParseError& error) {
-        complain(error.what());
-        return complainAndReturn(WRONG_USAGE, "see \"zqx-img --help\"");
+        return parseAndRun(program, words);
     } catch (const ExitCode& code) {
         return code.value;
     } catch (const RemarksError& error) {
         complain(error.what());
         std::ranges::for_each(error.remarks(), complain);
-        return FAILED;
+        return FAILURE;
     } catch (const UsageError& error) {
-        return complainAndReturn(WRONG_USAGE, error.what());
+        return complainAndReturn(INVALID_COMMAND_LINE, error.what());
     } catch (const Error& error) {
-        return complainAndReturn(FAILED, error.what());
+        return complainAndReturn(FAILURE, error.what());
     } catch (const std::bad_alloc&) {
-        return complainAndReturn(FAILED, "there is not enough memory for this");
+        return complainAndReturn(FAILURE, "out of memory; close other programs or use a smaller picture");
     } catch (const std::exception& error) {
-        return complainAndReturn(FAILED, std::string("unexpected failure: ") + error.what());
+        return complainAndReturn(FAILURE, std::string("unexpected failure: ") + error.what());
     }
 }
 
@@ -83,7 +95,7 @@ int runProgram(int argc, char** argv) {
     prepareStandardStreams();
     watchForInterrupts();
     const WarningListener listener(printWarning);
-    qutil::Log::setReportingLevel(0); // results of components are told in the program's own words
+    qutil::Log::setReportingLevel(0); // failures of components are reported in the words of the program
     const std::unique_ptr<CLI::App> program = makeCommandLine();
     return run(*program, commandLine(argc, argv));
 }
@@ -94,6 +106,6 @@ int main(int argc, char** argv) {
     try {
         return runProgram(argc, argv);
     } catch (...) {
-        return complainAndReturn(FAILED, "unexpected failure");
+        return complainAndReturn(FAILURE, "unexpected failure");
     }
 }

@@ -39,10 +39,11 @@ struct MethodSite {
 
 /// Writes one record about a method, unless the log reports less than such. A record that there is no memory for is
 /// lost: the result code is what counts.
-inline void logMethod(const MethodSite& site, const char* text, const char* detail = "") noexcept {
+inline void logMethod(const MethodSite& site, const char* text, const char* detail = "",
+                      int level = LOG_LEVEL) noexcept {
     try {
-        if (qutil::Log::reportingLevel() >= LOG_LEVEL) {
-            qutil::Log::get(LOG_CATEGORY, site.file, site.line, site.function, LOG_LEVEL) << text << detail;
+        if (qutil::Log::reportingLevel() >= level) {
+            qutil::Log::get(LOG_CATEGORY, site.file, site.line, site.function, level) << text << detail;
         }
     } catch (...) {
     }

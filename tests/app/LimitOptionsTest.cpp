@@ -9,7 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include "options/ReadingOptions.h"
-#include "zqx/pictures/codecs/LoadOptions.h"
+#include "zqx/pictures/codecs/ReadOptions.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/isolation/IsolatedDecoder.h"
 #include "zqx/text/Amounts.h"
@@ -20,16 +20,16 @@ using namespace pictures;
 
 namespace {
 
-LoadOptions parse(std::vector<std::string> arguments) {
+ReadOptions parse(std::vector<std::string> arguments) {
     CLI::App command;
-    LoadOptions options;
+    ReadOptions options;
     addReadingOptions(command, options);
     std::ranges::reverse(arguments); // as CLI11 wants them
     command.parse(arguments);
     return options;
 }
 
-std::string refusalOf(const PictureSize& size, const LoadLimits& limits) {
+std::string refusalOf(const PictureSize& size, const Limits& limits) {
     try {
         checkPictureSize("a.png", size, limits);
     } catch (const Error& error) {
@@ -64,7 +64,7 @@ TEST(LoadOptionsTest, NothingIsDecidedAboutIsolationByDefault) {
 }
 
 TEST(LoadOptionsTest, LimitsAreTaken) {
-    const LoadOptions options =
+    const ReadOptions options =
         parse({"--max-width", "70k", "--max-height", "7", "--max-pixels", "1M", "--max-bytes", "1M"});
     EXPECT_EQ(options.limits.width, 70'000U);
     EXPECT_EQ(options.limits.height, 7U);
@@ -85,10 +85,10 @@ TEST(LoadOptionsTest, ThatAreNoneAreRefused) {
 
 TEST(LoadOptionsTest, LimitsOfTheOtherProcessTurnItOn) {
     EXPECT_EQ(parse({"--isolate"}).isolate, true);
-    const LoadOptions memory = parse({"--decode-memory", "1G"});
+    const ReadOptions memory = parse({"--decode-memory", "1G"});
     EXPECT_EQ(memory.isolate, true);
     EXPECT_EQ(memory.decodeMemory, 1U << 30U);
-    const LoadOptions time = parse({"--decode-time", "0.5"});
+    const ReadOptions time = parse({"--decode-time", "0.5"});
     EXPECT_EQ(time.isolate, true);
     EXPECT_EQ(time.decodeSeconds, 0.5);
 }
@@ -99,7 +99,7 @@ TEST(LoadOptionsTest, OneCannotWantBoth) {
 }
 
 TEST(LoadOptionsTest, CommandsDecideWhereUsersDoNot) {
-    LoadOptions options;
+    ReadOptions options;
     options.isolateByDefault();
     EXPECT_EQ(options.isolate, true);
     options.isolate = false;

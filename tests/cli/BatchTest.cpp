@@ -138,10 +138,10 @@ TEST_F(BatchTest, RefusalsComeBeforeAnyWork) {
     makePicture("y/a.png");
     fail(2, {"apply", at("x"), at("y"), "--output-dir", at("out")}, "would be written for both " + at("x/a.png"));
     fail(2, {"apply", at("x"), "--output-dir", at("x")}, "would replace a picture that is read in this run");
-    fail(2, {"apply", at("x/a.png"), at("y/a.png"), "-o", at("o.png")}, "--output: is for one picture");
-    fail(2, {"apply", at("x")}, "needs --output for one picture, or --output-dir");
-    fail(2, {"apply", at("x/a.png"), "-o", at("o.png"), "--output-dir", at("out")}, "not both");
-    fail(2, {"apply", at("x/a.png"), "-o", at("o.png"), "--name", "{stem}.png"}, "--name: needs an --output-dir");
+    fail(2, {"apply", at("x/a.png"), at("y/a.png"), "-o", at("o.png")}, "--output: takes a single picture; use --output-dir");
+    fail(2, {"apply", at("x")}, "apply: missing output; give --output FILE for one picture, or --output-dir DIR");
+    fail(2, {"apply", at("x/a.png"), "-o", at("o.png"), "--output-dir", at("out")}, "apply: --output cannot be combined with --output-dir");
+    fail(2, {"apply", at("x/a.png"), "-o", at("o.png"), "--name", "{stem}.png"}, "--name: requires --output-dir");
     fail(2, {"apply", at("x"), "--output-dir", at("out"), "--name", "{date}.png"}, "there is no field {date}");
     fail(2, {"apply", at("x"), "--output-dir", at("out"), "--name", "{stem}.cr2"}, "can only be read");
     fail(2,
@@ -149,7 +149,7 @@ TEST_F(BatchTest, RefusalsComeBeforeAnyWork) {
           at("both.png")},
          "--before-after: is for one picture");
     fail(2, {"apply", at("x/a.png"), "--output-dir", at("out"), "--before-after", at("out/a.png")},
-         "--before-after: needs another file than the output");
+         "--before-after: must not be the output file");
     fail(2, {"apply", at("x"), at("none"), "--output-dir", at("out"), "--set", "no=1"},
          "there is no adjustment of this name");
     fail(2, {"apply", at("x"), "--output-dir", at("out"), "--max-memory", "lots"}, "\"lots\" is not a number of bytes");

@@ -240,7 +240,7 @@ TEST_F(CompareTest, TolerancesThatAreNoneEndWithTwo) {
     for (const char* tolerance : {"much", "-1", "1/0", "1/", "/2", "nan", "inf", "1/2/3", ""}) {
         fail(2, {"compare", at("a.png"), at("a.png"), std::string("--tolerance=") + tolerance}, "--tolerance");
     }
-    fail(2, {"compare", at("a.png")}, "B is required");
+    fail(2, {"compare", at("a.png")}, "compare: missing B");
     fail(2, {"compare", at("a.png"), at("a.png"), "--difference", at("where.xyz")}, "no picture format");
 }
 

@@ -38,12 +38,12 @@ protected:
 
 TEST_F(DenoiseTest, MissingAlbedoIsInvalidInput) {
     refuse({"denoise", at("color.png"), "--normal", at("normal.png"), "-o", at("out.png")},
-           "--albedo: Invalid Input, the denoiser needs both guides, give --albedo and --normal\n");
+           "--albedo: Invalid Input: the denoiser needs both guides; give --albedo and --normal\n");
 }
 
 TEST_F(DenoiseTest, MissingNormalIsInvalidInput) {
     refuse({"denoise", at("color.png"), "--albedo", at("albedo.png"), "-o", at("out.png")},
-           "--normal: Invalid Input, the denoiser needs both guides, give --albedo and --normal\n");
+           "--normal: Invalid Input: the denoiser needs both guides; give --albedo and --normal\n");
 }
 
 TEST_F(DenoiseTest, ColorAloneIsInvalidInput) {
@@ -94,7 +94,7 @@ TEST_F(DenoiseTest, OutputIsCheckedBeforeAnyWork) {
 TEST_F(DenoiseTest, ColorIsEitherLinearOrDisplayReferred) {
     std::vector<std::string> command = denoise("color.png", "albedo.png", "normal.png");
     command.insert(command.end(), {"--hdr", "--ldr"});
-    fail(2, command, "--hdr excludes --ldr");
+    fail(2, command, "--hdr cannot be combined with --ldr");
     EXPECT_EQ(readFile(at("out.png")), "precious");
 }
 

@@ -126,9 +126,32 @@ TEST_F(FailureTest, FullDiskLeavesNoTable) {
 }
 
 TEST_F(FailureTest, FullStandardOutputIsNoticed) {
-    const Outcome outcome = runCommand({"sh", "-c", "exec \"$0\" params > /dev/full", ZQX_PROGRAM});
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.err, "zqx-img: standard output: could not be written\n");
+    const std::string in = at("in.png");
+    writePicture(in, paint(4, 4, 24, motley));
+    const std::vector<std::vector<std::string>> commands = {{"--help"},
+                                                            {"--version"},
+                                                            {"help"},
+                                                            {"help", "lut"},
+                                                            {"apply", "--help"},
+                                                            {"params"},
+                                                            {"info", in},
+                                                            {"info", in, "--json"},
+                                                            {"histogram", in},
+                                                            {"histogram", in, "--json"},
+                                                            {"compare", in, in},
+                                                            {"compare", in, in, "--json"},
+                                                            {"params", "--explain"},
+                                                            {"params", "--schema"},
+                                                            {"preview", in, "--show=symbols"},
+                                                            {"apply", in, "-o", at("out.png"), "--json"}};
+    for (const std::vector<std::string>& arguments : commands) {
+        std::vector<std::string> shell{"sh", "-c", "exec \"$0\" \"$@\" > /dev/full", ZQX_PROGRAM};
+        shell.insert(shell.end(), arguments.begin(), arguments.end());
+        const Outcome outcome = runCommand(shell);
+        EXPECT_EQ(outcome.exitCode, 1) << arguments.front();
+        EXPECT_NE(outcome.err.find("zqx-img: standard output: could not be written"), std::string::npos)
+            << arguments.front() << ": " << outcome.err;
+    }
 }
 
 TEST_F(FailureTest, SecondPictureFailingLeavesTheFirstAsItWas) {

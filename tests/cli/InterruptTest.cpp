@@ -88,7 +88,7 @@ TEST_F(InterruptTest, InterruptedRunLeavesWholePicturesAndGoesOnFromThere) {
     const std::vector<std::string> done = outputs(false);
     EXPECT_GE(done.size(), 2U);
     EXPECT_LT(done.size(), static_cast<std::size_t>(PICTURES));
-    EXPECT_NE(outcome.err.find(" of 12 pictures are done; --update goes on from here"), std::string::npos)
+    EXPECT_NE(outcome.err.find(" of 12 pictures done; --update continues from here"), std::string::npos)
         << outcome.err;
     expectWholePictures();
 

@@ -1,5 +1,6 @@
 // Files and streams of the bitmap component. All files are made with the component itself.
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,6 +13,11 @@
 #include "components/support/FakeStreams.h"
 #include "components/support/ForeignBitmap.h"
 #include "components/support/Interposed.h"
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
 
 namespace {
 
@@ -41,6 +47,51 @@ protected:
 private:
     TemporaryDirectory mDirectory;
 };
+
+#if defined(__linux__)
+
+/// A text of 4 GiB and a few bytes, in which the same pages of memory come again and again.
+class RepeatedText {
+public:
+    RepeatedText() {
+        const int file = memfd_create("text", 0);
+        const std::string page(PAGE, 'x');
+        for (std::size_t i = 0; i < BLOCK; i += PAGE) {
+            mIsWhole = mIsWhole && write(file, page.data(), PAGE) == static_cast<ssize_t>(PAGE);
+        }
+        // The last block is another one, which stays zero behind its first letters.
+        mText = mmap(nullptr, SIZE + BLOCK, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+        mIsWhole = mIsWhole && mText != MAP_FAILED;
+        for (std::size_t at = 0; mIsWhole && at < SIZE; at += BLOCK) {
+            mIsWhole =
+                mmap(static_cast<char*>(mText) + at, BLOCK, PROT_READ, MAP_SHARED | MAP_FIXED, file, 0) != MAP_FAILED;
+        }
+        if (mIsWhole) {
+            std::memcpy(static_cast<char*>(mText) + SIZE, "abc", 3);
+        }
+        close(file);
+    }
+    ~RepeatedText() {
+        if (mText != MAP_FAILED) {
+            munmap(mText, SIZE + BLOCK);
+        }
+    }
+    RepeatedText(const RepeatedText&) = delete;
+    RepeatedText& operator=(const RepeatedText&) = delete;
+
+    /// Null where there are not enough addresses.
+    const char* text() const { return mIsWhole ? static_cast<const char*>(mText) : nullptr; }
+
+private:
+    static constexpr std::size_t PAGE = 4096;
+    static constexpr std::size_t BLOCK = std::size_t{16} << 20U;
+    static constexpr std::size_t SIZE = std::size_t{1} << 32U;
+
+    bool mIsWhole = true;
+    void* mText = MAP_FAILED;
+};
+
+#endif
 
 /// The packet that a bitmap holds.
 FITAG* packetOf(const LinkedBitmap& bitmap) {
@@ -531,6 +582,16 @@ TEST_F(BitmapFileTest, PacketNeedsABitmap) {
     EXPECT_EQ(newBitmap()->setMetaData("<x/>"), 0x80004005U);
     EXPECT_EQ(newBitmap()->setMetaData(nullptr), 0x80004005U);
 }
+
+#if defined(__linux__)
+
+TEST_F(BitmapFileTest, PacketWhoseLengthNeedsMoreThan32BitsIsRefused) {
+    const RepeatedText packet;
+    ASSERT_NE(packet.text(), nullptr);
+    EXPECT_EQ(painted(2, 2)->setMetaData(packet.text()), 0x80004005U);
+}
+
+#endif
 
 TEST_F(BitmapFileTest, PacketTravelsWithTheFile) {
     const tov::TovRef bitmap(LinkedBitmap::create());

@@ -193,6 +193,15 @@ TEST_F(BitmapViewTest, ScalingThatFailsIsAssertedAndEmpty) {
     EXPECT_EQ(assertions(), Texts{qutil::tovStrError(0x80070057)});
 }
 
+TEST_F(BitmapViewTest, ScalingToASizeBeyondAnIntIsAssertedAndEmpty) {
+    constexpr std::size_t CUT_TO_FIVE = (std::size_t{1} << 32U) + 5;
+    const View view = linked(FIT_BITMAP, 5, 5, 24)->asImage();
+    EXPECT_FALSE(view->scale(CUT_TO_FIVE, 3));
+    EXPECT_FALSE(view->scale(3, CUT_TO_FIVE));
+    EXPECT_FALSE(view->scale(0x80000000U, 3));
+    EXPECT_EQ(assertions(), Texts(3, qutil::tovStrError(0x80070057)));
+}
+
 TEST_F(BitmapViewTest, ScalingAnEmptyObjectIsAssertedAndEmpty) {
     const tov::TovRef bitmap(LinkedBitmap::create());
     EXPECT_FALSE(bitmap->asImage()->scale(2, 2));

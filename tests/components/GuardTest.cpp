@@ -1,5 +1,6 @@
 // Exceptions, processor faults and shortage of memory inside component methods: they become a result code and records.
 // Compiled with exceptions from any access.
+#include <cstdint>
 #include <stdexcept>
 
 #include <qutil/Error.h>
@@ -75,6 +76,18 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Exceptions, GuardTest, testing::Values(STANDARD, ERROR_OBJECT, ANYTHING, FAULT),
                          [](const auto& tested) { return tested.param.name; });
 
+/// Pointers of a host that lead nowhere, into functions of C.
+class BadPointerTest : public ComponentTest {
+protected:
+    void SetUp() override {
+        if (!qutil::SehTranslator::isEffective()) {
+            GTEST_SKIP() << "faults are not translated in this build";
+        }
+    }
+
+    static constexpr std::uintptr_t NOWHERE = 64;
+};
+
 class MemoryGuardTest : public ComponentTest {
 protected:
     /// Calls a method again and again, each time with another allocation failing, until it needs no more.
@@ -148,6 +161,16 @@ TEST_P(GuardTest, ScalingThatThrowsIsUnexpectedAndTheSourceIsRestored) {
     Bitmap full;
     EXPECT_EQ(pipeline->execute(full.receive()), 0U);
     EXPECT_EQ(widthOf(*full), 2);
+}
+
+TEST_F(BadPointerTest, FaultInACopyFromTheHostsMemoryIsUnexpected) {
+    const Bitmap bitmap = allocated(FIT_RGBAF, 64, 2, 128);
+    EXPECT_EQ(bitmap->setScanlineF(0, {256, reinterpret_cast<float*>(NOWHERE)}), 0x8000FFFFU);
+}
+
+TEST_F(BadPointerTest, FaultOverTheHostsTextIsUnexpected) {
+    const Bitmap bitmap = painted(2, 2);
+    EXPECT_EQ(bitmap->setMetaData(reinterpret_cast<const char*>(NOWHERE)), 0x8000FFFFU);
 }
 
 TEST_F(MemoryGuardTest, ReadingTheDefaultsWithoutMemory) {

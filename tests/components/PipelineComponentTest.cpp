@@ -515,6 +515,49 @@ TEST_F(PipelineComponentTest, EmptyBitmapOfALinearSourceIsAssertedAsWell) {
     EXPECT_EQ(assertions(), (Texts{qutil::tovStrError(0x80004005), "!\"unexpected image format\""}));
 }
 
+// --- Sizes that are cut where they are taken for an int
+
+namespace {
+
+struct BeyondInt {
+    const char* name;
+    std::size_t width;
+    std::size_t height;
+    std::size_t pixelStride;
+};
+
+/// A few pixels wide to whoever looks at the low bits.
+constexpr std::size_t CUT_TO_FIVE = (std::size_t{1} << 32U) + 5;
+
+/// A view of another size than its memory, which nobody looks at.
+class WideView : public Image {
+public:
+    explicit WideView(const BeyondInt& size) {
+        setView(mDummy, size.width, size.height, Image::SRGB8, size.pixelStride, size.width);
+    }
+
+private:
+    unsigned char mDummy[16] = {};
+};
+
+} // namespace
+
+TEST_F(PipelineComponentTest, SourcesBeyondAnIntAreRefusedAsThoseBeyondMemoryAre) {
+    for (const BeyondInt& size : {BeyondInt{"width", CUT_TO_FIVE, 1, 3}, BeyondInt{"height", 1, CUT_TO_FIVE, 3},
+                                  BeyondInt{"stride", 1, 1, CUT_TO_FIVE}, BeyondInt{"bits", 1, 1, 0x20000003}}) {
+        const std::size_t before = assertions().size();
+        const tov::TovRef pipeline(LinkedPipeline::create());
+        pipeline->setActiveStages(0);
+        pipeline->setInputImage(std::make_shared<WideView>(size));
+        IFreeImage* out = nullptr;
+        EXPECT_EQ(pipeline->execute(&out), 0x80004005U) << size.name;
+        EXPECT_EQ(out, nullptr) << size.name;
+        ASSERT_EQ(assertions().size(), before + 1) << size.name;
+        EXPECT_EQ(assertions().back(), qutil::tovStrError(0x80004005));
+        EXPECT_EQ(logTexts().back(), endText(0x80004005));
+    }
+}
+
 // --- A whole session
 
 TEST_F(PipelineComponentTest, HostGradesAFileIntoAnotherThroughInterfaces) {

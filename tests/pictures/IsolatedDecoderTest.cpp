@@ -40,8 +40,8 @@ TEST_F(IsolatedDecoderTest, ThreadsDecodeAtOnce) {
         threads.emplace_back([&, i] {
             for (int n = 0; n < PICTURES; ++n) {
                 const Picture picture = decodeIsolated(at(std::to_string(i) + ".png"), {});
-                const BYTE* row = FreeImage_GetScanLine(picture.bitmap.get(), 0);
-                right += row[FI_RGBA_RED] == img::test::motley(static_cast<unsigned>(i), 16).r ? 1 : 0;
+                const auto* row = static_cast<const unsigned char*>(picture.image().getRowPtr(16));
+                right += row[2] == img::test::motley(static_cast<unsigned>(i), 16).r ? 1 : 0;
             }
         });
     }
@@ -77,9 +77,9 @@ TEST_F(IsolatedDecoderTest, NoDescriptorIsLeftOpen) {
 
 TEST_F(IsolatedDecoderTest, PixelsMayBeWrittenTo) {
     img::test::writePicture(at("a.png"), img::test::paint(31, 17, 24, img::test::motley));
-    const Picture picture = decodeIsolated(at("a.png"), {});
-    FreeImage_FlipVertical(picture.bitmap.get());
-    EXPECT_EQ(FreeImage_GetScanLine(picture.bitmap.get(), 0)[FI_RGBA_RED], img::test::motley(0, 0).r);
+    Picture picture = decodeIsolated(at("a.png"), {});
+    picture.image().flipVertical();
+    EXPECT_EQ(static_cast<const unsigned char*>(picture.image().getRowPtr(16))[2], img::test::motley(0, 0).r);
 }
 
 } // namespace zqx::pictures

@@ -22,7 +22,7 @@ const std::string XMP = R"(<?xpacket begin="" id="W5M0MpCehiHzreSzNTczkc9d"?>
 </rdf:RDF></x:xmpmeta><?xpacket end="w"?>)";
 
 /// A little-endian TIFF directory with one entry: the maker "Tester".
-std::vector<BYTE> exifOfMaker() {
+std::vector<unsigned char> exifOfMaker() {
     const std::string text("II\x2A\0\x08\0\0\0\x01\0\x0F\x01\x02\0\x07\0\0\0\x1A\0\0\0\0\0\0\0Tester\0", 33);
     return {text.begin(), text.end()};
 }
@@ -31,10 +31,12 @@ class AppMetadataTest : public img::test::DirectoryTest {
 protected:
     /// A picture whose file holds the metadata.
     std::string writePicture(const std::string& fileName, const Metadata& metadata) const {
-        Picture picture{allocateBitmap(Form::RGB8, 32, 16), Form::RGB8, Form::RGB8, AlphaKind::STRAIGHT, metadata};
+        Picture picture;
+        picture.metadata = metadata;
         const std::string name = at(fileName);
         OutputFile file(name);
-        encodePicture(file, name, outputFormat(name), allocateBitmap(Form::RGB8, 32, 16), Form::RGB8, picture, {});
+        encodePicture(file, name, outputFormat(name), PixelBuffer(32, 16, SampleLayout::RGB8), SampleLayout::RGB8,
+                      picture, {});
         file.commit();
         return name;
     }

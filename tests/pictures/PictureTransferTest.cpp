@@ -22,32 +22,29 @@ using Bytes = std::vector<std::byte>;
 constexpr unsigned WIDTH = 7; // rows end with padding
 constexpr unsigned HEIGHT = 5;
 
-Picture examplePicture(Form form = Form::RGB8) {
+Picture examplePicture(SampleLayout layout = SampleLayout::RGB8) {
     Picture picture;
-    picture.bitmap = allocateBitmap(form, WIDTH, HEIGHT);
-    FIBITMAP* bitmap = picture.bitmap.get();
-    BYTE* bytes = FreeImage_GetBits(bitmap);
-    for (unsigned i = 0; i < FreeImage_GetPitch(bitmap) * HEIGHT; ++i) {
-        bytes[i] = static_cast<BYTE>(i % 64);
+    picture.pixels = PixelBuffer(WIDTH, HEIGHT, layout);
+    auto* bytes = static_cast<unsigned char*>(picture.image().getDataPtr());
+    for (unsigned i = 0; i < picture.image().getByteRowStride() * HEIGHT; ++i) {
+        bytes[i] = static_cast<unsigned char>(i % 64);
     }
-    picture.form = form;
-    picture.stored = Form::RGB_FLOAT;
+    picture.stored = SampleLayout::RGB32F;
     picture.metadata.icc = {1, 2, 3};
     picture.metadata.exif = {4};
     picture.metadata.iptc = {5, 6};
     picture.metadata.xmp = "<x/>";
     picture.metadata.comments = std::string("Author\0Somebody\0", 16);
-    picture.alpha = AlphaKind::PRODUCTS;
-    FreeImage_SetDotsPerMeterX(bitmap, 1234);
-    FreeImage_SetDotsPerMeterY(bitmap, 4321);
+    picture.alpha = AlphaKind::PREMULTIPLIED;
+    picture.metadata.resolution = {1234, 4321};
     return picture;
 }
 
-Transfer exampleTransfer(Form form = Form::RGB8) {
+Transfer exampleTransfer(SampleLayout layout = SampleLayout::RGB8) {
     Transfer transfer;
     transfer.outcome = Outcome::PICTURE;
-    transfer.format = FIF_TIFF;
-    transfer.picture = examplePicture(form);
+    transfer.format = FileFormat::TIFF;
+    transfer.picture = examplePicture(layout);
     transfer.warnings = {"a.tif: one", "a.tif: two"};
     return transfer;
 }
@@ -104,39 +101,46 @@ Bytes withPatch(Bytes bytes, std::string_view before, std::string_view after) {
 } // namespace
 
 TEST(PictureTransferTest, PictureArrivesAsItWas) {
-    for (const Form form :
-         {Form::GREY8, Form::RGB8, Form::RGBA8, Form::GREY_FLOAT, Form::RGB_FLOAT, Form::RGBA_FLOAT}) {
-        const Transfer sent = exampleTransfer(form);
+    for (const SampleLayout layout : {SampleLayout::GRAY8, SampleLayout::RGB8, SampleLayout::RGBA8,
+                                      SampleLayout::GRAY32F, SampleLayout::RGB32F, SampleLayout::RGBA32F}) {
+        const Transfer sent = exampleTransfer(layout);
         const Transfer transfer = received(written(sent));
         ASSERT_EQ(transfer.outcome, Outcome::PICTURE);
-        EXPECT_EQ(transfer.format, FIF_TIFF);
+        EXPECT_EQ(transfer.format, FileFormat::TIFF);
         EXPECT_EQ(transfer.warnings, (std::vector<std::string>{"a.tif: one", "a.tif: two"}));
         const Picture& picture = *transfer.picture;
-        FIBITMAP* bitmap = picture.bitmap.get();
-        EXPECT_EQ(picture.form, form);
-        EXPECT_EQ(picture.stored, Form::RGB_FLOAT);
+        EXPECT_EQ(picture.pixels.layout(), layout);
+        EXPECT_EQ(picture.stored, SampleLayout::RGB32F);
         EXPECT_EQ(picture.width(), WIDTH);
         EXPECT_EQ(picture.height(), HEIGHT);
-        EXPECT_EQ(FreeImage_GetImageType(bitmap), FreeImage_GetImageType(sent.picture->bitmap.get()));
-        EXPECT_EQ(FreeImage_GetPitch(bitmap), FreeImage_GetPitch(sent.picture->bitmap.get()));
-        EXPECT_EQ(FreeImage_GetColorType(bitmap), FreeImage_GetColorType(sent.picture->bitmap.get()));
-        EXPECT_EQ(std::memcmp(FreeImage_GetBits(bitmap), FreeImage_GetBits(sent.picture->bitmap.get()),
-                              FreeImage_GetPitch(bitmap) * HEIGHT),
-                  0);
-        EXPECT_EQ(FreeImage_GetDotsPerMeterX(bitmap), 1234U);
-        EXPECT_EQ(FreeImage_GetDotsPerMeterY(bitmap), 4321U);
+        const img::Image& image = sent.picture->image();
+        EXPECT_EQ(picture.image().getFormat(), image.getFormat());
+        ASSERT_EQ(picture.image().getByteRowStride(), image.getByteRowStride());
+        EXPECT_EQ(std::memcmp(picture.image().getDataPtr(), image.getDataPtr(), image.getByteRowStride() * HEIGHT), 0);
+        EXPECT_EQ(picture.metadata.resolution, (Resolution{1234, 4321}));
+    }
+}
+
+TEST(PictureTransferTest, RowsOfAnyStrideTravel) {
+    auto wide = std::make_shared<img::Image>(WIDTH, HEIGHT, img::Image::SBGR8, 64);
+    std::memset(wide->getDataPtr(), 7, wide->getByteRowStride() * HEIGHT);
+    Transfer sent = exampleTransfer();
+    sent.picture->pixels = PixelBuffer(wide);
+    const Transfer transfer = received(written(sent));
+    for (std::size_t y = 0; y < HEIGHT; ++y) {
+        EXPECT_EQ(std::memcmp(transfer.picture->image().getRowPtr(y), wide->getRowPtr(y), 3 * WIDTH), 0) << y;
     }
 }
 
 TEST(PictureTransferTest, MetadataArrivesAsItWas) {
     const Transfer transfer = received(written(exampleTransfer()));
     const Metadata& metadata = transfer.picture->metadata;
-    EXPECT_EQ(metadata.icc, (std::vector<BYTE>{1, 2, 3}));
-    EXPECT_EQ(metadata.exif, (std::vector<BYTE>{4}));
-    EXPECT_EQ(metadata.iptc, (std::vector<BYTE>{5, 6}));
+    EXPECT_EQ(metadata.icc, (std::vector<unsigned char>{1, 2, 3}));
+    EXPECT_EQ(metadata.exif, (std::vector<unsigned char>{4}));
+    EXPECT_EQ(metadata.iptc, (std::vector<unsigned char>{5, 6}));
     EXPECT_EQ(metadata.xmp, "<x/>");
     EXPECT_EQ(metadata.comments, std::string("Author\0Somebody\0", 16));
-    EXPECT_EQ(transfer.picture->alpha, AlphaKind::PRODUCTS);
+    EXPECT_EQ(transfer.picture->alpha, AlphaKind::PREMULTIPLIED);
 }
 
 TEST(PictureTransferTest, PixelsAreNotCopiedAndKeepTheMemory) {
@@ -144,13 +148,12 @@ TEST(PictureTransferTest, PixelsAreNotCopiedAndKeepTheMemory) {
     std::shared_ptr<std::byte> memory = memoryOf(bytes);
     const std::weak_ptr<std::byte> watched = memory;
     Transfer transfer = readTransfer(memory, bytes.size());
-    EXPECT_EQ(reinterpret_cast<std::byte*>(FreeImage_GetBits(transfer.picture->bitmap.get())),
-              memory.get() + TRANSFER_PIXELS);
+    EXPECT_EQ(static_cast<std::byte*>(transfer.picture->image().getDataPtr()), memory.get() + TRANSFER_PIXELS);
     memory.reset();
-    Bitmap bitmap = std::move(transfer.picture->bitmap);
+    PixelBuffer pixels = std::move(transfer.picture->pixels);
     transfer = {};
     EXPECT_FALSE(watched.expired());
-    bitmap.reset();
+    pixels.reset();
     EXPECT_TRUE(watched.expired());
 }
 
@@ -174,12 +177,12 @@ TEST(PictureTransferTest, TextIsCutToALength) {
 
 TEST(PictureTransferTest, FormatIsKnownBeforeTheOutcome) {
     std::FILE* file = std::tmpfile();
-    TransferWriter(fileno(file)).announce(FIF_PSD);
+    TransferWriter(fileno(file)).announce(FileFormat::PSD);
     Bytes bytes(sizeof(TransferHeader));
     std::rewind(file);
     ASSERT_EQ(std::fread(bytes.data(), 1, bytes.size(), file), bytes.size());
     std::fclose(file);
-    EXPECT_EQ(received(bytes).format, FIF_PSD);
+    EXPECT_EQ(received(bytes).format, FileFormat::PSD);
     EXPECT_EQ(received(bytes).outcome, Outcome::NONE);
 }
 
@@ -214,11 +217,11 @@ TEST(HostileTransferTest, AnotherVersion) {
 TEST(HostileTransferTest, NumbersThatAreNoEnumerators) {
     expectRefusal([](TransferHeader& header) { header.outcome = 4; });
     expectRefusal([](TransferHeader& header) { header.outcome = 0xFFFFFFFF; });
-    expectRefusal([](TransferHeader& header) { header.format = static_cast<std::uint32_t>(FreeImage_GetFIFCount()); });
-    expectRefusal([](TransferHeader& header) { header.format = 0x80000000; });
-    expectRefusal([](TransferHeader& header) { header.form = FORM_COUNT; });
-    expectRefusal([](TransferHeader& header) { header.form = 0xFFFFFFFF; });
-    expectRefusal([](TransferHeader& header) { header.stored = FORM_COUNT; });
+    expectRefusal([](TransferHeader& header) { header.layoutat = FILE_FORMAT_COUNT + 1; });
+    expectRefusal([](TransferHeader& header) { header.layoutat = 0x80000000; });
+    expectRefusal([](TransferHeader& header) { header.layout = SAMPLE_LAYOUT_COUNT; });
+    expectRefusal([](TransferHeader& header) { header.layout = 0xFFFFFFFF; });
+    expectRefusal([](TransferHeader& header) { header.stored = SAMPLE_LAYOUT_COUNT; });
     expectRefusal([](TransferHeader& header) { header.stored = 0xFFFFFFFF; });
 }
 
@@ -243,7 +246,7 @@ TEST(HostileTransferTest, PixelsThatAreNotThoseOfTheSize) {
     expectRefusal([](TransferHeader& header) { header.width += 2; });
     expectRefusal([](TransferHeader& header) { ++header.height; });
     expectRefusal([](TransferHeader& header) { --header.height; });
-    expectRefusal([](TransferHeader& header) { header.form = static_cast<std::uint32_t>(Form::RGBA_FLOAT); });
+    expectRefusal([](TransferHeader& header) { header.layout = static_cast<std::uint32_t>(SampleLayout::RGBA32F); });
     expectRefusal([](TransferHeader& header) { header.pixelBytes += 4; });
 }
 
@@ -262,7 +265,7 @@ TEST(HostileTransferTest, PixelsBehindTheEnd) {
 TEST(HostileTransferTest, SumsThatOverflow) {
     // 2^32 rows of 2^30 pixels would be 0 bytes in 64 bits.
     expectRefusal([](TransferHeader& header) {
-        header.form = static_cast<std::uint32_t>(Form::RGBA8);
+        header.layout = static_cast<std::uint32_t>(SampleLayout::RGBA8);
         header.width = 0x40000000;
         header.height = 0xFFFFFFFF;
         header.pixelBytes = 0;

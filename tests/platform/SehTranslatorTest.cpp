@@ -369,6 +369,41 @@ TEST_F(FaultDeathTest, FaultAfterTheLastTranslatorIsFatal) {
         testing::KilledBySignal(SIGSEGV), "");
 }
 
+#if defined(__GLIBC__)
+
+namespace {
+
+void* (*const volatile allocate)(std::size_t) = std::malloc; // out of the optimiser's sight
+void (*const volatile release)(void*) = std::free;
+
+/// Has the next large allocation of glibc fault over a wrong link between free blocks, the heap being locked.
+void breakHeap() {
+    constexpr std::size_t TOO_LARGE_FOR_A_CACHE = 0x1000;
+    auto* const links = static_cast<void* volatile*>(allocate(TOO_LARGE_FOR_A_CACHE));
+    allocate(TOO_LARGE_FOR_A_CACHE); // keeps the block from joining what is free behind it
+    release(const_cast<void**>(links));
+    links[1] = reinterpret_cast<void*>(0x1000);
+}
+
+} // namespace
+
+TEST_F(FaultDeathTest, FaultInsideTheAllocatorEndsTheProcessInsteadOfWaitingForTheHeap) {
+    EXPECT_EXIT(
+        {
+            alarm(30);                 // a process that waits for ever ends by another signal
+            std::thread([] {}).join(); // the heap is locked only where there has been a second thread
+            const SehTranslator translator;
+            breakHeap();
+            try {
+                allocate(0x2000);
+            } catch (const SehException&) {
+            }
+        },
+        testing::KilledBySignal(SIGSEGV), "");
+}
+
+#endif
+
 TEST_F(FaultDeathTest, SentSignalKillsAsItDidBefore) {
     EXPECT_EXIT(
         {

@@ -11,7 +11,7 @@ commands=$("$(dirname "$(readlink -f "$0")")/extract_example.sh" sh "$project/$d
 }
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-cp "$project/assets/coffee.png" "$project/assets/look.json" "$folder"
+cp "$project/assets/coffee.png" "$folder"
 cp "$project/assets/render/color.exr" "$folder/render.exr"
 # A folder of pictures, one of them in a folder of its own.
 mkdir -p "$folder/pictures/evening"

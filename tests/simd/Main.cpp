@@ -11,31 +11,8 @@
 namespace {
 
 constexpr int USAGE_ERROR = 2;
-constexpr int SKIPPED = 77; // as automated builds agree on
 
 const std::string OPTION = "--simd-target=";
-
-void listTargets() {
-    std::fprintf(stderr, "available:");
-    for (const test::Target target : test::availableTargets()) {
-        std::fprintf(stderr, " %s", test::nameOfTarget(target).c_str());
-    }
-    std::fprintf(stderr, "\n");
-}
-
-/// @return the exit code where tests must not be run
-std::optional<int> force(const std::string& name) {
-    const std::optional<test::Target> target = test::targetNamed(name);
-    if (!target || !test::isAvailable(*target)) {
-        std::fprintf(stderr, "%s: %s\n", name.c_str(),
-                     target ? "not compiled in, or not on this processor" : "unknown instruction set");
-        listTargets();
-        return target ? SKIPPED : USAGE_ERROR;
-    }
-    test::forceTarget(*target);
-    std::printf("Kernels run on %s.\n", test::nameOfTarget(*target).c_str());
-    return std::nullopt;
-}
 
 } // namespace
 
@@ -47,9 +24,10 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "unknown argument: %s\n", argument.c_str());
             return USAGE_ERROR;
         }
-        if (const std::optional<int> code = force(argument.substr(OPTION.size()))) {
+        if (const std::optional<int> code = test::forceTargetNamed(argument.substr(OPTION.size()))) {
             return *code;
         }
+        std::printf("Kernels run on %s.\n", argument.substr(OPTION.size()).c_str());
     }
     return RUN_ALL_TESTS();
 }

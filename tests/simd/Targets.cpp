@@ -2,12 +2,16 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 
 #include <hwy/targets.h>
 
 namespace test {
 
 namespace {
+
+constexpr int USAGE_ERROR = 2;
+constexpr int SKIPPED = 77; // as automated builds agree on
 
 /// What kernels were last told to use; 0 for the best that the processor has.
 Target gForced = 0;
@@ -30,6 +34,14 @@ std::string lowerCase(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return text;
+}
+
+void listTargets() {
+    std::fprintf(stderr, "available:");
+    for (const Target target : availableTargets()) {
+        std::fprintf(stderr, " %s", nameOfTarget(target).c_str());
+    }
+    std::fprintf(stderr, "\n");
 }
 
 } // namespace
@@ -64,6 +76,18 @@ bool isAvailable(Target target) {
 
 void forceTarget(Target target) {
     choose(target);
+}
+
+std::optional<int> forceTargetNamed(const std::string& name) {
+    const std::optional<Target> target = targetNamed(name);
+    if (!target || !isAvailable(*target)) {
+        std::fprintf(stderr, "%s: %s\n", name.c_str(),
+                     target ? "not compiled in, or not on this processor" : "unknown instruction set");
+        listTargets();
+        return target ? SKIPPED : USAGE_ERROR;
+    }
+    forceTarget(*target);
+    return std::nullopt;
 }
 
 ForcedTarget::ForcedTarget(Target target) : mBefore(gForced) {

@@ -28,6 +28,11 @@ std::optional<Target> targetNamed(const std::string& name);
 /// Makes kernels run on one instruction set, which must be available, from the next call on.
 void forceTarget(Target target);
 
+/// Forces the instruction set that the option --simd-target of a test program names. Where that cannot be, says so on
+/// standard error.
+/// @return the exit code that the program ends with instead of running its tests
+std::optional<int> forceTargetNamed(const std::string& name);
+
 /// Forces a target for a while, then restores the choice that was in force.
 class ForcedTarget {
 public:

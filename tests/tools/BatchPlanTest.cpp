@@ -2,8 +2,9 @@
 #include <chrono>
 #include <filesystem>
 
+#include <zqx/tools/BatchPlan.h>
+
 #include "zqx/pictures/files/Error.h"
-#include "zqx/tools/batch/BatchPlan.h"
 
 #include <support/DirectoryTest.h>
 #include <support/Process.h>
@@ -101,6 +102,39 @@ TEST_F(BatchPlanTest, SinglePictureMayReplaceItself) {
     options = {};
     options.output = at("a.png");
     EXPECT_EQ(planOne("a.png").action, Action::REPLACE);
+}
+
+TEST_F(BatchPlanTest, HardLinkToAnInputIsThatInput) {
+    make("in/a.png");
+    fs::create_directories(at("out"));
+    fs::create_hard_link(at("in/a.png"), at("out/a.png"));
+    EXPECT_NE(complaint({{at("in/a.png"), ""}}).find("would replace a picture that is read in this run"),
+              std::string::npos);
+}
+
+TEST_F(BatchPlanTest, ComparisonOntoTheInputIsRefused) {
+    make("a.png");
+    fs::create_symlink("a.png", at("link.png"));
+    options = {};
+    options.output = at("b.png");
+    for (const char* name : {"a.png", "link.png"}) {
+        options.comparison = at(name);
+        EXPECT_EQ(complaint({{at("a.png"), ""}}),
+                  at(name) + ": would replace the input " + at("a.png") + "; choose another name");
+    }
+    options.output = at("a.png"); // a picture that is replaced by its own output stays safe from the comparison
+    EXPECT_NE(complaint({{at("a.png"), ""}}), "none");
+    options.comparison = at("both.png");
+    EXPECT_EQ(complaint({{at("a.png"), ""}}), "none");
+}
+
+TEST_F(BatchPlanTest, ParameterDocumentIsNoOutput) {
+    make("a.png");
+    make("look.png");
+    options = {};
+    options.documents = {at("look.png")};
+    options.output = at("look.png");
+    EXPECT_NE(complaint({{at("a.png"), ""}}).find("would replace the input"), std::string::npos);
 }
 
 TEST_F(BatchPlanTest, ExtensionThatCannotBeWrittenIsToldWithTheWayOut) {

@@ -1,7 +1,7 @@
 // Which files a folder stands for, and in which order.
 #include <filesystem>
 
-#include "zqx/tools/batch/InputList.h"
+#include <zqx/tools/InputList.h>
 
 #include <support/DirectoryTest.h>
 #include <support/Process.h>
@@ -27,6 +27,7 @@ protected:
             full.push_back(at(name));
         }
         const InputList found = listInputs(full, recursive, excluded.empty() ? "" : at(excluded));
+        unreadable = describeUnreadable(found.unreadable);
         failures.clear();
         for (const auto& [name, reason] : found.failures) {
             failures.push_back(name + ": " + reason);
@@ -39,6 +40,7 @@ protected:
     }
 
     std::vector<std::string> failures;
+    std::string unreadable;
 };
 
 using Names = std::vector<std::string>;
@@ -99,6 +101,26 @@ TEST_F(InputListTest, MissingInputIsAFailureOfItsOwn) {
     make("a.png");
     EXPECT_EQ(list({"none.png", "a.png"}, false), Names{"|a.png"});
     EXPECT_EQ(failures, Names{at("none.png") + ": there is no such file, check the name"});
+}
+
+TEST_F(InputListTest, PicturesInFormatsThatCannotBeReadAreCountedByExtension) {
+    for (const char* name : {"in/a.png", "in/b.avif", "in/c.HEIC", "in/d.heic", "in/sub/e.jxl", "in/notes.txt"}) {
+        make(name);
+    }
+    EXPECT_EQ(list({"in"}, false), Names{"|in/a.png"});
+    EXPECT_EQ(unreadable, "skipped 3 files in formats this build cannot read: 2 .heic, 1 .avif");
+    list({"in"}, true);
+    EXPECT_EQ(unreadable, "skipped 4 files in formats this build cannot read: 2 .heic, 1 .avif, 1 .jxl");
+    EXPECT_TRUE(failures.empty());
+    list({"in/a.png"}, false);
+    EXPECT_EQ(unreadable, "");
+}
+
+TEST_F(InputListTest, FolderOfUnreadablePicturesSaysSo) {
+    make("in/a.heic");
+    list({"in"}, true);
+    EXPECT_EQ(unreadable, "skipped 1 file in a format this build cannot read: 1 .heic");
+    EXPECT_EQ(failures, Names{at("in") + ": holds no pictures that this build can read"});
 }
 
 TEST_F(InputListTest, FolderWithoutPicturesIsAFailure) {

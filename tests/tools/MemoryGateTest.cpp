@@ -7,8 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <zqx/tools/MemoryGate.h>
+
 #include "zqx/pictures/files/Error.h"
-#include "zqx/tools/batch/MemoryGate.h"
 
 #include <cli/Pictures.h>
 #include <support/DirectoryTest.h>
@@ -122,6 +123,19 @@ TEST_F(MemoryNeedTest, UnknownFormatsGoByTheSizeOfTheFile) {
     const std::uint64_t base = memoryNeed(at("missing.sgi"), {"out.png"});
     EXPECT_GT(memoryNeed(at("picture.sgi"), {"out.png"}) - base, 4000000U); // may be packed tightly
     EXPECT_GT(memoryNeed(at("camera.nef"), {"out.png"}) - base, 1200000U);
+}
+
+TEST_F(MemoryNeedTest, WorkBeyondTheLimitIsRefusedBeforeItBegins) {
+    img::test::writePicture(at("a.png"), img::test::paint(1000, 1000, 24, img::test::motley));
+    img::test::writePicture(at("b.png"), img::test::paint(1000, 1000, 24, img::test::motley));
+    const std::uint64_t one = memoryNeed(at("a.png"), {});
+    requireMemory({{at("a.png")}, {}}, one);
+    requireMemory({{at("a.png"), "", at("b.png")}, {}}, 2 * one);
+    EXPECT_THROW(requireMemory({{at("a.png")}, {}}, one - 1), Error);
+    EXPECT_THROW(requireMemory({{at("a.png"), at("b.png")}, {}}, 2 * one - 1), Error);
+    EXPECT_THROW(requireMemory({{at("a.png")}, {}, 16}, one + 16 * 1000 * 1000 - 1), Error);
+    requireMemory({{at("a.png")}, {}, 16}, one + 16 * 1000 * 1000);
+    requireMemory({{at("a.png")}, {}}, 0); // the default is enough for a small picture
 }
 
 TEST(MemoryLimitTest, DefaultIsAtMostHalfOfTheMemory) {

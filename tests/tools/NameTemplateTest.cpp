@@ -1,8 +1,9 @@
 // Patterns for the names of output files.
 #include <gtest/gtest.h>
 
+#include <zqx/tools/NameTemplate.h>
+
 #include "zqx/pictures/files/Error.h"
-#include "zqx/tools/batch/NameTemplate.h"
 
 namespace zqx::tools {
 

@@ -3,11 +3,9 @@
 
 #include <rapidjson/document.h>
 
-#include "zqx/tools/batch/PictureRecord.h"
+#include <zqx/tools/PictureRecord.h>
 
 namespace zqx::tools {
-
-using namespace pictures;
 
 namespace {
 
@@ -69,6 +67,15 @@ TEST(PictureRecordTest, SummaryHasTheCounts) {
     EXPECT_EQ(document["summary"]["planned"].GetUint(), 0U);
     EXPECT_EQ(document["summary"]["seconds"].GetDouble(), 1.5);
     EXPECT_TRUE(document["summary"]["interrupted"].GetBool());
+}
+
+TEST(PictureRecordTest, SummaryHasTheFilesThatCannotBeReadByExtension) {
+    RunTotals totals;
+    EXPECT_EQ(parse(toJson(totals, 1.5, false))["summary"]["unreadable"].MemberCount(), 0U);
+    totals.unreadable = {{"heic", 10}, {"avif", 2}};
+    const rapidjson::Document document = parse(toJson(totals, 1.5, false));
+    EXPECT_EQ(document["summary"]["unreadable"][".heic"].GetUint(), 10U);
+    EXPECT_EQ(document["summary"]["unreadable"][".avif"].GetUint(), 2U);
 }
 
 TEST(PictureRecordTest, SummaryInWordsCountsWorkedPicturesForItsRate) {

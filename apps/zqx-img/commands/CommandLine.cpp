@@ -25,8 +25,8 @@ constexpr const char* FOOTER = R"(Examples:
 
 "zqx-img COMMAND --help" explains a command. A file name that begins with a dash goes after "--".
 
-Exit codes: 0 done, 1 something failed (nothing is left half written), 2 the command line cannot be meant,
-130 interrupted.
+Exit codes: 0 success, 1 failure (no file is left half written), 2 invalid command line (nothing was done), 130
+interrupted. "zqx-img compare" also has 3 and 4.
 )";
 
 } // namespace
@@ -47,6 +47,7 @@ std::unique_ptr<CLI::App> makeCommandLine() {
     addParamsCommand(*program);
     addLutCommand(*program);
     addInfoCommand(*program);
+    addHelpCommand(*program);
     return program;
 }
 

@@ -7,21 +7,23 @@ class App;
 
 namespace zqx::app {
 
-/// apply: adjusts a picture file.
+/// apply: adjusts picture files.
 void addApplyCommand(CLI::App& program);
-/// compare: tells how far two pictures are from each other.
+/// compare: reports how much two pictures differ.
 void addCompareCommand(CLI::App& program);
-/// preview: a small version of an adjusted picture, or a sheet of several.
+/// preview: writes or shows a small version of an adjusted picture, or a contact sheet of several.
 void addPreviewCommand(CLI::App& program);
-/// histogram: the values of a picture, drawn or counted.
+/// histogram: draws or counts the distribution of values.
 void addHistogramCommand(CLI::App& program);
-/// denoise: removes the noise of a render with the help of its albedo and normals.
+/// denoise: removes noise from a render with the help of its albedo and normals.
 void addDenoiseCommand(CLI::App& program);
-/// params: writes the parameter document of the adjustments asked for.
+/// params: prints the parameter document of the given adjustments.
 void addParamsCommand(CLI::App& program);
 /// lut: bakes the grading into a .cube lookup table.
 void addLutCommand(CLI::App& program);
-/// info: tells what a picture file holds.
+/// info: shows what a picture file contains.
 void addInfoCommand(CLI::App& program);
+/// help: explains the other commands, which have to be there already.
+void addHelpCommand(CLI::App& program);
 
 } // namespace zqx::app

@@ -1,5 +1,6 @@
 // denoise: a noisy render and what its renderer knows of the surfaces, through the denoising filter into a new file.
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <span>
@@ -8,10 +9,14 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zqx/tools/MemoryGate.h>
+
 #include <zqx/img/Color.h>
 #include <zqx/img/DenoisingFilter.h>
 
 #include "commands/Commands.h"
+#include "commands/ResultFile.h"
+#include "options/MemoryOption.h"
 #include "options/ReadingOptions.h"
 #include "options/WritingOptions.h"
 #include "zqx/pictures/codecs/Alpha.h"
@@ -22,6 +27,7 @@
 namespace zqx::app {
 
 using namespace pictures;
+using namespace tools;
 
 namespace {
 
@@ -30,27 +36,25 @@ struct DenoiseOptions {
     std::string albedo;
     std::string normal;
     std::string output;
-    LoadOptions loading;
+    ReadOptions loading;
+    std::uint64_t memory = 0; ///< the default
     /// Not the default for bytes either: noise averages out in linear light. Encoded it averages to something lighter,
     /// and the denoiser leaves more of it.
     bool displayReferred = false;
-    EncodeOptions encoding;
+    WriteOptions encoding;
 };
 
 /// The filter asks for the guides as well, but only once the pictures are read and its library is there.
 void requireGuides(const DenoiseOptions& options) {
     for (const auto& [option, file] : {std::pair("--albedo", options.albedo), std::pair("--normal", options.normal)}) {
         if (file.empty()) {
-            throw Error(option, "Invalid Input, the denoiser needs both guides, give --albedo and --normal");
+            throw Error(option, "Invalid Input: the denoiser needs both guides; give --albedo and --normal");
         }
     }
 }
 
-/// Linear floats with their rows from the top: the denoiser is trained on upright pictures, and bitmaps are not.
-std::shared_ptr<img::Image> uprightPixels(const Picture& picture) {
-    std::shared_ptr<img::Image> image = viewOf(picture.bitmap, picture.form).convertTo(img::Image::RGBA32F);
-    image->flipVertical();
-    return image;
+std::shared_ptr<img::Image> linearPixels(const Picture& picture) {
+    return picture.image().convertTo(img::Image::RGBA32F);
 }
 
 void forEachPixel(img::Image& image, const std::function<img::Color(const img::Color&)>& change) {
@@ -61,7 +65,7 @@ void forEachPixel(img::Image& image, const std::function<img::Color(const img::C
     }
 }
 
-Picture loadGuide(const std::string& name, const Picture& color, const LoadOptions& loading) {
+Picture loadGuide(const std::string& name, const Picture& color, const ReadOptions& loading) {
     Picture guide = loadPicture(name, loading);
     if (guide.width() != color.width() || guide.height() != color.height()) {
         const auto size = [](const Picture& picture) {
@@ -82,9 +86,9 @@ img::Color expandDirection(const img::Color& decoded) {
     return {2.0F * stored.r - 1.0F, 2.0F * stored.g - 1.0F, 2.0F * stored.b - 1.0F, stored.a};
 }
 
-std::shared_ptr<img::Image> loadNormal(const std::string& name, const Picture& color, const LoadOptions& loading) {
+std::shared_ptr<img::Image> loadNormal(const std::string& name, const Picture& color, const ReadOptions& loading) {
     const Picture picture = loadGuide(name, color, loading);
-    std::shared_ptr<img::Image> normal = uprightPixels(picture);
+    std::shared_ptr<img::Image> normal = linearPixels(picture);
     if (!isFloat(picture.stored)) {
         forEachPixel(*normal, expandDirection);
     }
@@ -101,7 +105,7 @@ void denoise(img::Image& color, const img::Image& albedo, const img::Image& norm
     filter.setHDR(!options.displayReferred);
     if (!filter.execute()) {
         const std::string& words = filter.getErrorMessage();
-        throw Error(options.color, words.empty() ? "cannot be denoised, for a reason that the denoiser keeps" : words);
+        throw Error(options.color, words.empty() ? "the denoiser failed without giving a reason" : words);
     }
 }
 
@@ -121,8 +125,8 @@ img::Color inRange(const img::Color& pixel) {
 }
 
 /// @param encoded what the denoiser was given, and has left
-Bitmap makeBitmap(img::Image& color, bool encoded, Form from, Form to) {
-    if (depthOf(to) == 8) {
+PixelBuffer makePixels(img::Image& color, bool encoded, SampleLayout from, SampleLayout to) {
+    if (bitsPerChannel(to) == 8) {
         forEachPixel(color, [encoded](const img::Color& pixel) {
             return raisedByHalfStep(encoded ? inRange(pixel) : inRange(pixel).toSrgb()).toLinear();
         });
@@ -131,78 +135,79 @@ Bitmap makeBitmap(img::Image& color, bool encoded, Form from, Form to) {
     } else if (encoded && !isFloat(from)) {
         forEachPixel(color, [](const img::Color& pixel) { return pixel.toLinear(); });
     }
-    color.flipVertical();
-    Bitmap bitmap =
-        allocateBitmap(to, static_cast<unsigned>(color.getWidth()), static_cast<unsigned>(color.getHeight()));
-    viewOf(bitmap, to).convertFrom(color);
-    return bitmap;
+    PixelBuffer pixels(color.getWidth(), color.getHeight(), to);
+    pixels.image().convertFrom(color);
+    return pixels;
 }
 
-Bitmap render(const Picture& source, Form form, const DenoiseOptions& options) {
-    const std::shared_ptr<img::Image> color = uprightPixels(source);
-    const std::shared_ptr<img::Image> albedo = uprightPixels(loadGuide(options.albedo, source, options.loading));
+PixelBuffer render(const Picture& source, SampleLayout layout, const DenoiseOptions& options) {
+    const std::shared_ptr<img::Image> color = linearPixels(source);
+    const std::shared_ptr<img::Image> albedo = linearPixels(loadGuide(options.albedo, source, options.loading));
     const std::shared_ptr<img::Image> normal = loadNormal(options.normal, source, options.loading);
     if (options.displayReferred && !isFloat(source.stored)) {
         forEachPixel(*color, [](const img::Color& pixel) { return pixel.toSrgb(); }); // back to what is stored
     }
     denoise(*color, *albedo, *normal, options);
-    return makeBitmap(*color, options.displayReferred, source.stored, form);
+    return makePixels(*color, options.displayReferred, source.stored, layout);
 }
 
 void runDenoise(const DenoiseOptions& options) {
     requireGuides(options);
-    const FREE_IMAGE_FORMAT format = outputFormat(options.output);
-    OutputFile::check(options.output);
+    const FileFormat format = outputFormat(options.output);
+    checkResultFile(options.output, {options.albedo, options.normal});
+    constexpr std::uint64_t WORKING_BYTES = 3 * 4 * sizeof(float); // what the denoiser itself takes has its own limits
+    requireMemory({{options.color, options.albedo, options.normal}, {options.output}, WORKING_BYTES}, options.memory);
     Picture source = loadPicture(options.color, options.loading);
-    const Form form = chooseForm(options.output, format, source.stored);
-    warnOfLosses(options.output, source, form);
-    prepareAlpha(source, format, form, false); // renderers' colours are denoised as they lie in the file
-    Bitmap bitmap = render(source, form, options);
+    const SampleLayout layout = chooseLayout(options.output, format, source.stored);
+    warnOfLosses(options.output, source, layout);
+    prepareAlpha(source, format, layout, false); // renderers' colours are denoised as they lie in the file
+    PixelBuffer pixels = render(source, layout, options);
     OutputFile file(options.output);
-    encodePicture(file, options.output, format, std::move(bitmap), form, source, options.encoding);
+    encodePicture(file, options.output, format, std::move(pixels), layout, source, options.encoding);
     file.commit();
 }
 
 constexpr const char* FOOTER = R"(
-COLOR, ALBEDO and NORMAL are three pictures of the same view and size, as renderers write them: the noisy picture, the
-reflectance of the surface seen at each pixel, and its direction. All three are needed. What is a guide's alpha is
-ignored, COLOR's is kept, and so is its depth where OUTPUT can hold it. The format of OUTPUT follows its extension; it
-appears whole or not at all.
+COLOR, ALBEDO and NORMAL are three pictures of the same view and size, as renderers write them: the noisy picture, and
+for each pixel the reflectance and the normal of the surface. All three are required. The alpha of the guides is
+ignored; that of COLOR is kept, and so is its depth where OUTPUT can store it. The format of OUTPUT follows from its
+extension; it appears complete or not at all.
 
 How values are read:
   COLOR   float pictures (EXR, HDR, PFM, float TIFF) as they are; 8-bit and 16-bit pictures are decoded to linear light
-          and encoded again afterwards. --ldr is for float pictures that hold display-referred values: nothing beyond
-          [0, 1], encoded for a screen. 8-bit and 16-bit pictures it takes as stored, which leaves more noise and
-          lighter shadows than decoding them does.
+          and encoded again afterwards. --ldr is for float pictures with display-referred values, encoded and within
+          [0, 1]. It takes 8-bit and 16-bit pictures as stored, which leaves more noise and lighter shadows than
+          decoding them does.
   ALBEDO  like COLOR without --ldr: 0 reflects nothing, 1 everything
   NORMAL  float pictures as they are, -1 to 1 in any space; 8-bit and 16-bit pictures from the stored numbers, of which
           0 is -1 and the largest is 1
-Black in ALBEDO and NORMAL, whatever their format, is a place without a surface.
+Black in ALBEDO and NORMAL, whatever their format, means that there is no surface.
 
-Denoising is done by OpenImageDenoise, version 1 or 2, which has to be installed or to lie beside this program's
-library. It uses all processors; without --ldr two runs may differ in the last bits of floats.
+Denoising is done by OpenImageDenoise, version 1 or 2, which has to be installed or to be placed next to the library of
+this program. It uses all processors; without --ldr two runs may differ in the last bits of floats.
 
 Examples:
   zqx-img denoise noisy.exr --albedo albedo.exr --normal normal.exr -o clean.exr
   zqx-img denoise noisy.png --albedo albedo.png --normal normal.png -o clean.png
   zqx-img denoise display.tif --albedo albedo.exr --normal normal.exr --ldr -o clean.tif
 
-Exit codes: 0 done, 1 something failed, 2 the command line cannot be meant.
+Exit codes: 0 success, 1 failure, 2 invalid command line.
 )";
 
 } // namespace
 
 void addDenoiseCommand(CLI::App& program) {
-    CLI::App& command = *program.add_subcommand("denoise", "Remove the noise of a render");
+    CLI::App& command = *program.add_subcommand("denoise", "Remove noise from a render");
     const auto options = std::make_shared<DenoiseOptions>();
     command.add_option("COLOR", options->color, "The noisy picture")->type_name("FILE")->required();
     command.add_option("--albedo", options->albedo, "The reflectance of the surfaces")->type_name("FILE");
-    command.add_option("--normal", options->normal, "The directions of the surfaces")->type_name("FILE");
+    command.add_option("--normal", options->normal, "The normals of the surfaces")->type_name("FILE");
     command.add_option("-o,--output", options->output, "The picture to write")->type_name("FILE")->required();
     CLI::Option* linear = command.add_flag("--hdr")->description("COLOR is linear light (the default)");
     command.add_flag("--ldr", options->displayReferred, "COLOR is display-referred, between 0 and 1")->excludes(linear);
     addWritingOptions(command, options->encoding);
     addReadingOptions(command, options->loading);
+    addMemoryOption(command, options->memory);
     command.footer(FOOTER);
     command.callback([options] { runDenoise(*options); });
 }

@@ -1,11 +1,17 @@
 // histogram: how often each stored value occurs, as a chart, as characters, or as numbers.
+#include <cstdint>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
+
+#include <zqx/tools/MemoryGate.h>
 
 #include "commands/Commands.h"
 #include "commands/ResultFile.h"
 #include "drawing/HistogramChart.h"
+#include "options/MemoryOption.h"
 #include "options/ParameterOptions.h"
 #include "options/ReadingOptions.h"
 #include "options/ShowOption.h"
@@ -31,7 +37,8 @@ struct HistogramOptions {
     std::string input;
     std::string output;
     ParameterOptions adjustments;
-    LoadOptions loading;
+    ReadOptions loading;
+    std::uint64_t memory = 0; ///< the default
     ShowOption showing;
     bool json = false;
 };
@@ -70,10 +77,12 @@ std::string toJson(const Histogram& histogram, const std::string& name, const Pi
 
 void checkOptions(const HistogramOptions& options) {
     if (!options.output.empty()) {
-        checkResultFile(options.output, options.input);
+        std::vector<std::string> inputs = options.adjustments.documents;
+        inputs.push_back(options.input);
+        checkResultFile(options.output, inputs);
     }
     if (options.json && options.showing.wanted()) {
-        throw UsageError("--json", "standard output is for the numbers then, leave --show out");
+        throw UsageError("--json", "cannot be combined with --show: both write to standard output");
     }
     options.showing.check();
 }
@@ -81,18 +90,19 @@ void checkOptions(const HistogramOptions& options) {
 void runHistogram(const HistogramOptions& options) {
     checkOptions(options);
     img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
+    requireMemory({{options.input}, {options.input}}, options.memory); // what is counted is a picture like the input
     Picture source = loadPicture(options.input, options.loading);
-    prepareAlpha(source, FIF_PNG, source.form, true); // counted as straight colours
+    straightenAlpha(source);
     connect(pipeline, source);
-    const Histogram histogram = countValues(render(pipeline, source, source.form), source.form);
+    const Histogram histogram = countValues(render(pipeline, source, source.pixels.layout()).image());
     const std::string title = text::printable(toName(toPath(options.input).filename()));
     if (!options.output.empty() || options.showing.wanted()) {
-        const Bitmap chart = drawChart(histogram, title, subtitleOf(source));
+        const PixelBuffer chart = drawChart(histogram, title, subtitleOf(source));
         if (!options.output.empty()) {
-            writeResultFile(options.output, chart, Form::RGB8, blankOriginal(), EncodeOptions());
+            writeResultFile(options.output, chart.image(), SampleLayout::RGB8, Picture(), WriteOptions());
         }
         if (options.showing.wanted()) {
-            options.showing.show(chart, Form::RGB8);
+            options.showing.show(chart.image());
         }
     } else if (!options.json) {
         print(drawAsText(histogram, title + "  " + subtitleOf(source),
@@ -104,34 +114,35 @@ void runHistogram(const HistogramOptions& options) {
 }
 
 constexpr const char* FOOTER = R"(
-Counted are the gamma-encoded values, 0 to 255, of each channel, and of luma: the linear light of the channels weighted
-by ITU-R BT.709 and encoded. Float pictures (EXR, HDR, PFM, float TIFF) are encoded to the same scale, each value to the
-nearest; what is below 0, above 1 or no number is counted apart. Grey pictures have luma alone. Transparency is not
-looked at. With --params and --set, the picture is counted after these adjustments.
+The histogram counts the gamma-encoded values, 0 to 255, of each channel and of luma, the weighted sum of linear light
+by ITU-R BT.709, encoded. Values of float pictures (EXR, HDR, PFM, float TIFF) are encoded and rounded to the same
+scale; those below 0, above 1 and NaN are counted separately. Grey pictures have luma only. Transparency is ignored.
+The adjustments of --params and --set are applied first.
 
-Without -o, --show and --json the histogram is drawn in characters, as wide as the terminal (or COLUMNS), coloured
-unless NO_COLOR is set. Shadows and highlights are the shares of pixels at or beyond the ends of the scale. Drawings are
-as high as the most frequent value between the ends; a few values that stand out far above all others are cut off.
+Without -o, --show and --json the histogram is drawn with characters, as wide as the terminal (or COLUMNS), in colour
+unless NO_COLOR is set. Shadows and highlights are the shares of pixels at or beyond the ends of the scale. The vertical
+scale is set by the most frequent value between the ends; a few values that stand out far above all others are cut off.
 
 Examples:
   zqx-img histogram photo.jpg
   zqx-img histogram photo.jpg --set exposure=0.5 -o histogram.png
   zqx-img histogram render.exr --json
 
-Exit codes: 0 done, 1 something failed, 2 the command line cannot be meant.
+Exit codes: 0 success, 1 failure, 2 invalid command line.
 )";
 
 } // namespace
 
 void addHistogramCommand(CLI::App& program) {
-    CLI::App& command = *program.add_subcommand("histogram", "Draw or count the values of a picture");
+    CLI::App& command = *program.add_subcommand("histogram", "Draw or count the distribution of values");
     const auto options = std::make_shared<HistogramOptions>();
-    command.add_option("INPUT", options->input, "The picture to look at")->type_name("FILE")->required();
-    command.add_option("-o,--output", options->output, "Write a chart to this picture file")->type_name("FILE");
+    command.add_option("INPUT", options->input, "The picture to analyse")->type_name("FILE")->required();
+    command.add_option("-o,--output", options->output, "Write a chart as a picture")->type_name("FILE");
     command.add_flag("--json", options->json, "Print the counts of all 256 values of each channel");
     options->showing.addTo(command);
     options->adjustments.addTo(command);
     addReadingOptions(command, options->loading);
+    addMemoryOption(command, options->memory);
     command.footer(describeParameters() + FOOTER);
     command.callback([options] { runHistogram(*options); });
 }

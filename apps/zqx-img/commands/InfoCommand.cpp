@@ -1,4 +1,4 @@
-// info: what a picture file holds, from its header where the format allows that.
+// info: what a picture file contains, from its header where the format allows that.
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -11,6 +11,7 @@
 #include "terminal/Output.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/Metadata.h"
+#include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
 #include "zqx/pictures/metadata/ExifSummary.h"
 #include "zqx/pictures/metadata/MetadataReader.h"
 #include "zqx/text/Json.h"
@@ -25,54 +26,21 @@ namespace {
 
 constexpr double METRES_PER_INCH = 0.0254;
 
-const char* typeName(FREE_IMAGE_TYPE type) {
-    switch (type) {
-    case FIT_BITMAP: return "8-bit or less";
-    case FIT_UINT16: return "unsigned 16-bit";
-    case FIT_INT16: return "signed 16-bit";
-    case FIT_UINT32: return "unsigned 32-bit";
-    case FIT_INT32: return "signed 32-bit";
-    case FIT_FLOAT: return "32-bit float";
-    case FIT_DOUBLE: return "64-bit float";
-    case FIT_COMPLEX: return "complex";
-    case FIT_RGB16: return "unsigned 16-bit, three channels";
-    case FIT_RGBA16: return "unsigned 16-bit, four channels";
-    case FIT_RGBF: return "32-bit float, three channels";
-    case FIT_RGBAF: return "32-bit float, four channels";
-    default: return "unknown";
-    }
-}
-
-const char* colorTypeName(FREE_IMAGE_COLOR_TYPE type) {
-    switch (type) {
-    case FIC_MINISWHITE: return "grey, 0 is white";
-    case FIC_MINISBLACK: return "grey";
-    case FIC_RGB: return "RGB";
-    case FIC_PALETTE: return "palette";
-    case FIC_RGBALPHA: return "RGB with alpha";
-    case FIC_CMYK: return "CMYK";
-    }
-    return "unknown";
-}
-
 struct Info {
     std::string name;
-    FREE_IMAGE_FORMAT format;
-    Bitmap bitmap;
+    FileFormat format;
+    PixelDescription pixels;
     SourceMetadata metadata;
     ExifSummary exif;
-
-    FIBITMAP* get() const { return bitmap.get(); }
 };
 
-Info inspect(const std::string& name, const LoadLimits& limits) {
+Info inspect(const std::string& name, const Limits& limits) {
     InputFile file = openPicture(name);
-    const FREE_IMAGE_FORMAT format = examine(file, limits).format; // some have to be decoded
+    const FileFormat format = examine(file, limits).format; // some have to be decoded
     Info info{name, format, {}, {}, {}};
-    info.bitmap = decodeBitmap(file, format, FreeImage_FIFSupportsNoPixels(format) ? FIF_LOAD_NOPIXELS : 0);
+    info.pixels = describeByFreeImage(file, format);
     info.metadata = readMetadata(name, format);
-    completeResolution(info.get(), info.metadata);
-    completeFrom(info.get(), info.metadata.blocks);
+    completeMetadata(info.metadata, info.pixels.metadata);
     info.exif = summarizeExif(info.metadata.blocks.exif);
     return info;
 }
@@ -93,13 +61,12 @@ void printValue(const char* label, const std::string& value) {
     printLine(text::padded(label, 15) + " " + value);
 }
 
-void printResolution(FIBITMAP* bitmap) {
-    const unsigned x = FreeImage_GetDotsPerMeterX(bitmap);
-    const unsigned y = FreeImage_GetDotsPerMeterY(bitmap);
-    const std::string resolution = std::to_string(x) + " x " + std::to_string(y) + " dots per metre (" +
-                                   text::fixed(x * METRES_PER_INCH, 0) + " x " + text::fixed(y * METRES_PER_INCH, 0) +
-                                   " dpi)";
-    printValue("resolution", x == 0 && y == 0 ? "not given" : resolution);
+void printResolution(Resolution resolution) {
+    const auto [x, y] = resolution;
+    const std::string words = std::to_string(x) + " x " + std::to_string(y) + " dots per metre (" +
+                              text::fixed(x * METRES_PER_INCH, 0) + " x " + text::fixed(y * METRES_PER_INCH, 0) +
+                              " dpi)";
+    printValue("resolution", x == 0 && y == 0 ? "not given" : words);
 }
 
 void printMetadata(const Metadata& metadata) {
@@ -116,17 +83,15 @@ void printMetadata(const Metadata& metadata) {
 }
 
 void printText(const Info& info) {
-    FIBITMAP* bitmap = info.get();
+    const PixelDescription& pixels = info.pixels;
     printValue("file", info.name);
-    printValue("format", std::string(FreeImage_GetFormatFromFIF(info.format)) + " (" +
-                             FreeImage_GetFIFDescription(info.format) + ")");
-    printValue("size",
-               std::to_string(FreeImage_GetWidth(bitmap)) + " x " + std::to_string(FreeImage_GetHeight(bitmap)));
-    printValue("bits per pixel", std::to_string(FreeImage_GetBPP(bitmap)));
-    printValue("samples", typeName(FreeImage_GetImageType(bitmap)));
-    printValue("colour", colorTypeName(FreeImage_GetColorType(bitmap)));
-    printValue("transparency", FreeImage_IsTransparent(bitmap) ? "yes" : "no");
-    printResolution(bitmap);
+    printValue("format", std::string(nameOf(info.format)) + " (" + descriptionOf(info.format) + ")");
+    printValue("size", std::to_string(pixels.width) + " x " + std::to_string(pixels.height));
+    printValue("bits per pixel", std::to_string(pixels.bitsPerPixel));
+    printValue("samples", pixels.samples);
+    printValue("colour", pixels.color);
+    printValue("transparency", pixels.transparent ? "yes" : "no");
+    printResolution(info.metadata.blocks.resolution);
     const std::size_t profile = info.metadata.blocks.icc.size();
     printValue("colour profile", profile > 0 ? std::to_string(profile) + " bytes" : "none");
     if (const int orientation = info.metadata.orientation; orientation != UPRIGHT) {
@@ -137,7 +102,7 @@ void printText(const Info& info) {
         printValue(field.label, field.value);
     }
     if (info.exif.hasPosition) {
-        printValue("GPS position", "yes, it tells where the picture was taken (--strip exif leaves it out)");
+        printValue("GPS position", "yes, the file says where the picture was taken (--strip exif removes it)");
     }
 }
 
@@ -168,19 +133,20 @@ void writeMetadata(text::JsonWriter& json, const Info& info) {
 }
 
 void printJson(const Info& info) {
-    FIBITMAP* bitmap = info.get();
+    const PixelDescription& pixels = info.pixels;
+    const Resolution resolution = info.metadata.blocks.resolution;
     text::JsonWriter json({.indent = 4});
     json.beginObject();
     json.member("file", info.name);
-    json.member("format", FreeImage_GetFormatFromFIF(info.format));
-    json.member("width", FreeImage_GetWidth(bitmap));
-    json.member("height", FreeImage_GetHeight(bitmap));
-    json.member("bitsPerPixel", FreeImage_GetBPP(bitmap));
-    json.member("samples", typeName(FreeImage_GetImageType(bitmap)));
-    json.member("colour", colorTypeName(FreeImage_GetColorType(bitmap)));
-    json.member("transparency", FreeImage_IsTransparent(bitmap) != 0);
-    json.member("dotsPerMetreX", FreeImage_GetDotsPerMeterX(bitmap));
-    json.member("dotsPerMetreY", FreeImage_GetDotsPerMeterY(bitmap));
+    json.member("format", nameOf(info.format));
+    json.member("width", pixels.width);
+    json.member("height", pixels.height);
+    json.member("bitsPerPixel", pixels.bitsPerPixel);
+    json.member("samples", pixels.samples);
+    json.member("colour", pixels.color);
+    json.member("transparency", pixels.transparent);
+    json.member("dotsPerMetreX", resolution.x);
+    json.member("dotsPerMetreY", resolution.y);
     json.member("orientation", info.metadata.orientation);
     writeMetadata(json, info);
     json.endObject();
@@ -190,27 +156,27 @@ void printJson(const Info& info) {
 struct InfoOptions {
     std::string name;
     bool json = false;
-    LoadOptions loading;
+    ReadOptions loading;
 };
 
 constexpr const char* FOOTER = R"(
-The size is that of the stored picture; what the orientation says is done when the picture is read. The sizes of
-metadata are of what other commands carry over to their output.
+The size is that of the stored picture, before it is turned upright. The sizes of metadata are those of what other
+commands copy to their output.
 
 Examples:
   zqx-img info photo.jpg
   zqx-img info photo.jpg --json
 
-Exit codes: 0 done, 1 the file cannot be read, 2 the command line cannot be meant.
+Exit codes: 0 success, 1 the file cannot be read, 2 invalid command line.
 )";
 
 } // namespace
 
 void addInfoCommand(CLI::App& program) {
-    CLI::App& command = *program.add_subcommand("info", "Tell what a picture file holds");
+    CLI::App& command = *program.add_subcommand("info", "Show what a picture file contains");
     const auto options = std::make_shared<InfoOptions>();
     command.add_option("FILE", options->name, "The picture")->type_name("FILE")->required();
-    command.add_flag("--json", options->json, "Tell it as one JSON object");
+    command.add_flag("--json", options->json, "Print it as one JSON object");
     addLimitOptions(command, options->loading.limits);
     command.footer(FOOTER);
     command.callback([options] {

@@ -1,4 +1,4 @@
-// params: the normalised parameter document, for keeping and for editing, and what there is to know about it.
+// params: prints the normalised parameter document of the given adjustments, its description, or its schema.
 #include <memory>
 
 #include <CLI/CLI.hpp>
@@ -6,10 +6,11 @@
 #include "commands/Commands.h"
 #include "options/ParameterOptions.h"
 #include "terminal/Output.h"
+#include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/OutputFile.h"
-#include "zqx/tools/parameters/ParameterReference.h"
 #include "zqx/tools/parameters/ParameterTable.h"
+#include <zqx/tools/ParameterReference.h>
 
 namespace zqx::app {
 
@@ -36,23 +37,35 @@ std::string makeText(const ParamsOptions& options) {
     return options.adjustments.makePipeline().saveParams() + "\n";
 }
 
-void requireSense(const ParamsOptions& options) {
+void checkCombination(const ParamsOptions& options) {
     if (options.explain && options.schema) {
-        throw UsageError("--schema", "does not go with --explain, write one document at a time");
+        throw UsageError("--schema", "cannot be combined with --explain");
     }
     if (options.json && !options.explain) {
-        throw UsageError("--json", "goes with --explain only, the other documents are JSON anyway");
+        throw UsageError("--json", "requires --explain; the other documents are JSON anyway");
     }
     const ParameterOptions& adjustments = options.adjustments;
     if ((options.explain || options.schema) &&
         (!adjustments.documents.empty() || !adjustments.settings.empty() || adjustments.strict)) {
         throw UsageError(options.explain ? "--explain" : "--schema",
-                         "does not depend on adjustments, leave --params, --set and --strict out");
+                         "cannot be combined with --params, --set and --strict");
     }
 }
 
+/// What is written is text; under a picture's name it would pass for one.
+void checkOutput(const ParamsOptions& options) {
+    if (formatOfName(options.output) != FileFormat::UNKNOWN) {
+        throw UsageError(options.output,
+                         "is the name of a picture, but this is text; choose a name that ends in .json");
+    }
+    OutputFile::check(options.output);
+}
+
 void runParams(const ParamsOptions& options) {
-    requireSense(options);
+    checkCombination(options);
+    if (!options.output.empty()) {
+        checkOutput(options);
+    }
     const std::string text = makeText(options);
     if (!options.output.empty()) {
         OutputFile file(options.output);
@@ -70,21 +83,22 @@ Examples:
   zqx-img params --explain
   zqx-img params --schema -o parameters.schema.json
 
-Exit codes: 0 done, 1 something failed, 2 the command line cannot be meant.
+Exit codes: 0 success, 1 failure, 2 invalid command line.
 )";
 
 } // namespace
 
 void addParamsCommand(CLI::App& program) {
     CLI::App& command =
-        *program.add_subcommand("params", "Print the parameter document of the given adjustments, or explain it");
+        *program.add_subcommand("params", "Print the parameter document of the given adjustments, or describe it");
     const auto options = std::make_shared<ParamsOptions>();
     options->adjustments.addTo(command);
     command.add_flag("--explain", options->explain,
-                     "Print every adjustment with its range, default, meaning and place instead");
+                     "Print a description of every parameter instead: range, default, meaning, place");
     command.add_flag("--schema", options->schema, "Print a JSON Schema of the document instead, for editors");
-    command.add_flag("--json", options->json, "With --explain: as JSON");
-    command.add_option("-o,--output", options->output, "Write what is printed here instead")->type_name("FILE");
+    command.add_flag("--json", options->json, "With --explain: print it as JSON");
+    command.add_option("-o,--output", options->output, "Write to this file instead of standard output")
+        ->type_name("FILE");
     command.footer(describeParameters() + FOOTER);
     command.callback([options] { runParams(*options); });
 }

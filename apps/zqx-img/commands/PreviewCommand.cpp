@@ -1,23 +1,31 @@
-// preview: a small version of the adjusted picture, or a sheet of several, for a first look.
+// preview: a small version of the adjusted picture, or a contact sheet of several.
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
+#include <zqx/tools/ContactSheet.h>
+#include <zqx/tools/MemoryGate.h>
+#include <zqx/tools/Resize.h>
+
 #include "commands/Commands.h"
 #include "commands/ResultFile.h"
-#include "drawing/ContactSheet.h"
+#include "drawing/SheetLabels.h"
+#include "options/MemoryOption.h"
 #include "options/ParameterOptions.h"
 #include "options/ReadingOptions.h"
 #include "options/ShowOption.h"
+#include "options/Validators.h"
 #include "options/WritingOptions.h"
 #include "zqx/pictures/codecs/Alpha.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/Encode.h"
-#include "zqx/pictures/codecs/EncodeOptions.h"
+#include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/tools/analysis/AreaAverage.h"
 #include "zqx/tools/analysis/Render.h"
 #include "zqx/tools/analysis/SplitPicture.h"
 #include "zqx/tools/parameters/ParameterTable.h"
@@ -38,22 +46,18 @@ struct PreviewOptions {
     std::optional<unsigned> size;
     ParameterOptions adjustments;
     std::vector<std::string> sheet; // parameter documents
-    LoadOptions loading;
+    ReadOptions loading;
+    std::uint64_t memory = 0; ///< the default
     ShowOption showing;
     bool beforeAfter = false;
-    EncodeOptions encoding;
+    WriteOptions encoding;
 };
 
-/// What is written and shown.
-struct Result {
-    Bitmap bitmap;
-    Form form;
-};
-
-/// Means of colours are taken with straight alpha.
+/// Colours are averaged unpremultiplied.
 Picture loadStraight(const PreviewOptions& options) {
+    requireMemory({{options.input}, {options.input}}, options.memory); // at most as large as the input
     Picture picture = loadPicture(options.input, options.loading);
-    prepareAlpha(picture, FIF_PNG, picture.form, true);
+    straightenAlpha(picture);
     return picture;
 }
 
@@ -61,10 +65,7 @@ Picture loadStraight(const PreviewOptions& options) {
 Picture reduced(Picture picture, unsigned longestSide) {
     const Size size = {picture.width(), picture.height()};
     if (const Size smaller = fitted(size, longestSide); smaller != size) {
-        Bitmap bitmap = areaAverage(picture.bitmap, picture.form, smaller);
-        FreeImage_SetDotsPerMeterX(bitmap.get(), FreeImage_GetDotsPerMeterX(picture.bitmap.get()));
-        FreeImage_SetDotsPerMeterY(bitmap.get(), FreeImage_GetDotsPerMeterY(picture.bitmap.get()));
-        picture.bitmap = std::move(bitmap);
+        picture.pixels = areaAverage(picture.image(), smaller);
     }
     return picture;
 }
@@ -80,7 +81,7 @@ ParameterOptions withDocument(ParameterOptions adjustments, const std::string& d
     return adjustments;
 }
 
-/// One pipeline for each document. What --params and --set are to be warned of is told once, not once for each.
+/// One pipeline for each document. Warnings about --params and --set are given once, not once for each.
 std::vector<img::ImageProcessingPipeline> sheetPipelines(const PreviewOptions& options) {
     std::vector<std::string> warnings;
     std::vector<img::ImageProcessingPipeline> pipelines;
@@ -101,34 +102,35 @@ std::vector<img::ImageProcessingPipeline> sheetPipelines(const PreviewOptions& o
     return pipelines;
 }
 
-Result makeSheet(const PreviewOptions& options, std::vector<img::ImageProcessingPipeline> pipelines,
-                 const Picture& source) {
+PixelBuffer makeSheet(const PreviewOptions& options, std::vector<img::ImageProcessingPipeline> pipelines,
+                      const Picture& source) {
     std::vector<std::string> labels = {"original"};
     for (const std::string& document : options.sheet) {
         labels.push_back(stemOf(document));
     }
-    ContactSheet sheet(std::move(labels), source.width(), source.height());
-    sheet.place(0, source.bitmap, source.form);
+    SheetLabels painter;
+    ContactSheet sheet(labels, source.width(), source.height(), painter);
+    sheet.place(0, source.image());
     for (std::size_t i = 0; i < pipelines.size(); ++i) {
         connect(pipelines[i], source);
-        sheet.place(i + 1, render(pipelines[i], source, source.form), source.form);
+        sheet.place(i + 1, render(pipelines[i], source, source.pixels.layout()).image());
     }
-    return {sheet.take(), Form::RGB8};
+    return sheet.take();
 }
 
-Result makePreview(const PreviewOptions& options, img::ImageProcessingPipeline pipeline, const Picture& source,
-                   Form form) {
+PixelBuffer makePreview(const PreviewOptions& options, img::ImageProcessingPipeline pipeline, const Picture& source,
+                        SampleLayout layout) {
     connect(pipeline, source);
-    Result result = {render(pipeline, source, form), form};
+    PixelBuffer result = render(pipeline, source, layout);
     if (options.beforeAfter) {
-        splitWith(result.bitmap, form, pipeline, source);
+        splitWith(result, pipeline, source);
     }
     return result;
 }
 
 /// A sheet keeps nothing of its source but the meaning of its colours.
 Picture originalOfSheet(const Picture& source) {
-    Picture original = blankOriginal();
+    Picture original;
     if (hasColor(source.stored) && !isFloat(source.stored)) {
         original.metadata.icc = source.metadata.icc;
     }
@@ -137,35 +139,40 @@ Picture originalOfSheet(const Picture& source) {
 
 void checkOptions(const PreviewOptions& options) {
     if (options.output.empty() && !options.showing.wanted()) {
-        throw UsageError("preview", "give -o FILE to write the picture, or --show to see it in the terminal");
+        throw UsageError("preview",
+                         "missing output; give -o FILE to write the picture, or --show to see it in the terminal");
     }
     if (!options.output.empty()) {
-        checkResultFile(options.output, options.input);
+        std::vector<std::string> inputs = options.adjustments.documents;
+        inputs.insert(inputs.end(), options.sheet.begin(), options.sheet.end());
+        inputs.push_back(options.input);
+        checkResultFile(options.output, inputs);
     }
     options.showing.check();
 }
 
 /// Of the output file; what is only shown is shown like a PNG.
-FREE_IMAGE_FORMAT formatFor(const PreviewOptions& options) {
-    return options.output.empty() ? FIF_PNG : outputFormat(options.output);
+FileFormat formatFor(const PreviewOptions& options) {
+    return options.output.empty() ? FileFormat::PNG : outputFormat(options.output);
 }
 
-/// The form of the output file, or of the picture where there is only something to show.
-Form formFor(const PreviewOptions& options, const Picture& source) {
+/// The layout of the output file, or of the pixels where there is only something to show.
+SampleLayout layoutFor(const PreviewOptions& options, const Picture& source) {
     if (options.output.empty()) {
-        return source.form;
+        return source.pixels.layout();
     }
-    const Form form = chooseForm(options.output, formatFor(options), source.stored);
-    warnOfLosses(options.output, source, form);
-    return form;
+    const SampleLayout layout = chooseLayout(options.output, formatFor(options), source.stored);
+    warnOfLosses(options.output, source, layout);
+    return layout;
 }
 
-void finish(const PreviewOptions& options, const Result& result, const Picture& original) {
+/// @param layout that the file should have
+void finish(const PreviewOptions& options, const PixelBuffer& result, SampleLayout layout, const Picture& original) {
     if (!options.output.empty()) {
-        writeResultFile(options.output, result.bitmap, result.form, original, options.encoding);
+        writeResultFile(options.output, result.image(), layout, original, options.encoding);
     }
     if (options.showing.wanted()) {
-        options.showing.show(result.bitmap, result.form);
+        options.showing.show(result.image());
     }
 }
 
@@ -174,54 +181,56 @@ void runPreview(const PreviewOptions& options) {
     if (options.sheet.empty()) {
         const img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
         Picture source = reduced(loadStraight(options), options.size.value_or(DEFAULT_SIZE));
-        const Form form = formFor(options, source);
-        prepareAlpha(source, formatFor(options), form, true);
-        finish(options, makePreview(options, pipeline, source, form), source);
+        const SampleLayout layout = layoutFor(options, source);
+        prepareAlpha(source, formatFor(options), layout, true);
+        finish(options, makePreview(options, pipeline, source, layout), layout, source);
     } else {
         const std::vector<img::ImageProcessingPipeline> pipelines = sheetPipelines(options);
         const unsigned size = options.size.value_or(DEFAULT_SIZE_ON_SHEET);
         const Picture source = reduced(loadStraight(options), size);
-        finish(options, makeSheet(options, pipelines, source), originalOfSheet(source));
+        finish(options, makeSheet(options, pipelines, source), SampleLayout::RGB8, originalOfSheet(source));
     }
 }
 
 constexpr const char* FOOTER = R"(
-The picture is reduced first, each pixel to the mean of its area in linear light, and then adjusted. So it is quick, and
-colours come out as "apply" makes them; but sharpness is measured in pixels and looks stronger than in the full picture.
+The picture is first scaled down, each pixel to the mean of its area in linear light, and then adjusted. That is fast,
+and colours are those of "apply"; but sharpness is measured in pixels and looks stronger than in the full picture.
 Pictures are never enlarged.
 
-A sheet shows the original and then, for each document of --sheet, the picture with the adjustments of that document,
-labelled with its name. The documents go over that of --params, and --set goes over them all.
+A contact sheet shows the original and, for each document of --sheet, the picture with the adjustments of that document,
+labelled with its name. These documents are applied on top of --params, and --set on top of all.
 
 Examples:
   zqx-img preview photo.jpg -o small.jpg --set exposure=0.5
   zqx-img preview photo.jpg --show --before-after --params look.json
   zqx-img preview photo.jpg -o sheet.png --sheet warm.json cool.json grey.json --size 640
 
-Exit codes: 0 done, 1 something failed, 2 the command line cannot be meant.
+Exit codes: 0 success, 1 failure, 2 invalid command line.
 )";
 
 } // namespace
 
 void addPreviewCommand(CLI::App& program) {
-    CLI::App& command = *program.add_subcommand("preview", "Make or show a small version of an adjusted picture");
+    CLI::App& command = *program.add_subcommand("preview", "Write or show a small version of an adjusted picture");
     const auto options = std::make_shared<PreviewOptions>();
     command.add_option("INPUT", options->input, "The picture to adjust")->type_name("FILE")->required();
     command.add_option("-o,--output", options->output, "The picture to write")->type_name("FILE");
     command
         .add_option("--size", options->size,
-                    "Longest side in pixels, 1 to 65500; 1024 when not given, and 480 for each picture of a sheet")
-        ->check(CLI::Range(1, 65500))
+                    "Longest side in pixels, 1 to 65500 [1024, or 480 for each picture of a sheet]")
+        ->check(wholeNumber(1, 65500))
         ->type_name("N");
     options->showing.addTo(command);
     CLI::Option* sheet =
         command
-            .add_option("--sheet", options->sheet,
-                        "Make a sheet of the original and of these parameter documents; comes after INPUT")
-            ->type_name("FILE...");
-    command.add_flag("--before-after", options->beforeAfter, "Left half before, right half after")->excludes(sheet);
+            .add_option(
+                "--sheet", options->sheet,
+                "Make a contact sheet with one version for each of these parameter documents; comes after INPUT")
+            ->type_name("FILE");
+    command.add_flag("--before-after", options->beforeAfter, "Leave the left half unadjusted")->excludes(sheet);
     options->adjustments.addTo(command);
     addReadingOptions(command, options->loading);
+    addMemoryOption(command, options->memory);
     addWritingOptions(command, options->encoding);
     command.footer(describeParameters() + FOOTER);
     command.callback([options] { runPreview(*options); });

@@ -1,23 +1,22 @@
-// Files with something to look at, made of a picture but not the picture itself.
+// Pictures that commands make besides adjusted ones: previews, sheets and charts.
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "zqx/pictures/Picture.h"
-#include "zqx/pictures/codecs/EncodeOptions.h"
+#include "zqx/pictures/codecs/WriteOptions.h"
 
 namespace zqx::app {
 
-/// Checks that the file can be written and is not the picture that it is made of, which would be lost.
-/// @throws Error, and UsageError for a name that cannot be meant
-void checkResultFile(const std::string& name, const std::string& input);
+/// Checks that a picture file can be written and is none of those that it is made of, before work is spent on it.
+/// @throws Error, and UsageError for a name of no picture format or that of an input
+void checkResultFile(const std::string& name, const std::vector<std::string>& inputs);
 
-/// Writes a bitmap in the form nearest to its own that the file can hold.
-/// @param original what its colours and metadata come from. @throws Error
-void writeResultFile(const std::string& name, const pictures::Bitmap& bitmap, pictures::Form form,
-                     const pictures::Picture& original, const pictures::EncodeOptions& encoding);
-
-/// An original that has nothing to pass on.
-pictures::Picture blankOriginal();
+/// Writes an image in the layout nearest to a wanted one that the file can hold.
+/// @param wanted the image is in its working layout
+/// @param original what its colours and metadata come from; an empty one has nothing to pass on. @throws Error
+void writeResultFile(const std::string& name, const img::Image& image, pictures::SampleLayout wanted,
+                     const pictures::Picture& original, const pictures::WriteOptions& encoding);
 
 } // namespace zqx::app

@@ -71,12 +71,11 @@ const drawing::Functions& bind() {
     std::string reason;
     void* module = load(name, reason); // never unloaded: the libraries behind it are not made for that
     if (module == nullptr) {
-        throw Error(name.string(), "what draws and shows pictures cannot be loaded (" + reason +
-                                       "), install the program with all its parts");
+        throw Error(name.string(), "the drawing module cannot be loaded (" + reason + "); reinstall the program");
     }
     auto* entry = reinterpret_cast<drawing::GetFunctions*>(addressIn(module));
     if (entry == nullptr) {
-        throw Error(name.string(), "is of another version than the program, install both together");
+        throw Error(name.string(), "belongs to another version of the program; reinstall both");
     }
     return *entry();
 }
@@ -94,15 +93,14 @@ Drawing::Drawing(unsigned width, unsigned height, const Ink& background)
     mCanvas->fillRectangle({0.0, 0.0}, width, height, background);
 }
 
-void Drawing::copyTo(const Bitmap& bitmap, unsigned x, unsigned y) const {
+void Drawing::copyTo(img::Image& image, unsigned x, unsigned y) const {
     const std::uint32_t* from = mPixels.data();
-    for (unsigned row = 0; row < mHeight; ++row, from += mWidth) {
-        const unsigned rowFromBelow = FreeImage_GetHeight(bitmap.get()) - 1 - y - row;
-        BYTE* to = FreeImage_GetScanLine(bitmap.get(), static_cast<int>(rowFromBelow)) + std::size_t{3} * x;
-        for (unsigned column = 0; column < mWidth; ++column, to += 3) {
-            to[FI_RGBA_RED] = static_cast<BYTE>(from[column] >> 16 & 0xFF);
-            to[FI_RGBA_GREEN] = static_cast<BYTE>(from[column] >> 8 & 0xFF);
-            to[FI_RGBA_BLUE] = static_cast<BYTE>(from[column] & 0xFF);
+    for (unsigned row = 0; row < mHeight; ++row) {
+        auto* to = static_cast<unsigned char*>(image.getPixelPtr(x, y + row));
+        for (unsigned column = 0; column < mWidth; ++column, ++from) {
+            for (const unsigned shift : {0U, 8U, 16U}) { // blue, green, red
+                *to++ = static_cast<unsigned char>(*from >> shift & 0xFFU);
+            }
         }
     }
 }

@@ -6,9 +6,10 @@
 #include <string>
 #include <vector>
 
+#include <zqx/img/Image.h>
+
 #include "drawing/Canvas.h"
 #include "terminal/TerminalPicture.h"
-#include "zqx/pictures/codecs/Form.h"
 
 namespace zqx::app {
 
@@ -20,8 +21,8 @@ public:
 
     Canvas& canvas() { return *mCanvas; }
 
-    /// Copies what was drawn into a bitmap of 24 bits. @param x, y where its upper left corner goes
-    void copyTo(const pictures::Bitmap& bitmap, unsigned x, unsigned y) const;
+    /// Copies what was drawn into an image in SBGR8. @param x, y where its upper left corner goes
+    void copyTo(img::Image& image, unsigned x, unsigned y) const;
 
 private:
     unsigned mWidth;

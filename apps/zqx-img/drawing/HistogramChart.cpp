@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "drawing/Drawing.h"
+#include "kernels/ScalarMaths.h"
 #include "zqx/pictures/files/Error.h"
 
 namespace zqx::app {
@@ -19,7 +20,7 @@ namespace {
 constexpr unsigned WIDTH = 1152;
 constexpr unsigned HEIGHT = 648;
 constexpr double BIN_WIDTH = 4.0;
-constexpr double LEFT = (WIDTH - BIN_WIDTH * CODES) / 2;
+constexpr double LEFT = (WIDTH - BIN_WIDTH * HISTOGRAM_BINS) / 2;
 constexpr double RIGHT = WIDTH - LEFT;
 constexpr double TOP = 150.0;
 constexpr double BOTTOM = 560.0;
@@ -65,7 +66,7 @@ void drawScales(Canvas& canvas) {
     constexpr int DARKEST_STOP = 7; // further ones would be closer than their names are wide
     canvas.fillRectangle({LEFT, TOP}, RIGHT - LEFT, BOTTOM - TOP, PLOT);
     for (int stop = 1; stop <= DARKEST_STOP; ++stop) {
-        const double x = placeOf(255.0 * std::pow(2.0, -stop / GAMMA));
+        const double x = placeOf(255.0 * img::kernels::maths::exp2(-stop / GAMMA));
         drawVertical(canvas, x, TOP, BOTTOM, GRID);
         canvas.drawText({x, TOP - 10.0}, "\xE2\x88\x92" + std::to_string(stop), {13.0, FAINT_TEXT, Align::MIDDLE});
     }
@@ -98,7 +99,7 @@ std::vector<Point> closed(std::vector<Point> curve) {
 void drawCurves(Canvas& canvas, const Histogram& histogram) {
     std::vector<std::vector<double>> bins;
     for (const ChannelCounts& counts : histogram.present()) {
-        bins.push_back(rebinned(counts, CODES));
+        bins.push_back(rebinned(counts, HISTOGRAM_BINS));
     }
     const double limit = drawingLimit(bins);
     for (std::size_t i = 0; i < bins.size(); ++i) {
@@ -151,7 +152,7 @@ std::string outOfRangeOf(const Histogram& histogram) {
 
 } // namespace
 
-Bitmap drawChart(const Histogram& histogram, const std::string& title, const std::string& subtitle) {
+PixelBuffer drawChart(const Histogram& histogram, const std::string& title, const std::string& subtitle) {
     constexpr double TITLE_WIDTH = 520.0;
     Drawing drawing(WIDTH, HEIGHT, BACKGROUND);
     Canvas& canvas = drawing.canvas();
@@ -159,15 +160,15 @@ Bitmap drawChart(const Histogram& histogram, const std::string& title, const std
     drawCurves(canvas, histogram);
     drawClipping(canvas, histogram);
     if (!canvas.drawText({LEFT, 54.0}, title, {22.0, TEXT, Align::LEFT, true, TITLE_WIDTH})) {
-        warn(title, "no installed font has all the letters of this name");
+        warn(title, "no installed font has all characters of this name");
     }
     canvas.drawText({LEFT, 80.0}, subtitle, {14.0, FAINT_TEXT, Align::LEFT, false, TITLE_WIDTH});
     if (histogram.outOfRange) {
         canvas.drawText({LEFT, 100.0}, outOfRangeOf(histogram), {14.0, FAINT_TEXT, Align::LEFT, false, TITLE_WIDTH});
     }
-    Bitmap bitmap = allocateBitmap(Form::RGB8, WIDTH, HEIGHT);
-    drawing.copyTo(bitmap, 0, 0);
-    return bitmap;
+    PixelBuffer chart(WIDTH, HEIGHT, SampleLayout::RGB8);
+    drawing.copyTo(chart.image(), 0, 0);
+    return chart;
 }
 
 } // namespace zqx::app

@@ -2,13 +2,13 @@
 #include "help/About.h"
 
 #include <CLI/Version.hpp>
-#include <FreeImage.h>
 #include <exiv2/exiv2.hpp>
 #include <hwy/highway.h>
 #include <hwy/targets.h>
 #include <rapidjson/rapidjson.h>
 
 #include "Commit.h"
+#include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
 
 namespace zqx::app {
 
@@ -24,8 +24,8 @@ std::string versionText() {
         text += " (commit " + commit + ")";
     }
     text += "\nkernels: " + simdTarget();
-    text += std::string("\nlibraries: FreeImage ") + FreeImage_GetVersion() + ", Exiv2 " + Exiv2::versionString() +
-            ", RapidJSON " RAPIDJSON_VERSION_STRING + ", CLI11 " CLI11_VERSION;
+    text += std::string("\nlibraries: FreeImage ") + pictures::freeImageVersion() + ", Exiv2 " +
+            Exiv2::versionString() + ", RapidJSON " RAPIDJSON_VERSION_STRING + ", CLI11 " CLI11_VERSION;
 #if defined(__VERSION__)
     text += "\ncompiler: " __VERSION__;
 #endif

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "options/SizeOption.h"
+#include "options/Validators.h"
 #include "zqx/pictures/isolation/IsolatedDecoder.h"
 
 namespace zqx::app {
@@ -18,37 +19,37 @@ constexpr const char* GROUP = "Limits";
 
 } // namespace
 
-void addLimitOptions(CLI::App& command, pictures::LoadLimits& limits) {
-    addCountOption(command, "--max-width", limits.width, std::to_string(limits.width),
-                   "Refuse pictures of more columns")
+void addLimitOptions(CLI::App& command, pictures::Limits& limits) {
+    addCountOption(command, "--max-width", limits.width, std::to_string(limits.width), "Refuse wider pictures")
         ->group(GROUP);
-    addCountOption(command, "--max-height", limits.height, std::to_string(limits.height),
-                   "Refuse pictures of more rows")
+    addCountOption(command, "--max-height", limits.height, std::to_string(limits.height), "Refuse taller pictures")
         ->group(GROUP);
-    addCountOption(command, "--max-pixels", limits.pixels, "500M", "Refuse pictures of more pixels")->group(GROUP);
+    addCountOption(command, "--max-pixels", limits.pixels, "500M", "Refuse pictures with more pixels")->group(GROUP);
     addSizeOption(command, "--max-bytes", limits.bytes, "4G", "Refuse larger files")->group(GROUP);
 }
 
-void addReadingOptions(CLI::App& command, pictures::LoadOptions& options) {
+void addReadingOptions(CLI::App& command, pictures::ReadOptions& options) {
     addLimitOptions(command, options.limits);
     const auto turnOn = [&options] {
         if (!pictures::canIsolate()) {
-            throw CLI::ValidationError("--isolate", "this system cannot decode in a process of its own");
+            throw CLI::ValidationError("--isolate", "is not supported on this system");
         }
         options.isolate = true;
     };
     CLI::Option* on = command.add_flag_callback(
-        "--isolate", turnOn, "Decode each picture in a process of its own, which a hostile file may bring down");
+        "--isolate", turnOn,
+        "Decode each picture in a separate process, so that a damaged or hostile file can crash nothing else");
     CLI::Option* off = command.add_flag_callback(
-        "--no-isolate", [&options] { options.isolate = false; }, "Decode in this process, which is a little faster");
+        "--no-isolate", [&options] { options.isolate = false; },
+        "Decode in this process, which saves starting one for each picture");
     CLI::Option* memory =
         addSizeOption(command, "--decode-memory", options.decodeMemory, "half of the memory, at least 4G",
-                      "What that process may use of memory; turns --isolate on");
+                      "Memory that the separate process may use; implies --isolate");
     CLI::Option* time = command
                             .add_option("--decode-time", options.decodeSeconds,
-                                        "How long that process may take for a picture; turns --isolate on")
+                                        "Time that the separate process may take for a picture; implies --isolate")
                             ->type_name("SECONDS")
-                            ->check(CLI::Range(0.001, 1e6))
+                            ->check(seconds(0.001, 1e6))
                             ->capture_default_str();
     off->excludes(on)->excludes(memory)->excludes(time);
     for (CLI::Option* option : {on, off, memory, time}) {

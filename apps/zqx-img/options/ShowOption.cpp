@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "drawing/Drawing.h"
+#include "options/Validators.h"
 #include "terminal/Output.h"
 #include "terminal/Terminal.h"
 #include "zqx/pictures/files/Error.h"
@@ -39,21 +40,20 @@ TerminalProtocol protocolOf(const std::string& name) {
 void ShowOption::addTo(CLI::App& command) {
     command
         .add_flag("--show{best}", protocol,
-                  "Show the result in the terminal, the best way it knows, or by --show=kitty, --show=iterm, "
+                  "Show the result in the terminal, in the best way it supports, or with --show=kitty, --show=iterm, "
                   "--show=sixel or --show=symbols")
-        ->check(CLI::IsMember({BEST, "kitty", "iterm", "sixel", "symbols"}));
+        ->check(oneOf({BEST, "kitty", "iterm", "sixel", "symbols"}));
 }
 
 void ShowOption::check() const {
     if (protocol == BEST && !isTerminal(StandardStream::OUTPUT)) {
-        throw UsageError("--show", "standard output is not a terminal; give -o FILE, or name what reads it, as in "
+        throw UsageError("--show", "standard output is not a terminal; give -o FILE, or name a protocol, as in "
                                    "--show=sixel");
     }
 }
 
-void ShowOption::show(const Bitmap& bitmap, Form form) const {
-    const std::shared_ptr<img::Image> pixels = viewOf(bitmap, form).convertTo(img::Image::SRGBA8);
-    pixels->flipVertical();
+void ShowOption::show(const img::Image& image) const {
+    const std::shared_ptr<img::Image> pixels = image.convertTo(img::Image::SRGBA8);
     print(encodeForTerminal({static_cast<const unsigned char*>(pixels->getDataPtr()),
                              static_cast<unsigned>(pixels->getWidth()), static_cast<unsigned>(pixels->getHeight()),
                              terminalSize(StandardStream::OUTPUT), protocolOf(protocol), showsUnicode()}));

@@ -3,8 +3,9 @@
 
 #include <string>
 
+#include <zqx/img/Image.h>
+
 #include "terminal/TerminalPicture.h"
-#include "zqx/pictures/codecs/Form.h"
 
 namespace CLI {
 class App;
@@ -24,7 +25,7 @@ struct ShowOption {
     void check() const;
 
     /// Shows it. @throws Error
-    void show(const pictures::Bitmap& bitmap, pictures::Form form) const;
+    void show(const img::Image& image) const;
 };
 
 } // namespace zqx::app

@@ -1,4 +1,4 @@
-// Amounts as users write them.
+// Amounts on the command line.
 #include "options/SizeOption.h"
 
 #include <optional>

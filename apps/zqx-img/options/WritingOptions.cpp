@@ -6,22 +6,23 @@
 
 #include <CLI/CLI.hpp>
 
+#include "options/Validators.h"
+
 namespace zqx::app {
 
 using namespace pictures;
 
-void addWritingOptions(CLI::App& command, pictures::EncodeOptions& options) {
-    command.add_option("--quality", options.quality, "Quality of JPEG, WebP and JPEG XR output, 1 to 100")
-        ->check(CLI::Range(1, 100))
+void addWritingOptions(CLI::App& command, pictures::WriteOptions& options) {
+    command.add_option("--quality", options.quality, "Quality of JPEG and WebP output, 1 to 100")
+        ->check(wholeNumber(1, 100))
         ->type_name("N")
         ->capture_default_str();
     command
         .add_option("--strip", options.strippings,
-                    "Leave out the source's colour profile (icc), its exif, xmp or iptc metadata, or all of these and "
-                    "its comments")
+                    "Leave out the colour profile (icc), exif, xmp or iptc metadata, or all of these and comments")
         ->delimiter(',')
-        ->allow_extra_args(false) // or the input file behind it would be taken for another class
-        ->check(CLI::IsMember(std::vector<std::string>{"icc", "exif", "xmp", "iptc", "all"}))
+        ->allow_extra_args(false) // or a following INPUT would be read as another class
+        ->check(oneOf({"icc", "exif", "xmp", "iptc", "all"}))
         ->type_name("CLASS,...");
 }
 

@@ -1,7 +1,7 @@
 // The options of every command that writes picture files.
 #pragma once
 
-#include "zqx/pictures/codecs/EncodeOptions.h"
+#include "zqx/pictures/codecs/WriteOptions.h"
 
 namespace CLI {
 class App;
@@ -10,6 +10,6 @@ class App;
 namespace zqx::app {
 
 /// Adds --quality and --strip. The options have to live as long as the command.
-void addWritingOptions(CLI::App& command, pictures::EncodeOptions& options);
+void addWritingOptions(CLI::App& command, pictures::WriteOptions& options);
 
 } // namespace zqx::app

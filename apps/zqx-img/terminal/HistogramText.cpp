@@ -72,7 +72,7 @@ std::string axis(std::size_t columns, const TextStyle& style) {
     std::string numbers(GUTTER + columns, ' ');
     for (const std::size_t value : values) {
         const std::string number = std::to_string(value);
-        const std::size_t column = GUTTER + (2 * value + 1) * columns / (2 * CODES);
+        const std::size_t column = GUTTER + (2 * value + 1) * columns / (2 * HISTOGRAM_BINS);
         const std::size_t start = std::clamp(column - std::min(column, number.size() / 2), GUTTER,
                                              GUTTER + columns - std::min(columns, number.size()));
         numbers.replace(start, number.size(), number);
@@ -108,7 +108,7 @@ std::string clippingTable(const Histogram& histogram) {
 
 std::string drawAsText(const Histogram& histogram, const std::string& title, const TextStyle& style) {
     constexpr std::size_t NARROWEST = 16;
-    const std::size_t columns = std::clamp(style.columns - std::min(style.columns, GUTTER), NARROWEST, CODES);
+    const std::size_t columns = std::clamp(style.columns - std::min(style.columns, GUTTER), NARROWEST, HISTOGRAM_BINS);
     std::vector<std::vector<double>> bins;
     for (const ChannelCounts& counts : histogram.present()) {
         bins.push_back(rebinned(counts, columns));

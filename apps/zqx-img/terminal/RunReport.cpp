@@ -22,8 +22,9 @@ bool wantsProgress(const ReportOptions& options, std::size_t pictures) {
 
 } // namespace
 
-RunReport::RunReport(const ReportOptions& options, std::size_t pictures)
+RunReport::RunReport(const ReportOptions& options, std::size_t pictures, const ExtensionCounts& unreadable)
     : mOptions(options), mPictures(pictures), mProgress(wantsProgress(options, pictures)) {
+    mTotals.unreadable = unreadable;
 }
 
 void RunReport::note(const std::string& line) {
@@ -81,6 +82,9 @@ void RunReport::tick() {
 void RunReport::conclude() {
     const std::lock_guard lock(mMutex);
     mProgress.clear();
+    if (!mTotals.unreadable.empty() && !mOptions.quiet && !mOptions.json) {
+        print(describeUnreadable(mTotals.unreadable));
+    }
     if (mOptions.json) {
         printRecord(toJson(mTotals, seconds(), false));
     } else if (mPictures > 1 && !mOptions.quiet && !mOptions.dryRun) {
@@ -100,7 +104,7 @@ void RunReport::concludeInterrupted() {
     }
     if (mPictures > 1 && !mOptions.quiet && !mOptions.dryRun) {
         print("interrupted, " + std::to_string(mTotals.all()) + " of " + std::to_string(mPictures) +
-              " pictures are done; --update goes on from here");
+              " pictures done; --update continues from here");
     }
 }
 

@@ -5,8 +5,9 @@
 #include <mutex>
 #include <string>
 
+#include <zqx/tools/BatchObserver.h>
+
 #include "terminal/Progress.h"
-#include "zqx/tools/batch/BatchObserver.h"
 
 namespace zqx::app {
 
@@ -21,7 +22,8 @@ struct ReportOptions {
 class RunReport : public tools::BatchObserver {
 public:
     /// @param pictures in the run; one alone is done without a word
-    RunReport(const ReportOptions& options, std::size_t pictures);
+    /// @param unreadable files that are no part of it
+    RunReport(const ReportOptions& options, std::size_t pictures, const tools::ExtensionCounts& unreadable);
 
     /// Something for those who want to know everything.
     void note(const std::string& line);

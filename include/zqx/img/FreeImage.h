@@ -101,12 +101,18 @@ public:
     /// A view of the bitmap's own memory, holding a reference on this object. Row 0 is the bottom row of the picture.
     ///
     /// The format follows the bits per pixel alone: 8 SGRAY8, 24 SBGR8, 32 SBGRA8, 96 RGB32F, 128 RGBA32F, others
-    /// GRAY8 with a stride that does not fit it; the bitmap's type and palette are not consulted. Loading, allocating
+    /// GRAY8 with a stride that does not fit it; the bitmap's type and palette are not consulted. Without a bitmap, and
+    /// with one that was loaded without its pixels, the view is empty. Loading, allocating
     /// or unloading while a view exists leaves it dangling. The view can scale.
     std::shared_ptr<Image> asImage();
 
     /// What FreeImage said, on this thread, during the last load or save through a component; empty when it was
-    /// content. FreeImage has one message callback in a process; the module takes it.
+    /// content, cut where it becomes long.
+    ///
+    /// A process has two functions that FreeImage speaks to, and no way to ask for those that are set. A program's own,
+    /// given with FreeImage_SetOutputMessage, is left alone and hears everything. The other one, of
+    /// FreeImage_SetOutputMessageStdCall, the module takes when a component first loads or saves, and never again: a
+    /// program that needs it sets it after that, and this text stays empty then.
     static std::string getLibraryMessage();
 
 private:

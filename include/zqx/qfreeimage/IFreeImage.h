@@ -34,6 +34,9 @@ enum ColorType : std::int32_t {
 /// numbers, flags FreeImage's load and save flags. File names are UTF-8. Methods that hand out a bitmap make a new
 /// component with one reference, owned by the caller.
 ///
+/// A bitmap that was loaded with FIF_LOAD_NOPIXELS has a size and no pixels: what reads or writes pixels is
+/// tov::FAILURE, samples are zeros, there is no hash (tov::NOT_READY), and the image view is empty.
+///
 /// Coordinates: x from the left, y from the top. Scan lines are counted from the bottom.
 ///
 /// Thread-safety: references on any thread, everything else one thread at a time per bitmap.

@@ -1,18 +1,19 @@
 #include <zqx/img/Color.h>
 
-#include <cmath>
-
 #include "kernels/GammaTables.h"
+#include "kernels/ScalarMaths.h"
 
 namespace zqx::img {
 
 namespace {
 
+namespace maths = kernels::maths;
+
 constexpr float ENCODING_EXPONENT = 0.45454544F;
 constexpr float DECODING_EXPONENT = 2.2F;
 
 Color powerOf(const Color& color, float exponent) {
-    return {std::pow(color.r, exponent), std::pow(color.g, exponent), std::pow(color.b, exponent), color.a};
+    return {maths::pow(color.r, exponent), maths::pow(color.g, exponent), maths::pow(color.b, exponent), color.a};
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // The bitmap component: its bitmap, files and streams. Pixels are in FreeImagePixels.cpp, transforms in
 // FreeImageTransforms.cpp.
-#include <cstring>
+#include <limits>
 #include <memory>
 #include <mutex>
 
@@ -8,6 +8,7 @@
 
 #include "FreeImageAdapter.h"
 #include "FreeImageSupport.h"
+#include "LibraryMessages.h"
 
 #if defined(_WIN32)
 #include <qutil/XString.h>
@@ -34,40 +35,16 @@ struct TagDeleter {
 };
 using Tag = std::unique_ptr<FITAG, TagDeleter>;
 
-/// FreeImage explains itself only through one callback of the process: what it says is kept for the thread it says it
-/// on.
-thread_local std::string tMessage;
+/// Level of what explains a failure and is none itself.
+constexpr int EXPLANATION_LEVEL = 3;
 
-void keepMessage(FREE_IMAGE_FORMAT /*format*/, const char* message) {
-    try {
-        if (!tMessage.empty()) {
-            tMessage += "; ";
-        }
-        tMessage += message;
-        tMessage.erase(tMessage.find_last_not_of(" \r\n") + 1);
-    } catch (const std::bad_alloc&) {
-        tMessage.clear(); // an exception must not pass through the C library that calls
+/// Logs what FreeImage said, where somebody wants to know so much, before the failure is. @return the result
+tov::Result explained(const detail::MethodSite& site, tov::Result result) {
+    if (const std::string& words = LibraryMessages::ofThisThread(); tov::failed(result) && !words.empty()) {
+        detail::logMethod(site, "FreeImage: ", words.c_str(), EXPLANATION_LEVEL);
     }
+    return result;
 }
-
-/// Listens to FreeImage from here on, and logs what it said when the operation failed.
-class MessageScope {
-public:
-    explicit MessageScope(const detail::MethodSite& site) : mSite(site) {
-        tMessage.clear();
-        FreeImage_SetOutputMessage(keepMessage);
-    }
-
-    tov::Result conclude(tov::Result result) const {
-        if (tov::failed(result) && !tMessage.empty()) {
-            detail::logMethod(mSite, "FreeImage: ", tMessage.c_str());
-        }
-        return result;
-    }
-
-private:
-    detail::MethodSite mSite;
-};
 
 #if defined(_WIN32)
 FIBITMAP* loadFile(FREE_IMAGE_FORMAT format, const char* path, int flags) {
@@ -87,6 +64,12 @@ bool saveFile(FREE_IMAGE_FORMAT format, FIBITMAP* bitmap, const char* path, int 
     return FreeImage_Save(format, bitmap, path, flags) != 0;
 }
 #endif
+
+/// Saves into memory. The library is listened to for as long as it works, and not while a stream takes what it made.
+bool encode(FREE_IMAGE_FORMAT format, FIBITMAP* bitmap, FIMEMORY* memory, int flags) {
+    const LibraryMessages messages;
+    return FreeImage_SaveToMemory(format, bitmap, memory, flags) != 0;
+}
 
 /// Content decides, then the extension.
 FREE_IMAGE_FORMAT detectFormat(const char* path) {
@@ -155,15 +138,15 @@ tov::Result FreeImage::load(int format, const char* path, int flags) {
         return detail::nullArgument(site, "path");
     }
     return detail::guarded(site, [&]() -> tov::Result {
-        const MessageScope messages(site);
+        const LibraryMessages messages;
         const FREE_IMAGE_FORMAT known =
             format == DETECT_FORMAT ? detectFormat(path) : static_cast<FREE_IMAGE_FORMAT>(format);
         if (known == FIF_UNKNOWN || FreeImage_FIFSupportsReading(known) == 0) {
-            return messages.conclude(tov::FAILURE);
+            return explained(site, tov::FAILURE);
         }
         unload();
         mBitmap = loadFile(known, path, flags);
-        return messages.conclude(successIf(mBitmap != nullptr));
+        return explained(site, successIf(mBitmap != nullptr));
     });
 }
 
@@ -173,12 +156,13 @@ tov::Result FreeImage::loadFromStream(int format, qutil::IIOStream* pStream, int
         return detail::nullArgument(site, "pStream");
     }
     return detail::guarded(site, [&]() -> tov::Result {
-        const MessageScope messages(site);
+        LibraryMessages::forget();
         RuntimeBytes bytes;
         std::uint32_t size = 0;
         if (const tov::Result result = readStream(*pStream, bytes, size); tov::failed(result)) {
             return result;
         }
+        const LibraryMessages messages;
         const Memory memory(FreeImage_OpenMemory(bytes.get(), size)); // without bytes: an empty file
         if (!memory) {
             return tov::FAILURE;
@@ -192,11 +176,12 @@ tov::Result FreeImage::loadFromStream(int format, qutil::IIOStream* pStream, int
             unload();
             mBitmap = FreeImage_LoadFromMemory(known, memory.get(), flags);
         }
-        return messages.conclude(successIf(mBitmap != nullptr)); // whichever bitmap is held now
+        return explained(site, successIf(mBitmap != nullptr)); // whichever bitmap is held now
     });
 }
 
 tov::Result FreeImage::save(int format, const char* path, int flags) {
+    LibraryMessages::forget();
     if (path == nullptr) {
         return tov::INVALID_ARGUMENT;
     }
@@ -206,7 +191,7 @@ tov::Result FreeImage::save(int format, const char* path, int flags) {
     if (!supportsWriting(format)) {
         return tov::NOT_SUPPORTED;
     }
-    const MessageScope messages(ZQX_FREEIMAGE_SITE);
+    const LibraryMessages messages;
     return successIf(saveFile(static_cast<FREE_IMAGE_FORMAT>(format), mBitmap, path, flags));
 }
 
@@ -216,22 +201,22 @@ tov::Result FreeImage::saveToStream(tov::IOutputStream* pStream, int format, int
         return tov::INVALID_ARGUMENT; // not logged
     }
     return detail::guarded(site, [&]() -> tov::Result {
+        LibraryMessages::forget();
         if (mBitmap == nullptr) {
             return tov::NOT_READY;
         }
         if (!supportsWriting(format)) {
             return tov::NOT_SUPPORTED;
         }
-        const MessageScope messages(site);
         const Memory memory(FreeImage_OpenMemory(nullptr, 0));
         if (!memory) {
             return tov::FAILURE;
         }
         BYTE* bytes = nullptr;
         DWORD size = 0;
-        if (FreeImage_SaveToMemory(static_cast<FREE_IMAGE_FORMAT>(format), mBitmap, memory.get(), flags) == 0 ||
+        if (!encode(static_cast<FREE_IMAGE_FORMAT>(format), mBitmap, memory.get(), flags) ||
             FreeImage_AcquireMemory(memory.get(), &bytes, &size) == 0) {
-            return messages.conclude(tov::FAILURE);
+            return explained(site, tov::FAILURE);
         }
         return pStream->write({size, bytes});
     });
@@ -295,7 +280,11 @@ tov::Result FreeImage::setMetaData(const char* pXmp) {
         if (!tag || mBitmap == nullptr) {
             return tov::FAILURE;
         }
-        const auto length = static_cast<DWORD>(std::strlen(packet) + 1); // with the terminating zero
+        const std::size_t size = lengthOf(packet) + 1; // with the terminating zero
+        if (size > std::numeric_limits<DWORD>::max()) {
+            return tov::FAILURE;
+        }
+        const auto length = static_cast<DWORD>(size);
         FreeImage_SetTagKey(tag.get(), KEY);
         FreeImage_SetTagLength(tag.get(), length);
         FreeImage_SetTagCount(tag.get(), length);
@@ -322,7 +311,7 @@ std::shared_ptr<Image> FreeImage::asImage() {
 }
 
 std::string FreeImage::getLibraryMessage() {
-    return tMessage;
+    return LibraryMessages::ofThisThread();
 }
 
 } // namespace zqx::img

@@ -8,6 +8,8 @@
 #include <qutil/StrError.h>
 #include <tov/TovRef.h>
 
+#include "BitmapSize.h"
+
 namespace zqx::img {
 
 namespace {
@@ -22,6 +24,14 @@ Image::Format formatOfDepth(int bitsPerPixel) {
     case 128: return Image::RGBA32F;
     default: return Image::GRAY8;
     }
+}
+
+/// @return tov::INVALID_ARGUMENT also for sizes that no bitmap has
+tov::Result rescale(qfreeimage::IFreeImage& bitmap, std::size_t width, std::size_t height,
+                    qfreeimage::IFreeImage** pOut) {
+    const std::optional<int> columns = toBitmapSize(width);
+    const std::optional<int> rows = toBitmapSize(height);
+    return columns && rows ? bitmap.rescale(*columns, *rows, FILTER_LANCZOS3, pOut) : tov::INVALID_ARGUMENT;
 }
 
 } // namespace
@@ -41,6 +51,9 @@ FreeImageAdapter::FreeImageAdapter(qfreeimage::IFreeImage* bitmap) : mFreeImage(
     bitmap->getBitsPerPixel(&bitsPerPixel);
     bitmap->getPitch(&pitch);
     bitmap->getScanline(0, &bottomLine);
+    if (bottomLine == nullptr) {
+        return; // a size may be known without pixels; the view of that is empty
+    }
     setView(bottomLine, static_cast<std::size_t>(width), static_cast<std::size_t>(height), formatOfDepth(bitsPerPixel),
             static_cast<std::size_t>(bitsPerPixel) / 8, static_cast<std::size_t>(pitch));
 }
@@ -51,8 +64,7 @@ FreeImageAdapter::~FreeImageAdapter() {
 
 std::shared_ptr<Image> FreeImageAdapter::scale(std::size_t width, std::size_t height) {
     tov::TovRef<qfreeimage::IFreeImage> scaled;
-    const tov::Result result =
-        mFreeImage->rescale(static_cast<int>(width), static_cast<int>(height), FILTER_LANCZOS3, scaled.receive());
+    const tov::Result result = rescale(*mFreeImage, width, height, scaled.receive());
     if (tov::failed(result) && !zqxAssert(qutil::tovStrError(result))) {
         return nullptr;
     }

@@ -54,10 +54,11 @@ void writePixel(BYTE* pixel, Layout layout, const qutil::EColor4f& color) {
     }
 }
 
-/// Address of a pixel counted from the top.
+/// Address of a pixel counted from the top; null for a bitmap that was loaded without pixels.
 BYTE* pixelAddress(FIBITMAP* bitmap, int x, int y) {
     const int line = static_cast<int>(FreeImage_GetHeight(bitmap)) - 1 - y;
-    return FreeImage_GetScanLine(bitmap, line) + static_cast<std::ptrdiff_t>(x) * (FreeImage_GetBPP(bitmap) / 8);
+    BYTE* const first = FreeImage_GetScanLine(bitmap, line);
+    return first == nullptr ? nullptr : first + static_cast<std::ptrdiff_t>(x) * (FreeImage_GetBPP(bitmap) / 8);
 }
 
 /// Bilinear neighbours beyond the last row or column come from the first; an empty or unreadable bitmap is all zeros.
@@ -101,10 +102,10 @@ private:
     }
 
     qutil::EColor4f fetch(int x, int y) const {
-        if (mWidth == 0 || mHeight == 0 || mLayout == Layout::NONE) {
-            return {0.0F, 0.0F, 0.0F, 0.0F};
-        }
-        return readPixel(pixelAddress(mBitmap, x % mWidth, y % mHeight), mLayout);
+        const BYTE* pixel = mWidth == 0 || mHeight == 0 || mLayout == Layout::NONE
+                                ? nullptr
+                                : pixelAddress(mBitmap, x % mWidth, y % mHeight);
+        return pixel == nullptr ? qutil::EColor4f{0.0F, 0.0F, 0.0F, 0.0F} : readPixel(pixel, mLayout);
     }
 
     static qutil::EColor4f blend(const qutil::EColor4f& from, const qutil::EColor4f& to, float t) {
@@ -137,7 +138,11 @@ tov::Result FreeImage::getPixelF(int x, int y, float* r, float* g, float* b, flo
     if (layout == Layout::NONE) {
         return tov::NOT_SUPPORTED;
     }
-    store(readPixel(pixelAddress(mBitmap, x, y), layout), r, g, b, a);
+    const BYTE* pixel = pixelAddress(mBitmap, x, y);
+    if (pixel == nullptr) {
+        return tov::FAILURE;
+    }
+    store(readPixel(pixel, layout), r, g, b, a);
     return tov::SUCCESS;
 }
 
@@ -149,7 +154,11 @@ tov::Result FreeImage::setPixelF(int x, int y, float r, float g, float b, float 
     if (layout == Layout::NONE) {
         return tov::NOT_SUPPORTED;
     }
-    writePixel(pixelAddress(mBitmap, x, y), layout, {r, g, b, a});
+    BYTE* pixel = pixelAddress(mBitmap, x, y);
+    if (pixel == nullptr) {
+        return tov::FAILURE;
+    }
+    writePixel(pixel, layout, {r, g, b, a});
     return tov::SUCCESS;
 }
 
@@ -200,7 +209,7 @@ tov::Result FreeImage::setScanlineF(int line, const tov::Sequence<float>& values
             return tov::FAILURE;
         }
         if (layout == Layout::RGBA_FLOATS) {
-            std::copy_n(reinterpret_cast<const BYTE*>(values.data), std::size_t{values.count} * sizeof(float), pixel);
+            copyBytes(pixel, values.data, std::size_t{values.count} * sizeof(float));
             return tov::SUCCESS;
         }
         const float* value = values.data;
@@ -282,11 +291,11 @@ tov::Result FreeImage::getHash(int* pHash) {
             return tov::NOT_READY;
         }
         const std::uint32_t size = FreeImage_GetPitch(mBitmap) * FreeImage_GetHeight(mBitmap);
-        if (size == 0) {
+        const BYTE* bits = FreeImage_GetBits(mBitmap);
+        if (size == 0 || bits == nullptr) {
             return tov::NOT_READY;
         }
-        *pHash =
-            static_cast<int>(qutil::superFastHash(reinterpret_cast<const char*>(FreeImage_GetBits(mBitmap)), size));
+        *pHash = static_cast<int>(qutil::superFastHash(reinterpret_cast<const char*>(bits), size));
         return tov::SUCCESS;
     });
 }

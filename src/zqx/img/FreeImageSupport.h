@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include <FreeImage.h>
 
@@ -13,6 +15,20 @@ namespace zqx::img {
 
 /// Where a method of the bitmap component is, for the log; expands to the line and function that it stands in.
 #define ZQX_FREEIMAGE_SITE ZQX_METHOD_SITE("src/zqx/img/FreeImage")
+
+// C's functions over memory promise not to throw: a fault in one of them, over a pointer that a host gave, would end
+// the process in spite of all guards. Called through a pointer whose type promises nothing, it is an exception as any
+// other; volatile, or the compiler would see through it.
+
+inline void copyBytes(void* target, const void* source, std::size_t size) {
+    static void* (*const volatile copy)(void*, const void*, std::size_t) = std::memcpy;
+    copy(target, source, size);
+}
+
+inline std::size_t lengthOf(const char* text) {
+    static std::size_t (*const volatile length)(const char*) = std::strlen;
+    return length(text);
+}
 
 inline tov::Result successIf(bool done) {
     return done ? tov::SUCCESS : tov::FAILURE;

@@ -1,6 +1,4 @@
 // Transforms of the bitmap component, each a call of the FreeImage library, and bitmap handles of GDI.
-#include <cstring>
-
 #include <gdi/Gdi.h>
 
 #include "FreeImageSupport.h"
@@ -99,6 +97,9 @@ tov::Result FreeImage::compositeBackgroundImage(IFreeImage* pBackground, IFreeIm
         if (background == nullptr) {
             return tov::INVALID_ARGUMENT;
         }
+        if (FreeImage_HasPixels(background) == 0) {
+            return tov::FAILURE; // the library only looks whether the picture above has any
+        }
         return handOut(FreeImage_Composite(mBitmap, FALSE, nullptr, background), pOut);
     });
 }
@@ -178,12 +179,15 @@ tov::Result FreeImage::convertToHBitmap(void** pHandle) {
         if (mBitmap == nullptr) {
             return tov::NOT_READY;
         }
+        if (FreeImage_HasPixels(mBitmap) == 0) {
+            return tov::FAILURE;
+        }
         const ScreenContext screen;
         void* bits = nullptr;
         *pHandle = gdi::CreateDIBSection(screen.get(), FreeImage_GetInfo(mBitmap), gdi::RGB_COLORS, &bits, nullptr, 0);
         if (bits != nullptr) {
-            std::memcpy(bits, FreeImage_GetBits(mBitmap),
-                        std::size_t{FreeImage_GetPitch(mBitmap)} * FreeImage_GetHeight(mBitmap));
+            copyBytes(bits, FreeImage_GetBits(mBitmap),
+                      std::size_t{FreeImage_GetPitch(mBitmap)} * FreeImage_GetHeight(mBitmap));
         }
         return tov::SUCCESS;
     });

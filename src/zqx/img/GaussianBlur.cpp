@@ -5,6 +5,7 @@
 
 #include "kernels/Blur.h"
 #include "kernels/FilterWork.h"
+#include "kernels/ScalarMaths.h"
 
 namespace zqx::img {
 
@@ -16,7 +17,7 @@ const double ROOT_OF_TWO_PI = std::sqrt(2.0 * 3.14159265358979323846);
 constexpr float DENSITY_SAMPLES = 1000.0F;
 
 double normalDensity(double x, double sigma) {
-    return std::exp(x * x / (-2.0 * sigma * sigma)) / (ROOT_OF_TWO_PI * sigma);
+    return kernels::maths::exp(x * x / (-2.0 * sigma * sigma)) / (ROOT_OF_TWO_PI * sigma);
 }
 
 /// ceil(2 sigma); 0 for what has no radius (negative, NaN).

@@ -1,6 +1,8 @@
 // The chain of adjustments, as a class and as hosts see it. Its parameter document is in PipelineParams.cpp.
 #include <zqx/img/ImageProcessingPipeline.h>
 
+#include <limits>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -10,6 +12,7 @@
 #include <zqx/img/GaussianBlur.h>
 #include <zqx/img/Sharpen.h>
 
+#include "BitmapSize.h"
 #include "kernels/Convert.h"
 #include "kernels/FilterWork.h"
 #include "kernels/Limit.h"
@@ -133,6 +136,17 @@ void freeImage2linear(FreeImage& bitmap) {
         return Image(view->getDataPtr(), view->getWidth(), view->getHeight(), seen, view->getByteRowStride());
     };
     kernels::convertPixels(as(formats.encoded), as(formats.linear));
+}
+
+/// Gives a component a bitmap of an image's size. Sizes that no bitmap has fail as those that no memory holds do.
+tov::Result allocateFor(FreeImage& bitmap, const Image& image) {
+    const std::optional<int> width = toBitmapSize(image.getWidth());
+    const std::optional<int> height = toBitmapSize(image.getHeight());
+    const std::optional<int> pixelBytes = toBitmapSize(image.getBytePixelStride());
+    if (!width || !height || !pixelBytes || *pixelBytes > std::numeric_limits<int>::max() / 8) {
+        return tov::FAILURE;
+    }
+    return bitmap.allocate(STANDARD_BITMAP, *width, *height, 8 * *pixelBytes);
 }
 
 bool isGammaEncoded(Image::Format format) {
@@ -314,9 +328,7 @@ tov::Result ImageProcessingPipeline::execute(IFreeImage** pOutImage) {
     }
     return detail::guarded(site, [&]() -> tov::Result {
         const tov::TovRef<FreeImage> bitmap(FreeImage::create());
-        const auto bits = 8 * static_cast<int>(mSrcImage->getBytePixelStride());
-        const tov::Result allocated = bitmap->allocate(STANDARD_BITMAP, static_cast<int>(mSrcImage->getWidth()),
-                                                       static_cast<int>(mSrcImage->getHeight()), bits);
+        const tov::Result allocated = allocateFor(*bitmap, *mSrcImage);
         if (tov::failed(allocated) && !zqxAssert(qutil::tovStrError(allocated))) {
             return allocated;
         }

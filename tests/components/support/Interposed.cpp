@@ -15,6 +15,7 @@ namespace {
 
 Fault gFault = Fault::NONE;
 RegistrySpy* gSpy = nullptr;
+std::function<void()> gDuringLoad;
 
 } // namespace
 
@@ -24,6 +25,14 @@ FaultScope::FaultScope(Fault fault) {
 
 FaultScope::~FaultScope() {
     gFault = Fault::NONE;
+}
+
+DuringLoad::DuringLoad(std::function<void()> function) {
+    gDuringLoad = std::move(function);
+}
+
+DuringLoad::~DuringLoad() {
+    gDuringLoad = nullptr;
 }
 
 RegistrySpy::RegistrySpy(std::vector<tov::Result> results) : mResults(std::move(results)) {
@@ -72,6 +81,14 @@ BOOL FreeImage_SetMetadata(FREE_IMAGE_MDMODEL model, FIBITMAP* bitmap, const cha
 FIMEMORY* FreeImage_OpenMemory(BYTE* data, DWORD size) {
     static auto* const original = next<decltype(FreeImage_OpenMemory)>("FreeImage_OpenMemory");
     return gFault == Fault::OPEN_MEMORY ? nullptr : original(data, size);
+}
+
+FIBITMAP* FreeImage_LoadFromMemory(FREE_IMAGE_FORMAT format, FIMEMORY* memory, int flags) {
+    static auto* const original = next<decltype(FreeImage_LoadFromMemory)>("FreeImage_LoadFromMemory");
+    if (test::gDuringLoad) {
+        test::gDuringLoad();
+    }
+    return original(format, memory, flags);
 }
 
 BOOL FreeImage_SaveToMemory(FREE_IMAGE_FORMAT format, FIBITMAP* bitmap, FIMEMORY* memory, int flags) {

@@ -1,6 +1,7 @@
 // Calls of the module that a test looks at or makes fail: the image library's, and the runtime's registration.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,6 +24,15 @@ public:
     ~FaultScope();
     FaultScope(const FaultScope&) = delete;
     FaultScope& operator=(const FaultScope&) = delete;
+};
+
+/// Runs a function inside each of the image library's loads from memory, for as long as it lives.
+class DuringLoad {
+public:
+    explicit DuringLoad(std::function<void()> function);
+    ~DuringLoad();
+    DuringLoad(const DuringLoad&) = delete;
+    DuringLoad& operator=(const DuringLoad&) = delete;
 };
 
 struct Registration {

@@ -3,7 +3,6 @@
 #include "Grade.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "ColorScience.h"
 #include "LookUp.h"
 #include "Rows.h"
+#include "ScalarMaths.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernels/Grade.cpp"
@@ -30,8 +30,8 @@ namespace {
 /// The prepared parameters with what a kernel would otherwise compute for every pixel.
 struct Settings {
     explicit Settings(const ColorGradingParamsInternal& prepared)
-        : params(prepared), hueCosine(static_cast<float>(std::cos(radians(prepared.hue)))),
-          hueSine(static_cast<float>(std::sin(radians(prepared.hue)))) {}
+        : params(prepared), hueCosine(static_cast<float>(maths::cos(radians(prepared.hue)))),
+          hueSine(static_cast<float>(maths::sin(radians(prepared.hue)))) {}
 
     static double radians(float degrees) { return static_cast<double>(degrees) * (3.14159265358979323846 / 180.0); }
 

@@ -10,9 +10,7 @@
 #include <fstream>
 #include <string_view>
 
-#include <FreeImage.h>
-
-#include "zqx/pictures/codecs/Form.h"
+#include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/files/InputFile.h"
 
 namespace zqx::pictures {
@@ -336,7 +334,7 @@ Header readKnown(Bytes& bytes, const std::string& name) {
     if (bytes.startsWith("RIFF") && bytes.startsWith("WEBP", 8)) {
         return readWebp(bytes);
     }
-    if (formatOfName(name) == FIF_TARGA) {
+    if (formatOfName(name) == FileFormat::TARGA) {
         return readTarga(bytes);
     }
     return std::nullopt;

@@ -6,8 +6,7 @@
 #include <span>
 #include <string_view>
 
-#include "zqx/pictures/codecs/Decode.h"
-#include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
 #include "zqx/pictures/files/InputFile.h"
 
 namespace zqx::pictures {
@@ -186,25 +185,21 @@ PictureSize readJp2(HeaderReader reader) {
 
 using OwnReader = PictureSize (*)(HeaderReader);
 
-OwnReader ownReaderOf(FREE_IMAGE_FORMAT format) {
+OwnReader ownReaderOf(FileFormat format) {
     switch (format) {
-    case FIF_DDS: return readDds;
-    case FIF_GIF: return readGif;
-    case FIF_J2K: return readCodestream;
-    case FIF_JP2: return readJp2;
-    case FIF_SGI: return readSgi;
-    case FIF_WBMP: return readWbmp;
+    case FileFormat::DDS: return readDds;
+    case FileFormat::GIF: return readGif;
+    case FileFormat::J2K: return readCodestream;
+    case FileFormat::JP2: return readJp2;
+    case FileFormat::SGI: return readSgi;
+    case FileFormat::WBMP: return readWbmp;
     default: return nullptr;
     }
 }
 
 } // namespace
 
-PictureSize sizeOf(const Bitmap& bitmap) {
-    return {FreeImage_GetWidth(bitmap.get()), FreeImage_GetHeight(bitmap.get()), FreeImage_GetBPP(bitmap.get())};
-}
-
-std::optional<PictureSize> sizeFromHeader(InputFile& file, FREE_IMAGE_FORMAT format) {
+std::optional<PictureSize> sizeFromHeader(InputFile& file, FileFormat format) {
     if (const OwnReader read = ownReaderOf(format)) {
         try {
             return read(HeaderReader(file, 0));
@@ -212,14 +207,7 @@ std::optional<PictureSize> sizeFromHeader(InputFile& file, FREE_IMAGE_FORMAT for
             return std::nullopt;
         }
     }
-    if (!FreeImage_FIFSupportsNoPixels(format)) {
-        return std::nullopt;
-    }
-    const Bitmap header = tryDecodeBitmap(file, format, FIF_LOAD_NOPIXELS);
-    if (!header) {
-        return std::nullopt; // the decoder says more when it is asked for the pixels
-    }
-    return sizeOf(header);
+    return sizeByFreeImage(file, format);
 }
 
 } // namespace zqx::pictures

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "zqx/pictures/codecs/Form.h"
+#include "zqx/pictures/FileFormat.h"
 
 namespace zqx::pictures {
 
@@ -19,10 +19,8 @@ struct PictureSize {
     std::uint64_t bytes() const { return pixels() * ((bitsPerPixel + 7) / 8); } // pixels of one bit count as bytes
 };
 
-PictureSize sizeOf(const Bitmap& bitmap);
-
 /// The size that a file's header tells; nothing where it tells none, or only together with the pixels.
 /// @throws Error when the header brings its decoder down
-std::optional<PictureSize> sizeFromHeader(InputFile& file, FREE_IMAGE_FORMAT format);
+std::optional<PictureSize> sizeFromHeader(InputFile& file, FileFormat format);
 
 } // namespace zqx::pictures

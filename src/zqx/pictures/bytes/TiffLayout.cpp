@@ -54,7 +54,7 @@ private:
     std::uint64_t number(const std::string& bytes, std::size_t offset, std::size_t size) const {
         std::uint64_t value = 0;
         for (std::size_t i = 0; offset + size <= bytes.size() && i < size; ++i) {
-            value = value << 8 | static_cast<BYTE>(bytes[offset + (mBigEndian ? i : size - 1 - i)]);
+            value = value << 8 | static_cast<unsigned char>(bytes[offset + (mBigEndian ? i : size - 1 - i)]);
         }
         return value;
     }

@@ -2,11 +2,10 @@
 // colour all the same: light without a surface, as of a flame. There is nothing to divide it by; it keeps its numbers.
 #include "zqx/pictures/codecs/Alpha.h"
 
-#include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <limits>
 #include <span>
+
+#include <zqx/img/Color.h>
 
 #include "kernels/Rows.h"
 
@@ -14,78 +13,64 @@ namespace zqx::pictures {
 
 namespace {
 
+/// @param image in RGBA32F
 template <typename Change>
-void forEachPixel(FIBITMAP* bitmap, const Change& change) {
-    img::kernels::forEachRow(FreeImage_GetHeight(bitmap), [=](std::size_t y) {
-        BYTE* row = FreeImage_GetScanLine(bitmap, static_cast<int>(y));
-        for (FIRGBAF& pixel : std::span(reinterpret_cast<FIRGBAF*>(row), FreeImage_GetWidth(bitmap))) {
+void forEachPixel(img::Image& image, const Change& change) {
+    img::kernels::forEachRow(image.getHeight(), [&](std::size_t y) {
+        for (img::Color& pixel : std::span(static_cast<img::Color*>(image.getRowPtr(y)), image.getWidth())) {
             change(pixel);
         }
     });
 }
 
-void divide(FIBITMAP* bitmap) {
-    forEachPixel(bitmap, [](FIRGBAF& pixel) {
-        if (pixel.alpha > 0.0F) {
-            pixel.red /= pixel.alpha;
-            pixel.green /= pixel.alpha;
-            pixel.blue /= pixel.alpha;
+void unpremultiply(img::Image& image) {
+    forEachPixel(image, [](img::Color& pixel) {
+        if (pixel.a > 0.0F) {
+            pixel.r /= pixel.a;
+            pixel.g /= pixel.a;
+            pixel.b /= pixel.a;
         }
     });
 }
 
-void multiply(FIBITMAP* bitmap, bool keepLight) {
-    forEachPixel(bitmap, [keepLight](FIRGBAF& pixel) {
-        if (pixel.alpha > 0.0F) {
-            pixel.red *= pixel.alpha;
-            pixel.green *= pixel.alpha;
-            pixel.blue *= pixel.alpha;
+void premultiply(img::Image& image, bool keepLight) {
+    forEachPixel(image, [keepLight](img::Color& pixel) {
+        if (pixel.a > 0.0F) {
+            pixel.r *= pixel.a;
+            pixel.g *= pixel.a;
+            pixel.b *= pixel.a;
         } else if (!keepLight) {
-            pixel.red = pixel.green = pixel.blue = 0.0F; // hidden colour, which would begin to shine
+            pixel.r = pixel.g = pixel.b = 0.0F; // hidden colour, which would begin to shine
         }
     });
 }
 
-template <typename Code>
-void divideCodes(FIBITMAP* bitmap) {
-    constexpr std::size_t CHANNELS = 4;
-    static constexpr std::uint32_t WHITE = std::numeric_limits<Code>::max();
-    img::kernels::forEachRow(FreeImage_GetHeight(bitmap), [bitmap](std::size_t y) {
-        auto* pixel = reinterpret_cast<Code*>(FreeImage_GetScanLine(bitmap, static_cast<int>(y)));
-        for (const Code* end = pixel + CHANNELS * FreeImage_GetWidth(bitmap); pixel != end; pixel += CHANNELS) {
-            const std::uint32_t alpha = pixel[CHANNELS - 1];
-            for (std::size_t i = 0; alpha > 0 && i < CHANNELS - 1; ++i) {
-                pixel[i] = static_cast<Code>(std::min(WHITE, (pixel[i] * WHITE + alpha / 2) / alpha));
-            }
-        }
-    });
-}
-
-bool holdsProducts(FREE_IMAGE_FORMAT format) {
-    return format == FIF_EXR;
+bool holdsPremultiplied(FileFormat format) {
+    return format == FileFormat::EXR;
 }
 
 } // namespace
 
-void divideCodesByAlpha(FIBITMAP* bitmap) {
-    FreeImage_GetImageType(bitmap) == FIT_RGBA16 ? divideCodes<WORD>(bitmap) : divideCodes<BYTE>(bitmap);
-}
-
-void prepareAlpha(Picture& source, FREE_IMAGE_FORMAT format, Form form, bool recolored) {
-    const bool straight = hasAlpha(form) && (recolored || !holdsProducts(format));
-    if (source.alpha == AlphaKind::PRODUCTS && straight) {
-        divide(source.bitmap.get());
-        source.alpha = AlphaKind::DIVIDED;
-    } else if (source.alpha == AlphaKind::DIVIDED && !straight) {
-        multiply(source.bitmap.get(), true);
-        source.alpha = AlphaKind::PRODUCTS;
+void straightenAlpha(Picture& picture) {
+    if (picture.alpha == AlphaKind::PREMULTIPLIED) {
+        unpremultiply(picture.image());
+        picture.alpha = AlphaKind::UNPREMULTIPLIED;
     }
 }
 
-void finishAlpha(FIBITMAP* bitmap, FREE_IMAGE_FORMAT format, Form form, const Picture& original) {
-    if (holdsProducts(format) && form == Form::RGBA_FLOAT && original.alpha != AlphaKind::PRODUCTS &&
-        hasAlpha(original.form)) {
-        multiply(bitmap, original.alpha == AlphaKind::DIVIDED);
+void prepareAlpha(Picture& source, FileFormat format, SampleLayout layout, bool recolored) {
+    if (hasAlpha(layout) && (recolored || !holdsPremultiplied(format))) {
+        straightenAlpha(source);
+    } else if (source.alpha == AlphaKind::UNPREMULTIPLIED) {
+        premultiply(source.image(), true);
+        source.alpha = AlphaKind::PREMULTIPLIED;
+    }
+}
+
+void finishAlpha(img::Image& image, FileFormat format, SampleLayout layout, const Picture& original) {
+    if (holdsPremultiplied(format) && layout == SampleLayout::RGBA32F && original.alpha != AlphaKind::PREMULTIPLIED &&
+        hasAlpha(original.stored)) {
+        premultiply(image, original.alpha == AlphaKind::UNPREMULTIPLIED);
     }
 }
 

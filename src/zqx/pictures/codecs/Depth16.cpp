@@ -6,10 +6,9 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
-#include <new>
 #include <vector>
 
-#include "kernels/Rows.h"
+#include "kernels/ScalarMaths.h"
 
 namespace zqx::pictures {
 
@@ -32,18 +31,21 @@ float roundUp(double value) {
     return static_cast<double>(nearest) < value ? std::nextafter(nearest, 2.0F) : nearest;
 }
 
-struct Tables {
-    Tables() {
+} // namespace
+
+struct Depth16Tables {
+    Depth16Tables() {
         for (unsigned code = 0; code <= MAX_CODE; ++code) {
-            decoded[code] = static_cast<float>(std::pow(code / double{MAX_CODE}, GAMMA));
-            threshold[code] = code == 0 ? 0.0F : roundUp(std::pow((code - 0.5) / MAX_CODE, GAMMA));
+            decoded[code] = static_cast<float>(img::kernels::maths::pow(code / double{MAX_CODE}, GAMMA));
+            threshold[code] = code == 0 ? 0.0F : roundUp(img::kernels::maths::pow((code - 0.5) / MAX_CODE, GAMMA));
         }
         threshold[MAX_CODE + 1] = std::numeric_limits<float>::infinity();
         firstBucket = std::bit_cast<std::uint32_t>(threshold[1]) >> BUCKET_SHIFT;
         const std::uint32_t end = std::bit_cast<std::uint32_t>(1.0F) >> BUCKET_SHIFT;
         for (std::uint32_t bucket = firstBucket; bucket <= end; ++bucket) {
             const double first = std::bit_cast<float>(bucket << BUCKET_SHIFT);
-            chordEnd.push_back(static_cast<float>(MAX_CODE * std::pow(first, 1.0 / GAMMA) + (0.5 - CHORD_MARGIN)));
+            chordEnd.push_back(
+                static_cast<float>(MAX_CODE * img::kernels::maths::pow(first, 1.0 / GAMMA) + (0.5 - CHORD_MARGIN)));
         }
     }
 
@@ -53,12 +55,14 @@ struct Tables {
     std::uint32_t firstBucket;
 };
 
-const Tables& tables() {
-    static const Tables instance; // made with the first picture that needs them
+namespace {
+
+const Depth16Tables& tables() {
+    static const Depth16Tables instance; // made with the first picture that needs them
     return instance;
 }
 
-std::uint16_t encode(const Tables& tables, float v) {
+std::uint16_t encode(const Depth16Tables& tables, float v) {
     if (!(v >= tables.threshold[1])) { // also NaN
         return 0;
     }
@@ -70,32 +74,6 @@ std::uint16_t encode(const Tables& tables, float v) {
     const float within = static_cast<float>(bits & ((1U << BUCKET_SHIFT) - 1)) * BUCKET_FRACTION;
     const auto guess = static_cast<std::uint32_t>(ends[0] + (ends[1] - ends[0]) * within); // right, or one too small
     return static_cast<std::uint16_t>(guess + (v >= tables.threshold[guess + 1] ? 1 : 0));
-}
-
-Bitmap allocate(FREE_IMAGE_TYPE type, FIBITMAP* like) {
-    Bitmap bitmap(FreeImage_AllocateT(type, static_cast<int>(FreeImage_GetWidth(like)),
-                                      static_cast<int>(FreeImage_GetHeight(like))));
-    if (!bitmap) {
-        throw std::bad_alloc();
-    }
-    return bitmap;
-}
-
-/// Converts all samples of a bitmap into another one's. @param color, alpha functions of a sample
-template <typename From, typename To, typename ColorFunction, typename AlphaFunction>
-void convertSamples(FIBITMAP* from, FIBITMAP* to, const ColorFunction& color, const AlphaFunction& alpha) {
-    const std::size_t samples = FreeImage_GetLine(from) / sizeof(From);
-    const bool withAlpha = FreeImage_GetBPP(from) == 8 * sizeof(From) * RGBA;
-    img::kernels::forEachRow(FreeImage_GetHeight(from), [=](std::size_t y) {
-        const auto* in = reinterpret_cast<const From*>(FreeImage_GetScanLine(from, static_cast<int>(y)));
-        auto* out = reinterpret_cast<To*>(FreeImage_GetScanLine(to, static_cast<int>(y)));
-        for (std::size_t i = 0; i < samples; ++i) {
-            out[i] = color(in[i]);
-        }
-        for (std::size_t i = RGBA - 1; withAlpha && i < samples; i += RGBA) {
-            out[i] = alpha(in[i]);
-        }
-    });
 }
 
 } // namespace
@@ -116,21 +94,28 @@ std::uint16_t encodeUnit16(float v) {
     return v < 1.0F ? static_cast<std::uint16_t>(double{MAX_CODE} * static_cast<double>(v) + 0.5) : MAX_CODE;
 }
 
-Bitmap decodeDepth16(FIBITMAP* bitmap) {
-    const FREE_IMAGE_TYPE type = FreeImage_GetImageType(bitmap);
-    Bitmap result = allocate(type == FIT_UINT16 ? FIT_FLOAT : type == FIT_RGB16 ? FIT_RGBF : FIT_RGBAF, bitmap);
-    convertSamples<WORD, float>(
-        bitmap, result.get(), [&decoded = tables().decoded](WORD code) { return decoded[code]; },
-        [](WORD code) { return static_cast<float>(code) / float{MAX_CODE}; });
-    return result;
+Depth16Decoder::Depth16Decoder() : mTables(tables()) {
 }
 
-Bitmap encodeDepth16(FIBITMAP* bitmap) {
-    const FREE_IMAGE_TYPE type = FreeImage_GetImageType(bitmap);
-    Bitmap result = allocate(type == FIT_FLOAT ? FIT_UINT16 : type == FIT_RGBF ? FIT_RGB16 : FIT_RGBA16, bitmap);
-    convertSamples<float, WORD>(
-        bitmap, result.get(), [&all = tables()](float v) { return encode(all, v); }, encodeUnit16);
-    return result;
+void Depth16Decoder::operator()(std::span<const std::uint16_t> codes, float* values, std::size_t channels) const {
+    for (std::size_t i = 0; i < codes.size(); ++i) {
+        values[i] = mTables.decoded[codes[i]];
+    }
+    for (std::size_t i = RGBA - 1; channels == RGBA && i < codes.size(); i += RGBA) {
+        values[i] = static_cast<float>(codes[i]) / float{MAX_CODE};
+    }
+}
+
+Depth16Encoder::Depth16Encoder() : mTables(tables()) {
+}
+
+void Depth16Encoder::operator()(std::span<const float> values, std::uint16_t* codes, std::size_t channels) const {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        codes[i] = encode(mTables, values[i]);
+    }
+    for (std::size_t i = RGBA - 1; channels == RGBA && i < values.size(); i += RGBA) {
+        codes[i] = encodeUnit16(values[i]);
+    }
 }
 
 } // namespace zqx::pictures

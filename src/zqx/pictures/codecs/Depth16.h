@@ -1,9 +1,9 @@
 // 16 bits per channel: encoded like bytes, only finer, and worked on as linear floats.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-
-#include "zqx/pictures/codecs/Form.h"
+#include <span>
 
 namespace zqx::pictures {
 
@@ -18,11 +18,32 @@ std::uint16_t encode16(float v);
 /// The same without the curve, as alpha is stored: the code nearest to 65535 * v of v limited to [0, 1].
 std::uint16_t encodeUnit16(float v);
 
-/// A bitmap of 16-bit samples (grey, RGB or RGBA) as linear floats with the same channels. Alpha is linear in both.
-/// @throws std::bad_alloc
-Bitmap decodeDepth16(FIBITMAP* bitmap);
+struct Depth16Tables;
 
-/// The way back. @throws std::bad_alloc
-Bitmap encodeDepth16(FIBITMAP* bitmap);
+/// Rows of 16-bit samples as linear floats with the same channels. Alpha, the last of four, is linear in both.
+class Depth16Decoder {
+public:
+    /// Makes the tables with the first one.
+    Depth16Decoder();
+
+    /// @param values room for as many samples as there are codes
+    /// @param channels of a pixel
+    void operator()(std::span<const std::uint16_t> codes, float* values, std::size_t channels) const;
+
+private:
+    const Depth16Tables& mTables;
+};
+
+/// The way back.
+class Depth16Encoder {
+public:
+    Depth16Encoder();
+
+    /// @param codes room for as many samples as there are values
+    void operator()(std::span<const float> values, std::uint16_t* codes, std::size_t channels) const;
+
+private:
+    const Depth16Tables& mTables;
+};
 
 } // namespace zqx::pictures

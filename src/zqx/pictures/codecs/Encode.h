@@ -1,23 +1,25 @@
-// Working bitmaps into picture files.
+// Pictures into files.
 #pragma once
 
 #include <string>
 
+#include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/Picture.h"
-#include "zqx/pictures/codecs/EncodeOptions.h"
+#include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/OutputFile.h"
 
 namespace zqx::pictures {
 
-/// Warns of what a form cannot keep of a picture, and says what would.
+/// Warns of what a layout cannot keep of a picture, and says what would.
 /// @param name the file to be written
-/// @param form of that file
-void warnOfLosses(const std::string& name, const Picture& source, Form form);
+/// @param layout of that file
+void warnOfLosses(const std::string& name, const Picture& source, SampleLayout layout);
 
-/// Encodes a rendered bitmap, with the profile, resolution and metadata of the picture that it was made from.
-/// @param bitmap in the working form of the form
+/// Encodes rendered pixels, with the profile, resolution and metadata of the picture that they were made from.
+/// @param pixels in the working layout of the layout; used up
+/// @param original may have given its own pixels up
 /// @throws Error naming the file
-void encodePicture(OutputFile& file, const std::string& name, FREE_IMAGE_FORMAT format, Bitmap bitmap, Form form,
-                   const Picture& original, const EncodeOptions& options);
+void encodePicture(OutputFile& file, const std::string& name, FileFormat format, PixelBuffer pixels,
+                   SampleLayout layout, const Picture& original, const WriteOptions& options);
 
 } // namespace zqx::pictures

@@ -1,9 +1,8 @@
-// The part of the metadata that FreeImage reads and writes. Exif, IPTC and XMP are not among it.
+// Profiles, comments and resolution: the part of the metadata that belongs to the pixels' encoding.
 #include "zqx/pictures/codecs/Metadata.h"
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -16,7 +15,7 @@ namespace {
 constexpr std::size_t PROFILE_HEADER_SIZE = 128;
 
 /// True for what begins as ICC.1 has it: with its own size, and the signature of profiles.
-bool isProfile(const std::vector<BYTE>& block) {
+bool isProfile(const std::vector<unsigned char>& block) {
     constexpr std::size_t SIGNATURE_OFFSET = 36;
     if (block.size() < PROFILE_HEADER_SIZE || std::memcmp(block.data() + SIGNATURE_OFFSET, "acsp", 4) != 0) {
         return false;
@@ -29,46 +28,25 @@ bool isProfile(const std::vector<BYTE>& block) {
 }
 
 /// Profiles describe one colour space and one encoding of it; on other pixels they do harm.
-bool profileFits(const std::vector<BYTE>& profile, const Picture& original, Form form) {
+bool profileFits(const std::vector<unsigned char>& profile, SampleLayout stored, SampleLayout layout) {
     constexpr std::size_t COLOR_SPACE_OFFSET = 16;
-    return isFloat(form) == isFloat(original.stored) &&
-           std::memcmp(profile.data() + COLOR_SPACE_OFFSET, hasColor(form) ? "RGB " : "GRAY", 4) == 0;
+    return isFloat(layout) == isFloat(stored) &&
+           std::memcmp(profile.data() + COLOR_SPACE_OFFSET, hasColor(layout) ? "RGB " : "GRAY", 4) == 0;
 }
 
-/// Some programs hide Exif and IPTC in PNG comments, as hexadecimal digits. Those blocks travel in their own way.
-bool isBlockInDisguise(const std::string& keyword) {
-    return keyword.starts_with("Raw profile type ");
-}
-
-struct TagDeleter {
-    void operator()(FITAG* tag) const { FreeImage_DeleteTag(tag); }
-};
-
-void setComment(FIBITMAP* bitmap, const std::string& keyword, const std::string& text) {
-    const std::unique_ptr<FITAG, TagDeleter> tag(FreeImage_CreateTag());
-    const auto size = static_cast<DWORD>(text.size() + 1);
-    if (tag && FreeImage_SetTagKey(tag.get(), keyword.c_str()) && FreeImage_SetTagType(tag.get(), FIDT_ASCII) &&
-        FreeImage_SetTagLength(tag.get(), size) && FreeImage_SetTagCount(tag.get(), size) &&
-        FreeImage_SetTagValue(tag.get(), text.c_str())) {
-        FreeImage_SetMetadata(FIMD_COMMENTS, bitmap, keyword.c_str(), tag.get());
+/// Why a profile cannot go into a file; null where it can.
+const char* obstacleForProfile(const std::vector<unsigned char>& profile, FileFormat format, SampleLayout layout,
+                               SampleLayout stored) {
+    if (!isProfile(profile)) {
+        return "the colour profile of the source is damaged and is left out";
     }
-}
-
-std::string commentsOf(FIBITMAP* bitmap) {
-    std::string block;
-    FITAG* tag = nullptr;
-    FIMETADATA* search = FreeImage_FindFirstMetadata(FIMD_COMMENTS, bitmap, &tag);
-    for (BOOL found = search != nullptr; found; found = FreeImage_FindNextMetadata(search, &tag)) {
-        const char* keyword = FreeImage_GetTagKey(tag);
-        const auto* text = static_cast<const char*>(FreeImage_GetTagValue(tag));
-        if (keyword != nullptr && text != nullptr && FreeImage_GetTagType(tag) == FIDT_ASCII &&
-            !isBlockInDisguise(keyword)) {
-            const std::string_view value(text, FreeImage_GetTagLength(tag));
-            block.append(keyword).append(1, '\0').append(value.substr(0, value.find('\0'))).append(1, '\0');
-        }
+    if (!holdsColorProfile(format)) {
+        return "this format cannot hold a colour profile, that of the source is left out";
     }
-    FreeImage_FindCloseMetadata(search);
-    return block;
+    if (!profileFits(profile, stored, layout)) {
+        return "the colour profile of the source does not fit this file and is left out";
+    }
+    return nullptr;
 }
 
 /// Takes what is before the next zero byte off a text.
@@ -90,48 +68,25 @@ std::vector<Comment> commentsIn(const std::string& block) {
     return comments;
 }
 
-void completeFrom(FIBITMAP* bitmap, Metadata& metadata) {
-    const FIICCPROFILE* profile = FreeImage_GetICCProfile(bitmap);
-    if (profile != nullptr && profile->data != nullptr && profile->size > 0) {
-        const BYTE* bytes = static_cast<const BYTE*>(profile->data);
-        metadata.icc.assign(bytes, bytes + profile->size);
+void completeMetadata(SourceMetadata& source, const Metadata& decoded) {
+    Metadata& blocks = source.blocks;
+    if (!decoded.icc.empty()) {
+        blocks.icc = decoded.icc;
     }
-    metadata.comments = commentsOf(bitmap);
+    blocks.comments = decoded.comments;
+    const bool toldByExif = source.resolution && decoded.resolution == Resolution();
+    blocks.resolution = toldByExif ? *source.resolution : decoded.resolution;
 }
 
-void completeResolution(FIBITMAP* bitmap, const SourceMetadata& source) {
-    constexpr unsigned DEFAULT = 2835; // 72 dots per inch, for files without a resolution that FreeImage reads
-    if (source.dotsPerMeterX > 0 && FreeImage_GetDotsPerMeterX(bitmap) == DEFAULT &&
-        FreeImage_GetDotsPerMeterY(bitmap) == DEFAULT) {
-        FreeImage_SetDotsPerMeterX(bitmap, source.dotsPerMeterX);
-        FreeImage_SetDotsPerMeterY(bitmap, source.dotsPerMeterY);
+Metadata metadataFor(const std::string& name, FileFormat format, SampleLayout layout, SampleLayout stored,
+                     Metadata metadata) {
+    if (!metadata.icc.empty()) {
+        if (const char* obstacle = obstacleForProfile(metadata.icc, format, layout, stored)) {
+            warn(name, obstacle);
+            metadata.icc.clear();
+        }
     }
-}
-
-void carryOver(const std::string& name, FREE_IMAGE_FORMAT format, FIBITMAP* bitmap, Form form, const Picture& original,
-               const Metadata& metadata) {
-    FreeImage_SetDotsPerMeterX(bitmap, FreeImage_GetDotsPerMeterX(original.bitmap.get()));
-    FreeImage_SetDotsPerMeterY(bitmap, FreeImage_GetDotsPerMeterY(original.bitmap.get()));
-    for (const auto& [keyword, text] : commentsIn(metadata.comments)) {
-        setComment(bitmap, keyword, text);
-    }
-    if (metadata.icc.empty()) {
-        return;
-    }
-    if (!isProfile(metadata.icc)) {
-        warn(name, "the colour profile of the source is damaged and is left out");
-        return;
-    }
-    if (!FreeImage_FIFSupportsICCProfiles(format)) {
-        warn(name, "this format cannot hold a colour profile, that of the source is left out");
-        return;
-    }
-    if (!profileFits(metadata.icc, original, form)) {
-        warn(name, "the colour profile of the source does not fit this file and is left out");
-        return;
-    }
-    std::vector<BYTE> profile = metadata.icc;
-    FreeImage_CreateICCProfile(bitmap, profile.data(), static_cast<long>(profile.size()));
+    return metadata;
 }
 
 } // namespace zqx::pictures

@@ -1,34 +1,25 @@
-// What travels beside the pixels inside of bitmaps: colour profile, comments, resolution.
+// What of a source's metadata holds true for a file that is made of it.
 #pragma once
 
 #include <string>
-#include <vector>
 
+#include "zqx/pictures/FileFormat.h"
+#include "zqx/pictures/Metadata.h"
 #include "zqx/pictures/Picture.h"
 #include "zqx/pictures/metadata/MetadataReader.h"
 
 namespace zqx::pictures {
 
-struct Comment {
-    std::string keyword;
-    std::string text;
-};
+/// Adds what the decoder found to what was read from the file itself: comments, the colour profile where it found one,
+/// which is not so for PNG, and the resolution, unless only the Exif tags tell it.
+void completeMetadata(SourceMetadata& source, const Metadata& decoded);
 
-/// The comments of a block as in Metadata.
-std::vector<Comment> commentsIn(const std::string& block);
-
-/// Adds what FreeImage found to what was read from the file itself: comments, and the colour profile where it has one,
-/// which is not so for PNG.
-void completeFrom(FIBITMAP* bitmap, Metadata& metadata);
-
-/// Gives a bitmap the resolution of the Exif tags, where its decoder found no other.
-void completeResolution(FIBITMAP* bitmap, const SourceMetadata& source);
-
-/// Gives a bitmap that is about to be written the resolution of its source, and of its metadata what the encoders put
-/// into the file, as far as it still holds true. Warns of what is left behind.
+/// The metadata that the encoder of a file is to put into it. Warns of what is left behind.
 /// @param name the file to be written
-/// @param metadata what is wanted of the original's
-void carryOver(const std::string& name, FREE_IMAGE_FORMAT format, FIBITMAP* bitmap, Form form, const Picture& original,
-               const Metadata& metadata);
+/// @param layout of that file
+/// @param stored of the source file
+/// @param metadata what is wanted of the source's
+Metadata metadataFor(const std::string& name, FileFormat format, SampleLayout layout, SampleLayout stored,
+                     Metadata metadata);
 
 } // namespace zqx::pictures

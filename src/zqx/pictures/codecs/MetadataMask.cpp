@@ -28,7 +28,7 @@ std::uint64_t numberAt(InputFile& file, std::uint64_t offset, std::size_t size, 
 }
 
 /// The segments of Exif and XMP (APP1) and of Photoshop (APP13) begin with a signature, without which they are nothing.
-void maskJpeg(InputFile& file) {
+void maskJpeg(InputFile& file, ByteMask& mask) {
     constexpr std::uint64_t APP1 = 0xFFE1;
     constexpr std::uint64_t APP13 = 0xFFED;
     constexpr std::uint64_t START_OF_SCAN = 0xFFDA;
@@ -45,14 +45,14 @@ void maskJpeg(InputFile& file) {
             return;
         }
         if ((marker == APP1 || marker == APP13) && length >= 2 + SIGNATURE_SIZE) {
-            file.mask(offset + 4, std::string(SIGNATURE_SIZE, '\0'));
+            mask.add(offset + 4, std::string(SIGNATURE_SIZE, '\0'));
         }
         offset += 2 + length;
     }
 }
 
 /// Both the chunk and the flag that announces it: a container that says more than it has is refused.
-void maskWebp(InputFile& file) {
+void maskWebp(InputFile& file, ByteMask& mask) {
     constexpr std::uint64_t FIRST_CHUNK = 12;
     constexpr std::uint64_t CHUNK_HEADER = 8;
     constexpr char EXIF_FLAG = 0x08;
@@ -66,10 +66,10 @@ void maskWebp(InputFile& file) {
             std::string flags = file.readAt(offset + CHUNK_HEADER, 1);
             if (!flags.empty()) {
                 flags[0] = static_cast<char>(flags[0] & ~EXIF_FLAG);
-                file.mask(offset + CHUNK_HEADER, flags);
+                mask.add(offset + CHUNK_HEADER, flags);
             }
         } else if (name == "EXIF") {
-            file.mask(offset, "none");
+            mask.add(offset, "none");
         }
         const std::uint64_t size = numberAt(file, offset + 4, 4, Endian::LITTLE);
         offset += CHUNK_HEADER + size + size % 2;
@@ -77,7 +77,7 @@ void maskWebp(InputFile& file) {
 }
 
 /// Image resources get a number that stands for nothing.
-void maskPsd(InputFile& file) {
+void maskPsd(InputFile& file, ByteMask& mask) {
     constexpr std::uint64_t HEADER = 26;
     constexpr std::uint64_t IPTC = 1028;
     constexpr std::uint64_t EXIF_1 = 1058;
@@ -88,7 +88,7 @@ void maskPsd(InputFile& file) {
     for (int i = 0; i < MAX_PARTS && offset < end; ++i) {
         const std::uint64_t number = numberAt(file, offset + 4, 2, Endian::BIG);
         if (number == IPTC || number == EXIF_1 || number == EXIF_3) {
-            file.mask(offset + 4, std::string(2, '\0'));
+            mask.add(offset + 4, std::string(2, '\0'));
         }
         const std::uint64_t nameLength = numberAt(file, offset + 6, 1, Endian::BIG) + 1;
         const std::uint64_t sizeField = offset + 6 + nameLength + nameLength % 2;
@@ -98,7 +98,7 @@ void maskPsd(InputFile& file) {
 }
 
 /// The orientation entry of the first directory becomes upright.
-void maskTiff(InputFile& file) {
+void maskTiff(InputFile& file, ByteMask& mask) {
     constexpr std::uint64_t VERSION = 42; // not 43, of the large files, whose metadata nobody here reads
     constexpr std::uint64_t ORIENTATION = 0x0112;
     constexpr std::uint64_t ENTRY_SIZE = 12;
@@ -112,14 +112,14 @@ void maskTiff(InputFile& file) {
     for (std::uint64_t i = 0; i < entries && i < MAX_PARTS; ++i) {
         const std::uint64_t entry = directory + 2 + i * ENTRY_SIZE;
         if (numberAt(file, entry, 2, endian) == ORIENTATION) {
-            file.mask(entry + VALUE_OFFSET, std::string(endian == Endian::BIG ? "\0\1" : "\1\0", 2));
+            mask.add(entry + VALUE_OFFSET, std::string(endian == Endian::BIG ? "\0\1" : "\1\0", 2));
         }
     }
 }
 
 /// The headers of 52 to 124 bytes add channel masks, which lie where the old header of 40 has them, and colour spaces.
 /// FreeImage refuses them; shown as old ones they are read. A palette then has to begin where the old header ends.
-void maskBmp(InputFile& file) {
+void maskBmp(InputFile& file, ByteMask& mask) {
     constexpr std::uint64_t HEADER = 14;
     constexpr std::uint64_t OLD_SIZE = 40;
     constexpr std::uint64_t NEWEST_SIZE = 124;
@@ -131,26 +131,28 @@ void maskBmp(InputFile& file) {
     if (size < 52 || size > NEWEST_SIZE || size == 64) { // 64: another family, which FreeImage knows
         return;
     }
-    file.mask(HEADER, std::string("\x28\0\0\0", 4));
+    mask.add(HEADER, std::string("\x28\0\0\0", 4));
     if (bits <= 8) {
         const std::uint64_t most = std::uint64_t{1} << bits;
         const std::uint64_t stated = numberAt(file, COLORS, 4, Endian::LITTLE);
         const std::uint64_t colors = stated == 0 ? most : std::min(stated, most);
-        file.mask(HEADER + OLD_SIZE, file.readAt(HEADER + size, static_cast<std::size_t>(colors) * BYTES_PER_COLOR));
+        mask.add(HEADER + OLD_SIZE, file.readAt(HEADER + size, static_cast<std::size_t>(colors) * BYTES_PER_COLOR));
     }
 }
 
 } // namespace
 
-void maskMetadata(InputFile& file, FREE_IMAGE_FORMAT format) {
+ByteMask maskMetadata(InputFile& file, FileFormat format) {
+    ByteMask mask;
     switch (format) {
-    case FIF_BMP: maskBmp(file); break;
-    case FIF_JPEG: maskJpeg(file); break;
-    case FIF_WEBP: maskWebp(file); break;
-    case FIF_PSD: maskPsd(file); break;
-    case FIF_TIFF: maskTiff(file); break;
+    case FileFormat::BMP: maskBmp(file, mask); break;
+    case FileFormat::JPEG: maskJpeg(file, mask); break;
+    case FileFormat::WEBP: maskWebp(file, mask); break;
+    case FileFormat::PSD: maskPsd(file, mask); break;
+    case FileFormat::TIFF: maskTiff(file, mask); break;
     default: break;
     }
+    return mask;
 }
 
 } // namespace zqx::pictures

@@ -1,10 +1,10 @@
 // Tables of the gamma curve, the pure power of 2.2.
 #include "zqx/pictures/codecs/StoredScale.h"
 
-#include <cmath>
 #include <limits>
 
 #include <zqx/img/Color.h>
+#include "kernels/ScalarMaths.h"
 
 namespace zqx::pictures {
 
@@ -23,7 +23,7 @@ NearestCode::NearestCode() {
     constexpr double GAMMA = 2.2;
     constexpr double LARGEST = CODES - 1;
     for (std::size_t code = 1; code < CODES; ++code) {
-        mLower[code] = static_cast<float>(std::pow((static_cast<double>(code) - 0.5) / LARGEST, GAMMA));
+        mLower[code] = static_cast<float>(img::kernels::maths::pow((static_cast<double>(code) - 0.5) / LARGEST, GAMMA));
     }
     mLower[CODES] = std::numeric_limits<float>::infinity();
     std::size_t code = 0;

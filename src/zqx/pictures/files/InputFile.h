@@ -1,21 +1,18 @@
-// A file opened for reading, once: whole as text, in parts, or as the stream that FreeImage decodes from.
+// A file opened for reading, once: whole as text, or anywhere in it.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
-#include <vector>
-
-#include <FreeImage.h>
+#include <system_error>
 
 #include "zqx/pictures/files/FileNames.h"
 #include "zqx/pictures/files/FileSystem.h"
 
 namespace zqx::pictures {
 
-/// Holds an open file, so that all that is asked of it is asked of the same file, whatever becomes of its name; and
-/// remembers whether a reader ran past the end, which is how a cut-off picture shows.
+/// Holds an open file, so that all that is asked of it is asked of the same file, whatever becomes of its name.
 class InputFile {
 public:
     /// What may be behind a name. From a pipe, such as the shell's <(command), one reads once and in order.
@@ -37,37 +34,16 @@ public:
     /// Up to so many bytes from a place in the file; fewer where it ends.
     std::string readAt(std::uint64_t offset, std::size_t count);
 
-    /// Lets decoders find other bytes than the file's own at a place.
-    void mask(std::uint64_t offset, std::string bytes);
+    /// The same into given memory. @return how many bytes there were
+    std::size_t readAt(std::uint64_t offset, std::span<char> bytes);
 
-    /// The picture format by content, or else by the extension. @throws Error when neither is known
-    FREE_IMAGE_FORMAT detectFormat();
-
-    /// Decodes the file with FreeImage; empty when FreeImage refuses.
-    FIBITMAP* decode(FREE_IMAGE_FORMAT format, int flags);
-
-    /// True when the last decode asked for bytes at the end of the file, where there were none.
-    bool wasReadAtEnd() const { return mReadAtEnd; }
-    /// True when the last decode asked for more bytes than were left.
-    bool wasReadShort() const { return mReadShort; }
+    /// Why the system could not read from the file, if it ever could not.
+    const std::error_code& readFailure() const { return mReadFailure; }
 
 private:
-    static unsigned DLL_CALLCONV read(void* buffer, unsigned size, unsigned count, fi_handle handle);
-    static int DLL_CALLCONV seek(fi_handle handle, long offset, int origin);
-    static long DLL_CALLCONV tell(fi_handle handle);
-    static FreeImageIO io();
-    void applyMasks(std::uint64_t offset, std::span<char> bytes) const;
-
-    struct Mask {
-        std::uint64_t offset;
-        std::string bytes;
-    };
-
     std::string mName;
     OpenedFile mFile;
-    std::vector<Mask> mMasks;
-    bool mReadAtEnd = false;
-    bool mReadShort = false;
+    std::error_code mReadFailure;
 };
 
 /// Opens a picture, in which decoders go back and forth.

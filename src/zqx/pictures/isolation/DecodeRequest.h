@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "zqx/pictures/codecs/LoadLimits.h"
+#include "zqx/pictures/codecs/Limits.h"
 
 namespace zqx::pictures {
 
@@ -19,7 +19,7 @@ struct DecodeRequest {
     std::uint64_t parent = 0; ///< whose end is that of the process
     std::uint64_t memory = 0; ///< bytes
     std::uint64_t milliseconds = 0;
-    LoadLimits limits;
+    Limits limits;
     std::string name;
 
     std::vector<std::string> toArguments() const;

@@ -23,7 +23,7 @@ namespace zqx::pictures {
 
 namespace {
 
-std::uint64_t memoryFor(const LoadOptions& options) {
+std::uint64_t memoryFor(const ReadOptions& options) {
     if (options.decodeMemory != 0) {
         return options.decodeMemory;
     }
@@ -33,7 +33,7 @@ std::uint64_t memoryFor(const LoadOptions& options) {
     return std::max(LEAST, pages * pageSize / 2);
 }
 
-DecodeRequest requestFor(const std::string& name, const LoadOptions& options) {
+DecodeRequest requestFor(const std::string& name, const ReadOptions& options) {
     DecodeRequest request;
     request.parent = static_cast<std::uint64_t>(getpid());
     request.memory = memoryFor(options);
@@ -55,12 +55,12 @@ const char* nameOf(int signal) {
     }
 }
 
-[[noreturn]] void throwTooLong(const std::string& name, const LoadOptions& options) {
+[[noreturn]] void throwTooLong(const std::string& name, const ReadOptions& options) {
     throw Error(name, "took longer than the " + text::significant(options.decodeSeconds) +
                           " s that decoding may take; --decode-time raises that");
 }
 
-[[noreturn]] void throwTooMuch(const std::string& name, const LoadOptions& options) {
+[[noreturn]] void throwTooMuch(const std::string& name, const ReadOptions& options) {
     throw Error(name, "needs more than the " + text::exactSize(memoryFor(options)) +
                           " that decoding may use; --decode-memory raises that");
 }
@@ -72,9 +72,8 @@ std::string withoutSubject(const std::string& line, const std::string& name) {
 }
 
 std::string decoderOf(const Transfer& transfer) {
-    return transfer.format == FIF_UNKNOWN
-               ? "its decoder"
-               : std::string("the ") + FreeImage_GetFormatFromFIF(transfer.format) + " decoder";
+    return transfer.format == FileFormat::UNKNOWN ? "its decoder"
+                                                  : std::string("the ") + nameOf(transfer.format) + " decoder";
 }
 
 /// What a process that died left, if anything.
@@ -89,7 +88,7 @@ Transfer readRemains(const SharedMemory& memory) {
     }
 }
 
-void throwDeath(const std::string& name, const LoadOptions& options, const DecoderEnd& end,
+void throwDeath(const std::string& name, const ReadOptions& options, const DecoderEnd& end,
                 const SharedMemory& memory) {
     if (end.tookTooLong || end.signal == SIGXCPU || end.signal == SIGALRM) {
         throwTooLong(name, options);
@@ -111,7 +110,7 @@ void throwDeath(const std::string& name, const LoadOptions& options, const Decod
 }
 
 /// What a process that ended in peace says. @throws Error for everything but a picture
-Transfer readResult(const std::string& name, const LoadOptions& options, const SharedMemory& memory) {
+Transfer readResult(const std::string& name, const ReadOptions& options, const SharedMemory& memory) {
     const SharedMemory::Content content = memory.content();
     if (!content.bytes) {
         throw BadTransfer("it is empty");
@@ -127,12 +126,12 @@ Transfer readResult(const std::string& name, const LoadOptions& options, const S
         throwTooMuch(name, options);
     }
     if (transfer.picture) {
-        checkPictureSize(name, sizeOf(transfer.picture->bitmap), options.limits);
+        checkPictureSize(name, {transfer.picture->width(), transfer.picture->height(), 0}, options.limits);
     }
     return transfer;
 }
 
-Transfer decode(const std::string& name, const LoadOptions& options) {
+Transfer decode(const std::string& name, const ReadOptions& options) {
     const std::string program = findDecoder(name);
     try {
         const SharedMemory memory;
@@ -158,7 +157,7 @@ bool canIsolate() {
     return true;
 }
 
-Picture decodeIsolated(const std::string& name, const LoadOptions& options) {
+Picture decodeIsolated(const std::string& name, const ReadOptions& options) {
     return std::move(*decode(name, options).picture);
 }
 
@@ -172,7 +171,7 @@ bool canIsolate() {
     return false;
 }
 
-Picture decodeIsolated(const std::string& name, const LoadOptions&) {
+Picture decodeIsolated(const std::string& name, const ReadOptions&) {
     throw Error(name, "cannot be decoded in a process of its own on this system");
 }
 

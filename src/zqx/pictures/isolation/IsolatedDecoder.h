@@ -4,7 +4,7 @@
 #include <string>
 
 #include "zqx/pictures/Picture.h"
-#include "zqx/pictures/codecs/LoadOptions.h"
+#include "zqx/pictures/codecs/ReadOptions.h"
 
 namespace zqx::pictures {
 
@@ -12,6 +12,6 @@ namespace zqx::pictures {
 bool canIsolate();
 
 /// Like decodePicture(), by a process of its own with limits on its memory and time. @throws Error naming the file
-Picture decodeIsolated(const std::string& name, const LoadOptions& options);
+Picture decodeIsolated(const std::string& name, const ReadOptions& options);
 
 } // namespace zqx::pictures

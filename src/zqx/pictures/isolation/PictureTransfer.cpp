@@ -1,4 +1,4 @@
-// Pixels travel row by row as FreeImage keeps them, what is beside them in blocks.
+// Pixels travel row by row from the top, what is beside them in blocks.
 #include "zqx/pictures/isolation/PictureTransfer.h"
 
 #include <algorithm>
@@ -22,7 +22,7 @@ namespace zqx::pictures {
 namespace {
 
 /// Changes with the layout and with the version, so that programs of two installations do not talk past each other.
-constexpr char MAGIC[sizeof TransferHeader::magic] = "zqx 1 " ZQX_IMG_VERSION;
+constexpr char MAGIC[sizeof TransferHeader::magic] = "zqx 2 " ZQX_IMG_VERSION;
 
 enum class Block : std::uint32_t { ICC, EXIF, IPTC, XMP, COMMENTS, WARNING, FAILURE };
 
@@ -85,6 +85,27 @@ void writeAt(int descriptor, std::uint64_t place, const void* data, std::size_t 
     }
 }
 
+/// Rows begin at multiples of four bytes.
+std::uint64_t rowBytes(SampleLayout layout, std::uint64_t width) {
+    const auto pixelBits =
+        static_cast<std::uint64_t>(channelCount(layout)) * static_cast<unsigned>(bitsPerChannel(layout));
+    return (width * pixelBits / 8 + 3) / 4 * 4;
+}
+
+/// At once where rows lie as they travel, else row by row.
+void writePixels(int descriptor, const img::Image& image, std::uint64_t rowBytes) {
+    if (image.getByteRowStride() == rowBytes) {
+        writeAt(descriptor, TRANSFER_PIXELS, image.getDataPtr(),
+                static_cast<std::size_t>(rowBytes) * image.getHeight());
+        return;
+    }
+    std::vector<std::byte> row(static_cast<std::size_t>(rowBytes));
+    for (std::size_t y = 0; y < image.getHeight(); ++y) {
+        std::memcpy(row.data(), image.getRowPtr(y), image.getWidth() * image.getBytePixelStride());
+        writeAt(descriptor, TRANSFER_PIXELS + y * rowBytes, row.data(), row.size());
+    }
+}
+
 TransferHeader headerOf(const Transfer& transfer) {
     TransferHeader header{};
     std::memcpy(header.magic, MAGIC, sizeof MAGIC);
@@ -92,15 +113,14 @@ TransferHeader headerOf(const Transfer& transfer) {
     header.outcome = static_cast<std::uint32_t>(transfer.outcome);
     if (transfer.picture) {
         const Picture& picture = *transfer.picture;
-        FIBITMAP* bitmap = picture.bitmap.get();
-        header.form = static_cast<std::uint32_t>(picture.form);
+        header.layout = static_cast<std::uint32_t>(picture.pixels.layout());
         header.stored = static_cast<std::uint32_t>(picture.stored);
         header.width = picture.width();
         header.height = picture.height();
-        header.dotsPerMeterX = FreeImage_GetDotsPerMeterX(bitmap);
-        header.dotsPerMeterY = FreeImage_GetDotsPerMeterY(bitmap);
+        header.dotsPerMeterX = picture.metadata.resolution.x;
+        header.dotsPerMeterY = picture.metadata.resolution.y;
         header.alpha = static_cast<std::uint32_t>(picture.alpha);
-        header.pixelBytes = std::uint64_t{FreeImage_GetPitch(bitmap)} * picture.height();
+        header.pixelBytes = rowBytes(picture.pixels.layout(), header.width) * header.height;
     }
     return header;
 }
@@ -171,11 +191,11 @@ private:
     std::span<const std::byte> mBytes;
 };
 
-Form formOf(std::uint32_t number) {
-    if (number >= FORM_COUNT) {
-        refuse("there is no such form");
+SampleLayout layoutNumbered(std::uint32_t number) {
+    if (number >= SAMPLE_LAYOUT_COUNT) {
+        refuse("there is no such sample layout");
     }
-    return static_cast<Form>(number);
+    return static_cast<SampleLayout>(number);
 }
 
 /// A terminal must not obey what a file makes another process say.
@@ -206,44 +226,34 @@ void readBlock(Block kind, std::span<const std::byte> bytes, Transfer& transfer)
     }
 }
 
-/// A bitmap over pixels that are already there.
-Bitmap wrap(const TransferHeader& header, const std::shared_ptr<std::byte>& memory) {
-    const Form form = formOf(header.form);
-    const Bitmap sample = allocateBitmap(form, 1, 1);
-    const unsigned bitsPerPixel = FreeImage_GetBPP(sample.get());
-    if (viewOf(sample, form).getBytePixelStride() * 8 != bitsPerPixel) {
-        refuse("pictures are not worked with in this form");
+/// Pixels where they are.
+PixelBuffer pixelsOf(const TransferHeader& header, const std::shared_ptr<std::byte>& memory) {
+    const SampleLayout layout = layoutNumbered(header.layout);
+    if (workingLayout(layout) != layout) {
+        refuse("pictures are not worked with in this sample layout");
     }
     constexpr std::uint32_t MAX_SIDE = std::numeric_limits<int>::max() / 128;
     if (header.width == 0 || header.height == 0 || header.width > MAX_SIDE || header.height > MAX_SIDE) {
         refuse("a picture has no such size");
     }
-    const std::uint64_t pitch = (std::uint64_t{header.width} * bitsPerPixel / 8 + 3) / 4 * 4; // as FreeImage has it
-    if (header.pixelBytes != pitch * header.height) {
+    const std::uint64_t stride = rowBytes(layout, header.width);
+    if (header.pixelBytes != stride * header.height) {
         refuse("the pixels are not those of the size");
     }
-    Bitmap bitmap(FreeImage_ConvertFromRawBitsEx(FALSE, reinterpret_cast<BYTE*>(memory.get()) + TRANSFER_PIXELS,
-                                                 FreeImage_GetImageType(sample.get()), static_cast<int>(header.width),
-                                                 static_cast<int>(header.height), static_cast<int>(pitch), bitsPerPixel,
-                                                 FI_RGBA_RED_MASK, FI_RGBA_GREEN_MASK, FI_RGBA_BLUE_MASK, FALSE));
-    if (!bitmap) {
-        throw std::bad_alloc();
-    }
-    bitmap.get_deleter().memory = memory;
-    FreeImage_SetDotsPerMeterX(bitmap.get(), header.dotsPerMeterX);
-    FreeImage_SetDotsPerMeterY(bitmap.get(), header.dotsPerMeterY);
-    return bitmap;
+    const img::Image view(memory.get() + TRANSFER_PIXELS, header.width, header.height, workingFormat(layout),
+                          static_cast<std::size_t>(stride));
+    return {view, memory};
 }
 
 Picture pictureOf(const TransferHeader& header, const std::shared_ptr<std::byte>& memory) {
     Picture picture;
-    picture.bitmap = wrap(header, memory);
-    picture.form = formOf(header.form);
-    picture.stored = formOf(header.stored);
-    if (header.alpha > static_cast<std::uint32_t>(AlphaKind::DIVIDED)) {
+    picture.pixels = pixelsOf(header, memory);
+    picture.stored = layoutNumbered(header.stored);
+    if (header.alpha > static_cast<std::uint32_t>(AlphaKind::UNPREMULTIPLIED)) {
         refuse("there is no such alpha");
     }
     picture.alpha = static_cast<AlphaKind>(header.alpha);
+    picture.metadata.resolution = {header.dotsPerMeterX, header.dotsPerMeterY};
     return picture;
 }
 
@@ -259,8 +269,7 @@ TransferHeader checkedHeader(const std::byte* memory, std::size_t size) {
     if (header.outcome > static_cast<std::uint32_t>(Outcome::OUT_OF_MEMORY)) {
         refuse("there is no such outcome");
     }
-    const bool known = header.format < static_cast<std::uint32_t>(FreeImage_GetFIFCount());
-    if (!known && header.format != static_cast<std::uint32_t>(FIF_UNKNOWN)) {
+    if (header.format > static_cast<std::uint32_t>(FileFormat::UNKNOWN)) {
         refuse("there is no such format");
     }
     return header;
@@ -283,7 +292,7 @@ std::span<const std::byte> blocksOf(const TransferHeader& header, const std::byt
 
 } // namespace
 
-void TransferWriter::announce(FREE_IMAGE_FORMAT format) const {
+void TransferWriter::announce(FileFormat format) const {
     Transfer transfer;
     transfer.format = format;
     const TransferHeader header = headerOf(transfer);
@@ -295,8 +304,7 @@ void TransferWriter::write(const Transfer& transfer) const {
     const std::string blocks = blocksOf(transfer);
     header.blockBytes = blocks.size();
     if (transfer.picture) {
-        writeAt(mDescriptor, TRANSFER_PIXELS, FreeImage_GetBits(transfer.picture->bitmap.get()),
-                static_cast<std::size_t>(header.pixelBytes));
+        writePixels(mDescriptor, transfer.picture->image(), header.pixelBytes / header.height);
     }
     writeAt(mDescriptor, TRANSFER_PIXELS + header.pixelBytes, blocks.data(), blocks.size());
     writeAt(mDescriptor, 0, &header, sizeof header);
@@ -306,7 +314,7 @@ Transfer readTransfer(const std::shared_ptr<std::byte>& memory, std::size_t size
     const TransferHeader header = checkedHeader(memory.get(), size);
     Transfer transfer;
     transfer.outcome = static_cast<Outcome>(header.outcome);
-    transfer.format = static_cast<FREE_IMAGE_FORMAT>(header.format);
+    transfer.format = static_cast<FileFormat>(header.format);
     if (transfer.outcome == Outcome::NONE) {
         return transfer;
     }

@@ -11,6 +11,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/Picture.h"
 
 namespace zqx::pictures {
@@ -21,10 +22,10 @@ enum class Outcome : std::uint32_t { NONE, PICTURE, FAILURE, OUT_OF_MEMORY };
 /// What one process tells another about a picture file.
 struct Transfer {
     Outcome outcome = Outcome::NONE;
-    FREE_IMAGE_FORMAT format = FIF_UNKNOWN; ///< known before the outcome
-    std::optional<Picture> picture;         ///< of Outcome::PICTURE
-    std::string failure;                    ///< of Outcome::FAILURE, the whole line
-    std::vector<std::string> warnings;      ///< whole lines
+    FileFormat format = FileFormat::UNKNOWN; ///< known before the outcome
+    std::optional<Picture> picture;          ///< of Outcome::PICTURE
+    std::string failure;                     ///< of Outcome::FAILURE, the whole line
+    std::vector<std::string> warnings;       ///< whole lines
 };
 
 /// Writes to a file descriptor from its beginning. The outcome is written last, so that a death leaves none.
@@ -33,7 +34,7 @@ public:
     explicit TransferWriter(int descriptor) : mDescriptor(descriptor) {}
 
     /// Tells the format ahead of the rest.
-    void announce(FREE_IMAGE_FORMAT format) const;
+    void announce(FileFormat format) const;
 
     /// @throws std::system_error when there is no room
     void write(const Transfer& transfer) const;
@@ -48,7 +49,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads what was written. Pixels stay where they are: the bitmap keeps the memory alive.
+/// Reads what was written. Pixels stay where they are: the picture keeps the memory alive.
 /// @throws BadTransfer, and nothing worse whatever the bytes are
 Transfer readTransfer(const std::shared_ptr<std::byte>& memory, std::size_t size);
 
@@ -57,7 +58,7 @@ struct TransferHeader {
     char magic[16] = {};
     std::uint32_t format = 0;
     std::uint32_t outcome = 0;
-    std::uint32_t form = 0;
+    std::uint32_t layout = 0; ///< of the pixels
     std::uint32_t stored = 0;
     std::uint32_t width = 0;
     std::uint32_t height = 0;

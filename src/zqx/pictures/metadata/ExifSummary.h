@@ -4,8 +4,6 @@
 #include <string>
 #include <vector>
 
-#include <FreeImage.h>
-
 namespace zqx::pictures {
 
 struct ExifField {
@@ -20,6 +18,6 @@ struct ExifSummary {
 };
 
 /// @param block as in Metadata; may be empty
-ExifSummary summarizeExif(const std::vector<BYTE>& block);
+ExifSummary summarizeExif(const std::vector<unsigned char>& block);
 
 } // namespace zqx::pictures

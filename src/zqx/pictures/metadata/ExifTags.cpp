@@ -2,6 +2,7 @@
 #include "zqx/pictures/metadata/ExifTags.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <iterator>
 #include <span>
@@ -202,12 +203,13 @@ std::optional<Resolution> resolutionOf(const Exiv2::ExifData& tags) {
         return std::nullopt;
     }
     const double scale = unitNumber == UNIT_CENTIMETRE ? CENTIMETRES_PER_METRE : INCHES_PER_METRE;
-    const Resolution resolution{fractionOf(*x) * scale, fractionOf(*y) * scale};
+    const double dotsX = fractionOf(*x) * scale;
+    const double dotsY = fractionOf(*y) * scale;
     constexpr double LARGEST = 1e8;
-    if (!(resolution.x >= 1.0 && resolution.x <= LARGEST && resolution.y >= 1.0 && resolution.y <= LARGEST)) {
+    if (!(dotsX >= 1.0 && dotsX <= LARGEST && dotsY >= 1.0 && dotsY <= LARGEST)) {
         return std::nullopt;
     }
-    return resolution;
+    return Resolution{static_cast<unsigned>(std::lround(dotsX)), static_cast<unsigned>(std::lround(dotsY))};
 }
 
 void keepDescription(Exiv2::ExifData& tags, int orientation) {

@@ -3,19 +3,15 @@
 
 #include <optional>
 
+#include "zqx/pictures/Metadata.h"
 #include "zqx/pictures/metadata/Exiv2Library.h"
 
 namespace zqx::pictures {
 
-/// Dots per metre, as tags tell it.
-struct Resolution {
-    double x;
-    double y;
-};
-
 /// The orientation that the tags ask for; upright where they ask for none.
 int orientationOf(const Exiv2::ExifData& tags);
 
+/// As the tags tell it; nothing where they tell none that makes sense.
 std::optional<Resolution> resolutionOf(const Exiv2::ExifData& tags);
 
 /// Removes what describes the file and not the picture (how its samples are laid out, thumbnails, blocks of other

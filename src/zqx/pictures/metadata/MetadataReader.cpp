@@ -1,7 +1,6 @@
 // Reading metadata with Exiv2, which knows far more of it than the picture decoders do and is less easily hurt by it.
 #include "zqx/pictures/metadata/MetadataReader.h"
 
-#include <cmath>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -19,15 +18,15 @@ namespace {
 
 constexpr std::size_t LARGEST_BLOCK = std::size_t{64} << 20;
 
-bool hasMetadata(FREE_IMAGE_FORMAT format) {
+bool hasMetadata(FileFormat format) {
     switch (format) {
-    case FIF_JPEG:
-    case FIF_PNG:
-    case FIF_TIFF:
-    case FIF_WEBP:
-    case FIF_JP2:
-    case FIF_PSD:
-    case FIF_RAW: return true;
+    case FileFormat::JPEG:
+    case FileFormat::PNG:
+    case FileFormat::TIFF:
+    case FileFormat::WEBP:
+    case FileFormat::JP2:
+    case FileFormat::PSD:
+    case FileFormat::RAW: return true;
     default: return false;
     }
 }
@@ -61,17 +60,18 @@ Block readBlock(const std::string& name, const char* kind, const std::function<B
     return {};
 }
 
-std::vector<BYTE> exifOf(Exiv2::Image& image, FREE_IMAGE_FORMAT format, int orientation) {
+std::vector<unsigned char> exifOf(Exiv2::Image& image, FileFormat format, int orientation) {
     Exiv2::ExifData& tags = image.exifData();
     keepDescription(tags, orientation);
-    if (format == FIF_TIFF && !tellSomething(tags)) {
+    if (format == FileFormat::TIFF && !tellSomething(tags)) {
         return {}; // every TIFF file has tags, which does not make them Exif
     }
     return encodeExif(tags, image.byteOrder());
 }
 
-std::vector<BYTE> iptcOf(Exiv2::Image& image) {
-    return image.iptcData().empty() ? std::vector<BYTE>() : bytesOf(Exiv2::IptcParser::encode(image.iptcData()));
+std::vector<unsigned char> iptcOf(Exiv2::Image& image) {
+    return image.iptcData().empty() ? std::vector<unsigned char>()
+                                    : bytesOf(Exiv2::IptcParser::encode(image.iptcData()));
 }
 
 std::string xmpOf(Exiv2::Image& image, int orientation) {
@@ -100,25 +100,22 @@ void parse(Exiv2::Image& image, const std::string& name) {
     }
 }
 
-SourceMetadata read(Exiv2::Image& image, const std::string& name, FREE_IMAGE_FORMAT format) {
+SourceMetadata read(Exiv2::Image& image, const std::string& name, FileFormat format) {
     parse(image, name);
     SourceMetadata result;
     result.orientation = orientationOf(image.exifData());
-    result.blocks.icc = readBlock<std::vector<BYTE>>(name, "colour profile", [&] { return profileOf(image); });
+    result.blocks.icc = readBlock<std::vector<unsigned char>>(name, "colour profile", [&] { return profileOf(image); });
     result.blocks.exif =
-        readBlock<std::vector<BYTE>>(name, "Exif", [&] { return exifOf(image, format, result.orientation); });
-    if (const std::optional<Resolution> resolution = resolutionOf(image.exifData())) {
-        result.dotsPerMeterX = static_cast<unsigned>(std::lround(resolution->x));
-        result.dotsPerMeterY = static_cast<unsigned>(std::lround(resolution->y));
-    }
-    result.blocks.iptc = readBlock<std::vector<BYTE>>(name, "IPTC", [&] { return iptcOf(image); });
+        readBlock<std::vector<unsigned char>>(name, "Exif", [&] { return exifOf(image, format, result.orientation); });
+    result.resolution = resolutionOf(image.exifData());
+    result.blocks.iptc = readBlock<std::vector<unsigned char>>(name, "IPTC", [&] { return iptcOf(image); });
     result.blocks.xmp = readBlock<std::string>(name, "XMP", [&] { return xmpOf(image, result.orientation); });
     return result;
 }
 
 } // namespace
 
-SourceMetadata readMetadata(const std::string& name, FREE_IMAGE_FORMAT format) {
+SourceMetadata readMetadata(const std::string& name, FileFormat format) {
     if (!hasMetadata(format)) {
         return {};
     }

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "zqx/pictures/Picture.h"
+#include "zqx/pictures/Metadata.h"
 
 namespace zqx::pictures {
 

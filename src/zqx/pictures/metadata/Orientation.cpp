@@ -1,24 +1,13 @@
-// Turning bitmaps upright, the same way for all file formats.
+// Turning pictures upright, the same way for all file formats.
 #include "zqx/pictures/metadata/Orientation.h"
 
-#include <new>
+#include <utility>
 
 namespace zqx::pictures {
 
 namespace {
 
 constexpr int LAST_ORIENTATION = 8;
-
-void rotate(Bitmap& bitmap, double degreesAnticlockwise) {
-    const unsigned x = FreeImage_GetDotsPerMeterX(bitmap.get());
-    const unsigned y = FreeImage_GetDotsPerMeterY(bitmap.get());
-    bitmap.reset(FreeImage_Rotate(bitmap.get(), degreesAnticlockwise, nullptr));
-    if (!bitmap) {
-        throw std::bad_alloc();
-    }
-    FreeImage_SetDotsPerMeterX(bitmap.get(), y);
-    FreeImage_SetDotsPerMeterY(bitmap.get(), x);
-}
 
 } // namespace
 
@@ -38,16 +27,18 @@ const char* describeOrientation(int orientation) {
     return orientation >= 1 && orientation <= LAST_ORIENTATION ? NAMES[orientation - 1] : "not a known value";
 }
 
-void turnUpright(Bitmap& bitmap, int orientation) {
-    constexpr double CLOCKWISE = -90.0;
+void turnUpright(Picture& picture, int orientation) {
     if (exchangesSides(orientation)) {
-        rotate(bitmap, orientation <= 6 ? CLOCKWISE : -CLOCKWISE);
+        const bool clockwise = orientation <= 6;
+        picture.pixels = PixelBuffer(clockwise ? picture.image().rotate90() : picture.image().rotate270());
+        Resolution& resolution = picture.metadata.resolution;
+        std::swap(resolution.x, resolution.y);
     }
     if (orientation == 2 || orientation == 3 || orientation == 5 || orientation == 7) {
-        FreeImage_FlipHorizontal(bitmap.get());
+        picture.image().flipHorizontal();
     }
     if (orientation == 3 || orientation == 4) {
-        FreeImage_FlipVertical(bitmap.get());
+        picture.image().flipVertical();
     }
 }
 

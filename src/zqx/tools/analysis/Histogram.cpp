@@ -1,12 +1,15 @@
 // Counting values, row by row in parallel.
-#include "zqx/tools/analysis/Histogram.h"
+#include <zqx/tools/Histogram.h>
 
 #include <algorithm>
 #include <cmath>
 #include <functional>
 #include <iterator>
 
-#include <omp.h>
+#include <zqx/pictures/SampleLayout.h>
+
+#include "kernels/Rows.h"
+#include "zqx/pictures/codecs/StoredScale.h"
 
 #include "zqx/text/Numbers.h"
 
@@ -15,6 +18,8 @@ namespace zqx::tools {
 using namespace pictures;
 
 namespace {
+
+static_assert(CODES == HISTOGRAM_BINS);
 
 /// ITU-R BT.709. In doubles they add up to 1, so that the luma of a grey is that grey.
 constexpr double RED_WEIGHT = 0.2126;
@@ -36,7 +41,7 @@ float lumaOf(double r, double g, double b) {
 }
 
 /// Where the channels are within a pixel.
-struct Layout {
+struct Channels {
     std::size_t stride;
     std::size_t red;
     std::size_t green;
@@ -45,27 +50,27 @@ struct Layout {
 
 class Counter {
 public:
-    Counter(const img::Image& image, Form form)
-        : mImage(image), mForm(form),
-          mLayout(isFloat(form) ? Layout{image.getBytePixelStride() / sizeof(float), 0, 1, 2}
-                                : Layout{image.getBytePixelStride(), FI_RGBA_RED, FI_RGBA_GREEN, FI_RGBA_BLUE}) {}
+    explicit Counter(const img::Image& image)
+        : mImage(image), mColor(hasColor(layoutOf(image))),
+          mChannels(image.isBGR() ? Channels{image.getBytePixelStride(), 2, 1, 0}
+                                  : Channels{channelCount(layoutOf(image)), 0, 1, 2}) {}
 
     void countRow(std::size_t y, Histogram& histogram) const {
         const void* row = mImage.getRowPtr(y);
-        if (isFloat(mForm)) {
-            hasColor(mForm) ? countColors(static_cast<const float*>(row), histogram)
-                            : countGreys(static_cast<const float*>(row), histogram);
+        if (mImage.hasFloatFormat()) {
+            mColor ? countColors(static_cast<const float*>(row), histogram)
+                   : countGreys(static_cast<const float*>(row), histogram);
         } else {
-            hasColor(mForm) ? countColors(static_cast<const BYTE*>(row), histogram)
-                            : countGreys(static_cast<const BYTE*>(row), histogram);
+            mColor ? countColors(static_cast<const unsigned char*>(row), histogram)
+                   : countGreys(static_cast<const unsigned char*>(row), histogram);
         }
     }
 
 private:
-    static void count(ChannelCounts& counts, BYTE code) { ++counts.bins[code]; }
+    static void count(ChannelCounts& counts, unsigned char code) { ++counts.bins[code]; }
     void count(ChannelCounts& counts, float value) const { countFloat(counts, mNearest, value); }
 
-    double linear(BYTE code) const { return mDecoded[code]; }
+    double linear(unsigned char code) const { return mDecoded[code]; }
     static double linear(float value) { return value; }
 
     template <typename Sample>
@@ -77,10 +82,10 @@ private:
 
     template <typename Sample>
     void countColors(const Sample* pixel, Histogram& histogram) const {
-        for (std::size_t x = 0; x < mImage.getWidth(); ++x, pixel += mLayout.stride) {
-            const Sample r = pixel[mLayout.red];
-            const Sample g = pixel[mLayout.green];
-            const Sample b = pixel[mLayout.blue];
+        for (std::size_t x = 0; x < mImage.getWidth(); ++x, pixel += mChannels.stride) {
+            const Sample r = pixel[mChannels.red];
+            const Sample g = pixel[mChannels.green];
+            const Sample b = pixel[mChannels.blue];
             count(histogram.channels[Histogram::RED], r);
             count(histogram.channels[Histogram::GREEN], g);
             count(histogram.channels[Histogram::BLUE], b);
@@ -89,8 +94,8 @@ private:
     }
 
     const img::Image& mImage;
-    Form mForm;
-    Layout mLayout;
+    bool mColor;
+    Channels mChannels;
     const NearestCode& mNearest = nearestCode();
     const std::array<double, CODES>& mDecoded = decodedCodes();
 };
@@ -104,24 +109,17 @@ void add(ChannelCounts& sum, const ChannelCounts& part) {
 
 } // namespace
 
-Histogram countValues(const Bitmap& bitmap, Form form) {
-    const img::Image image = viewOf(bitmap, form);
-    const Counter counter(image, form);
-#if defined(__SANITIZE_THREAD__) // it does not see how OpenMP synchronises
-    const std::size_t threads = 1;
-#else
-    const auto threads = static_cast<std::size_t>(omp_get_max_threads());
-#endif
-    std::vector<Histogram> parts(threads);
-    const auto rows = static_cast<std::int64_t>(image.getHeight()); // OpenMP 2.0 wants a signed index
-#if !defined(__SANITIZE_THREAD__)
-#pragma omp parallel for schedule(static)
-#endif
-    for (std::int64_t y = 0; y < rows; ++y) {
-        counter.countRow(static_cast<std::size_t>(y), parts[static_cast<std::size_t>(omp_get_thread_num())]);
-    }
+Histogram countValues(const img::Image& image) {
+    const Counter counter(image);
+    const std::size_t rows = image.getHeight();
+    std::vector<Histogram> parts(std::min(rows, img::kernels::threadCount()));
+    img::kernels::forEachRow(parts.size(), [&](std::size_t part) {
+        for (std::size_t y = part * rows / parts.size(); y < (part + 1) * rows / parts.size(); ++y) {
+            counter.countRow(y, parts[part]);
+        }
+    });
     Histogram histogram;
-    histogram.color = hasColor(form);
+    histogram.color = hasColor(layoutOf(image));
     histogram.pixels = std::uint64_t{image.getWidth()} * image.getHeight();
     for (const Histogram& part : parts) {
         for (std::size_t channel = 0; channel < histogram.channels.size(); ++channel) {
@@ -134,9 +132,10 @@ Histogram countValues(const Bitmap& bitmap, Form form) {
     return histogram;
 }
 
-std::span<const std::string_view> Histogram::names() const {
+ArrayView<std::string_view> Histogram::names() const {
     static constexpr std::array<std::string_view, 4> NAMES = {"red", "green", "blue", "luma"};
-    return std::span(NAMES).subspan(color ? std::size_t{RED} : std::size_t{LUMA});
+    const std::size_t first = color ? RED : LUMA;
+    return {NAMES.data() + first, NAMES.size() - first};
 }
 
 std::vector<double> rebinned(const ChannelCounts& counts, std::size_t bins) {
@@ -154,7 +153,7 @@ std::vector<double> rebinned(const ChannelCounts& counts, std::size_t bins) {
     return result;
 }
 
-double drawingLimit(std::span<const std::vector<double>> bins) {
+double drawingLimit(const std::vector<std::vector<double>>& bins) {
     constexpr double ORDINARY = 0.98;  // share of bins
     constexpr double STANDS_OUT = 1.5; // times as high as any ordinary bin
     std::vector<double> inner;

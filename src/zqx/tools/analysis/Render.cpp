@@ -1,4 +1,4 @@
-// Rendering straight from one bitmap's memory into another's.
+// Rendering straight from one picture's memory into another's.
 #include "zqx/tools/analysis/Render.h"
 
 #include <memory>
@@ -35,14 +35,13 @@ bool changesColors(Pipeline pipeline) {
 
 void connect(Pipeline& pipeline, const Picture& source) {
     pipeline.setActiveStages(neededStages(pipeline));
-    pipeline.setInputImage(std::make_shared<img::Image>(viewOf(source.bitmap, source.form)));
+    pipeline.setInputImage(std::make_shared<img::Image>(source.image()));
 }
 
-Bitmap render(const Pipeline& pipeline, const Picture& source, Form form) {
-    Bitmap bitmap = allocateBitmap(form, source.width(), source.height());
-    img::Image view = viewOf(bitmap, form);
-    pipeline.execute(view);
-    return bitmap;
+PixelBuffer render(const Pipeline& pipeline, const Picture& source, SampleLayout layout) {
+    PixelBuffer pixels(source.width(), source.height(), layout);
+    pipeline.execute(pixels.image());
+    return pixels;
 }
 
 } // namespace zqx::tools

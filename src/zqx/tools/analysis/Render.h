@@ -13,11 +13,11 @@ int neededStages(const img::ImageProcessingPipeline& pipeline);
 /// False for adjustments that leave pixels as they are, or only move them.
 bool changesColors(img::ImageProcessingPipeline pipeline);
 
-/// Makes a picture the source of a pipeline, which looks into its bitmap from then on, with the stages it needs active.
+/// Makes a picture the source of a pipeline, which looks into its pixels from then on, with the stages it needs active.
 void connect(img::ImageProcessingPipeline& pipeline, const pictures::Picture& source);
 
-/// A new bitmap of the source's size with what the pipeline makes of it.
-pictures::Bitmap render(const img::ImageProcessingPipeline& pipeline, const pictures::Picture& source,
-                        pictures::Form form);
+/// New pixels of the source's size with what the pipeline makes of it.
+pictures::PixelBuffer render(const img::ImageProcessingPipeline& pipeline, const pictures::Picture& source,
+                             pictures::SampleLayout layout);
 
 } // namespace zqx::tools

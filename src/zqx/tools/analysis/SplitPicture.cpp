@@ -23,11 +23,11 @@ void fillWhite(img::Image& image, std::size_t x, std::size_t y) {
 
 } // namespace
 
-void splitWith(const Bitmap& after, Form form, img::ImageProcessingPipeline pipeline, const Picture& source) {
+void splitWith(PixelBuffer& after, img::ImageProcessingPipeline pipeline, const Picture& source) {
     pipeline.setActiveStages(0);
-    const Bitmap before = render(pipeline, source, form);
-    const img::Image left = viewOf(before, form);
-    img::Image image = viewOf(after, form);
+    const PixelBuffer before = render(pipeline, source, after.layout());
+    const img::Image& left = before.image();
+    img::Image& image = after.image();
     const std::size_t middle = image.getWidth() / 2;
     for (std::size_t y = 0; y < image.getHeight(); ++y) {
         const auto* from = static_cast<const unsigned char*>(left.getRowPtr(y));

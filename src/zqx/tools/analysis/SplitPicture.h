@@ -8,8 +8,7 @@
 namespace zqx::tools {
 
 /// Puts the untouched source over the left half of the result and a white line of two pixels between them.
-/// @param after what the pipeline made of the source, in the given form; changed in place
-void splitWith(const pictures::Bitmap& after, pictures::Form form, img::ImageProcessingPipeline pipeline,
-               const pictures::Picture& source);
+/// @param after what the pipeline made of the source; changed in place
+void splitWith(pictures::PixelBuffer& after, img::ImageProcessingPipeline pipeline, const pictures::Picture& source);
 
 } // namespace zqx::tools

@@ -1,4 +1,4 @@
-// The pipeline renders straight from the loaded bitmap into the one to be saved. No bitmap is kept longer than needed:
+// The pipeline renders straight from the loaded pixels into those to be saved. No pixels are kept longer than needed:
 // the largest pictures are those that count.
 #include "zqx/tools/batch/ApplyPicture.h"
 
@@ -21,14 +21,6 @@ using namespace pictures;
 
 namespace {
 
-/// Leaves of a picture what its file says beside the pixels, for the output that is made of it.
-void releasePixels(Picture& picture) {
-    Bitmap carrier = allocateBitmap(picture.form, 1, 1); // the resolution is kept in bitmaps
-    FreeImage_SetDotsPerMeterX(carrier.get(), FreeImage_GetDotsPerMeterX(picture.bitmap.get()));
-    FreeImage_SetDotsPerMeterY(carrier.get(), FreeImage_GetDotsPerMeterY(picture.bitmap.get()));
-    picture.bitmap = std::move(carrier);
-}
-
 /// Adds the time since it was last asked.
 class StopWatch {
 public:
@@ -50,8 +42,8 @@ struct Target {
     }
 
     std::string name;
-    FREE_IMAGE_FORMAT format;
-    Form form = Form::RGB8;
+    FileFormat format;
+    SampleLayout layout = SampleLayout::RGB8;
     std::unique_ptr<OutputFile> file;
 };
 
@@ -79,25 +71,25 @@ public:
                                [](const Target& target) { return target.file.get(); });
         OutputFile::commitTogether(files);
         mWatch.addTo(mResult.seconds.store);
-        mResult.depth = nameOf(mTargets.front().form);
+        mResult.depth = nameOf(mTargets.front().layout);
         return mResult;
     }
 
 private:
     void write(Target& target) {
-        target.form = chooseForm(target.name, target.format, mSource.stored);
-        warnOfLosses(target.name, mSource, target.form);
-        prepareAlpha(mSource, target.format, target.form, changesColors(mPipeline));
-        Bitmap bitmap = render(mPipeline, mSource, target.form);
+        target.layout = chooseLayout(target.name, target.format, mSource.stored);
+        warnOfLosses(target.name, mSource, target.layout);
+        prepareAlpha(mSource, target.format, target.layout, changesColors(mPipeline));
+        PixelBuffer pixels = render(mPipeline, mSource, target.layout);
         if (&target != &mTargets.front()) {
-            splitWith(bitmap, target.form, mPipeline, mSource);
+            splitWith(pixels, mPipeline, mSource);
         }
         if (&target == &mTargets.back()) {
-            releasePixels(mSource);
+            mSource.pixels.reset();
         }
         mWatch.addTo(mResult.seconds.adjust);
         target.file = std::make_unique<OutputFile>(target.name, mSettings.existing);
-        encodePicture(*target.file, target.name, target.format, std::move(bitmap), target.form, mSource,
+        encodePicture(*target.file, target.name, target.format, std::move(pixels), target.layout, mSource,
                       mSettings.encoding);
         mWatch.addTo(mResult.seconds.encode);
     }

@@ -4,10 +4,10 @@
 #include <string>
 
 #include <zqx/img/ImageProcessingPipeline.h>
+#include <zqx/tools/PictureRecord.h>
 
-#include "zqx/pictures/codecs/EncodeOptions.h"
-#include "zqx/pictures/codecs/Form.h"
-#include "zqx/pictures/codecs/LoadOptions.h"
+#include "zqx/pictures/codecs/ReadOptions.h"
+#include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/OutputFile.h"
 
 namespace zqx::tools {
@@ -15,8 +15,8 @@ namespace zqx::tools {
 /// What is done to every picture of a run.
 struct ApplySettings {
     img::ImageProcessingPipeline pipeline;
-    pictures::LoadOptions loading;
-    pictures::EncodeOptions encoding;
+    pictures::ReadOptions loading;
+    pictures::WriteOptions encoding;
     pictures::OutputFile::Existing existing = pictures::OutputFile::Existing::REPLACE;
 };
 
@@ -25,23 +25,6 @@ struct ApplyFiles {
     std::string input;
     std::string output;
     std::string comparison; ///< left half before, right half after; or empty
-};
-
-/// Seconds spent on one picture.
-struct StageTimes {
-    double decode = 0.0;
-    double adjust = 0.0;
-    double encode = 0.0;
-    double store = 0.0;
-
-    double total() const { return decode + adjust + encode + store; }
-};
-
-struct ApplyResult {
-    unsigned width = 0;
-    unsigned height = 0;
-    std::string depth; ///< of the output, in words
-    StageTimes seconds;
 };
 
 /// Adjusts one picture. All of its outputs appear, or none does.

@@ -1,20 +1,21 @@
 // Outputs, collisions, and what need not be done.
-#include "zqx/tools/batch/BatchPlan.h"
+#include <zqx/tools/BatchPlan.h>
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <iterator>
+#include <map>
 #include <set>
 #include <system_error>
-#include <unordered_map>
-#include <unordered_set>
 
-#include "zqx/pictures/codecs/Form.h"
+#include <zqx/tools/NameTemplate.h>
+#include <zqx/tools/OutputCheck.h>
+
+#include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
-#include "zqx/tools/batch/NameTemplate.h"
+#include "zqx/tools/batch/FileIdentity.h"
 
 namespace zqx::tools {
 
@@ -23,20 +24,6 @@ using namespace pictures;
 namespace fs = std::filesystem;
 
 namespace {
-
-/// One name for one file, whether it is there yet or not.
-std::string identityOf(const std::string& name) {
-    std::error_code failure;
-    const fs::path path = fs::weakly_canonical(fs::absolute(toPath(name)), failure);
-    return failure ? name : toName(path);
-}
-
-/// Names that differ in case alone are one file on many memory cards and disks, where the second picture would replace
-/// the first without a word.
-std::string foldCase(std::string name) {
-    std::ranges::transform(name, name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return name;
-}
 
 std::vector<std::string> nameOutputs(const std::vector<Input>& inputs, const PlanOptions& options) {
     std::vector<std::string> outputs;
@@ -60,11 +47,10 @@ std::vector<std::string> nameOutputs(const std::vector<Input>& inputs, const Pla
     return outputs;
 }
 
-void refuseSharedOutputs(const std::vector<Input>& inputs, const std::vector<std::string>& outputs,
-                         const std::vector<std::string>& identities) {
-    std::unordered_map<std::string, std::size_t> owners;
+void refuseSharedOutputs(const std::vector<Input>& inputs, const std::vector<std::string>& outputs) {
+    std::map<std::string, std::size_t> owners;
     for (std::size_t i = 0; i < outputs.size(); ++i) {
-        const auto [owner, isFirst] = owners.emplace(foldCase(identities[i]), i);
+        const auto [owner, isFirst] = owners.emplace(foldCase(canonicalName(outputs[i])), i);
         if (isFirst) {
             continue;
         }
@@ -77,25 +63,33 @@ void refuseSharedOutputs(const std::vector<Input>& inputs, const std::vector<std
     }
 }
 
-void refuseInputsAsOutputs(const std::vector<Input>& inputs, const std::vector<std::string>& outputs,
-                           const std::vector<std::string>& identities) {
-    std::unordered_set<std::string> read;
-    for (const Input& input : inputs) {
-        read.insert(identityOf(input.name));
+void refuseInputsAsOutputs(const std::vector<std::string>& read, const std::vector<std::string>& outputs) {
+    FileSet inputs;
+    for (const std::string& name : read) {
+        inputs.insert(name);
     }
-    for (std::size_t i = 0; i < outputs.size(); ++i) {
-        if (read.contains(identities[i])) {
-            throw UsageError(outputs[i], "would replace a picture that is read in this run, name another --output-dir "
-                                         "or --name");
+    for (const std::string& output : outputs) {
+        if (inputs.contains(output)) {
+            throw UsageError(output, "would replace a picture that is read in this run, name another --output-dir or "
+                                     "--name");
         }
     }
 }
 
-void refuseCollisions(const std::vector<Input>& inputs, const std::vector<std::string>& outputs) {
-    std::vector<std::string> identities;
-    std::ranges::transform(outputs, std::back_inserter(identities), identityOf);
-    refuseSharedOutputs(inputs, outputs, identities);
-    refuseInputsAsOutputs(inputs, outputs, identities);
+void refuseCollisions(const std::vector<Input>& inputs, const std::vector<std::string>& outputs,
+                      const PlanOptions& options) {
+    std::vector<std::string> read = options.documents;
+    std::ranges::transform(inputs, std::back_inserter(read), &Input::name);
+    refuseSharedOutputs(inputs, outputs);
+    if (options.output.empty()) {
+        refuseInputsAsOutputs(read, outputs);
+    }
+    if (outputs.size() == 1) { // a picture that is named together with its output may be replaced by it
+        checkOutputs(read, {{"--output", outputs.front(), options.output.empty() ? "" : inputs.front().name},
+                            {"--before-after", options.comparison}});
+    } else if (!outputs.empty() && !options.comparison.empty()) {
+        throw UsageError("--before-after", "is for one picture");
+    }
 }
 
 bool exists(const std::string& name) {
@@ -146,9 +140,7 @@ PlannedPicture planPicture(const Input& input, const std::string& output, const 
 
 std::vector<PlannedPicture> planBatch(const std::vector<Input>& inputs, const PlanOptions& options) {
     const std::vector<std::string> outputs = nameOutputs(inputs, options);
-    if (options.output.empty()) { // a single picture may be replaced by itself
-        refuseCollisions(inputs, outputs);
-    }
+    refuseCollisions(inputs, outputs, options);
     std::vector<PlannedPicture> plan;
     for (std::size_t i = 0; i < inputs.size(); ++i) {
         plan.push_back(planPicture(inputs[i], outputs[i], options));

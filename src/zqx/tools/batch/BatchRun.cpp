@@ -5,17 +5,19 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <mutex>
-#include <new>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include "zqx/pictures/bytes/PictureHeader.h"
 #include "zqx/pictures/bytes/PictureSize.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
+#include "zqx/tools/batch/Failure.h"
 
 namespace zqx::tools {
 
@@ -34,7 +36,34 @@ public:
           mObserver(observer) {}
 
     void run(unsigned jobs) {
-        std::vector<std::jthread> workers;
+        {
+            std::vector<std::jthread> workers;
+            const Stop stop(*this); // before the workers are joined, however this block is left
+            startAll(workers, jobs);
+            waitForWorkers();
+        }
+        if (mFailure) {
+            std::rethrow_exception(mFailure);
+        }
+    }
+
+private:
+    /// Lets workers finish what they are at, and begin nothing more.
+    class Stop {
+    public:
+        explicit Stop(Batch& batch) : mBatch(batch) {}
+        Stop(const Stop&) = delete;
+        Stop& operator=(const Stop&) = delete;
+        ~Stop() {
+            const std::lock_guard lock(mBatch.mMutex);
+            mBatch.mNext = mBatch.mPlan.size();
+        }
+
+    private:
+        Batch& mBatch;
+    };
+
+    void startAll(std::vector<std::jthread>& workers, unsigned jobs) {
         for (unsigned i = 0; i < jobs; ++i) {
             try {
                 start(workers);
@@ -45,10 +74,8 @@ public:
                 break;
             }
         }
-        waitForWorkers();
     }
 
-private:
     void start(std::vector<std::jthread>& workers) {
         {
             const std::lock_guard lock(mMutex);
@@ -84,12 +111,26 @@ private:
         return mNext < mPlan.size() ? &mPlan[mNext++] : nullptr;
     }
 
-    void work() {
-        useThreads(mThreads);
-        for (const PlannedPicture* picture = next(); picture != nullptr && mObserver.isHeard(); picture = next()) {
-            mObserver.finish(process(*picture));
+    /// Nothing that is thrown may leave a thread: that would end the process. Pictures fail on their own; what is left
+    /// comes from the observer and ends the run.
+    void work() noexcept {
+        try {
+            useThreads(mThreads);
+            for (const PlannedPicture* picture = next(); picture != nullptr && mObserver.isHeard(); picture = next()) {
+                mObserver.finish(process(*picture));
+            }
+        } catch (...) {
+            keepFailure(std::current_exception());
         }
         stopWorking();
+    }
+
+    void keepFailure(std::exception_ptr failure) {
+        const std::lock_guard lock(mMutex);
+        mNext = mPlan.size();
+        if (!mFailure) {
+            mFailure = std::move(failure);
+        }
     }
 
     PictureRecord process(const PlannedPicture& picture) {
@@ -106,12 +147,8 @@ private:
         } catch (const FileExists&) { // not when the run was planned, but now
             record.status = Status::SKIPPED;
             record.reason = "exists";
-        } catch (const Error& error) {
-            record.reason = error.what();
-        } catch (const std::bad_alloc&) {
-            record.reason = picture.input + ": there is not enough memory for this";
-        } catch (const std::exception& error) {
-            record.reason = picture.input + ": unexpected failure: " + error.what();
+        } catch (...) {
+            record.reason = describeFailure(picture.input);
         }
         return record;
     }
@@ -140,6 +177,7 @@ private:
     std::condition_variable mChange;
     std::size_t mNext = 0;
     unsigned mWorking = 0;
+    std::exception_ptr mFailure; // the first that was no picture's own
 };
 
 void reportSkipped(const std::vector<PlannedPicture>& plan, BatchObserver& observer) {
@@ -164,9 +202,9 @@ PictureRecord rehearse(const PlannedPicture& picture, bool makesFolders) {
             OutputFile::check(picture.output);
         }
         record.reason = picture.action == Action::REPLACE ? "would replace" : "";
-    } catch (const Error& error) {
+    } catch (...) {
         record.status = Status::FAILED;
-        record.reason = error.what();
+        record.reason = describeFailure(picture.input);
     }
     return record;
 }

@@ -1,15 +1,18 @@
 // Folders are read whole and sorted, so that a run does the same on every machine.
-#include "zqx/tools/batch/InputList.h"
+#include <zqx/tools/InputList.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
+#include <numeric>
+#include <string_view>
 #include <system_error>
+#include <utility>
 
-#include <FreeImage.h>
-
-#include "zqx/pictures/codecs/Form.h"
+#include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
+#include "zqx/tools/batch/FileIdentity.h"
 
 namespace zqx::tools {
 
@@ -23,12 +26,24 @@ bool isHidden(const fs::path& path) {
     return toName(path.filename()).starts_with('.');
 }
 
-bool hasReadableExtension(const fs::path& path) {
-    if (!path.has_extension()) {
-        return false;
-    }
-    const FREE_IMAGE_FORMAT format = formatOfName(toName(path.extension()));
-    return format != FIF_UNKNOWN && FreeImage_FIFSupportsReading(format) != 0;
+/// In lower case and without its dot; empty when there is none.
+std::string lowerCaseExtension(const fs::path& path) {
+    const std::string extension = toName(path.extension());
+    return extension.empty() ? extension : foldCase(extension.substr(1));
+}
+
+bool isReadable(const std::string& extension) {
+    return canRead(formatOfName("." + extension));
+}
+
+/// Pictures that other programs write, whatever this build reads. Who has a folder of them takes them for pictures, and
+/// would miss them in silence.
+bool isKnownPicture(std::string_view extension) {
+    static constexpr std::array<std::string_view, 41> EXTENSIONS = {
+        "avci",  "avcs", "avif",  "avifs", "bpg",  "cin", "cr3", "dpx", "exr", "fit",  "fits", "flif", "gpr", "heic",
+        "heics", "heif", "heifs", "hif",   "icns", "j2c", "jls", "jp2", "jpf", "jph",  "jpm",  "jpx",  "jxl", "jxr",
+        "kra",   "mef",  "ora",   "psb",   "psd",  "qoi", "raw", "sgi", "svg", "svgz", "webp", "wp2",  "xcf"};
+    return std::ranges::binary_search(EXTENSIONS, extension);
 }
 
 class FolderReader {
@@ -38,12 +53,10 @@ public:
 
     // NOLINTNEXTLINE(misc-no-recursion): as deep as the folders are
     void read(const fs::path& folder, const fs::path& below) {
-        for (const fs::path& path : entriesOf(folder)) {
+        for (const fs::path& path : sortedEntries(folder)) {
             std::error_code failure;
             if (fs::is_regular_file(path, failure)) {
-                if (hasReadableExtension(path)) {
-                    mList.inputs.push_back({toName(path), toName(below)});
-                }
+                take(path, below);
             } else if (mRecursive && isOwnFolder(path)) {
                 read(path, below / path.filename());
             }
@@ -51,7 +64,19 @@ public:
     }
 
 private:
-    std::vector<fs::path> entriesOf(const fs::path& folder) {
+    void take(const fs::path& path, const fs::path& below) {
+        const std::string extension = lowerCaseExtension(path);
+        if (extension.empty()) {
+            return;
+        }
+        if (isReadable(extension)) {
+            mList.inputs.push_back({toName(path), toName(below)});
+        } else if (isKnownPicture(extension)) {
+            ++mList.unreadable[extension];
+        }
+    }
+
+    std::vector<fs::path> sortedEntries(const fs::path& folder) {
         std::vector<fs::path> entries;
         std::error_code failure;
         fs::directory_iterator entry(folder, failure);
@@ -79,6 +104,17 @@ private:
     fs::path mExcluded;
 };
 
+std::size_t total(const ExtensionCounts& counts) {
+    return std::accumulate(counts.begin(), counts.end(), std::size_t{0},
+                           [](std::size_t sum, const auto& count) { return sum + count.second; });
+}
+
+/// Why a folder gave nothing.
+std::string describeEmptyFolder(bool hasUnreadable, bool recursive) {
+    const std::string reason = hasUnreadable ? "holds no pictures that this build can read" : "holds no pictures";
+    return recursive ? reason : reason + ", --recursive looks into its folders, too";
+}
+
 } // namespace
 
 InputList listInputs(const std::vector<std::string>& names, bool recursive, const std::string& excluded) {
@@ -92,15 +128,32 @@ InputList listInputs(const std::vector<std::string>& names, bool recursive, cons
             list.inputs.push_back({name, ""});
         } else {
             const std::size_t before = list.inputs.size() + list.failures.size();
+            const std::size_t unreadableBefore = total(list.unreadable);
             FolderReader(list, recursive, excluded).read(toPath(name), {});
             if (list.inputs.size() + list.failures.size() == before) {
-                list.failures.push_back({name, recursive
-                                                   ? "holds no pictures"
-                                                   : "holds no pictures, --recursive looks into its folders, too"});
+                const bool hasUnreadable = total(list.unreadable) > unreadableBefore;
+                list.failures.push_back({name, describeEmptyFolder(hasUnreadable, recursive)});
             }
         }
     }
     return list;
+}
+
+std::string describeUnreadable(const ExtensionCounts& unreadable) {
+    if (unreadable.empty()) {
+        return {};
+    }
+    std::vector<std::pair<std::string, std::size_t>> counts(unreadable.begin(), unreadable.end());
+    std::ranges::stable_sort(counts, std::ranges::greater(), &std::pair<std::string, std::size_t>::second);
+    const std::size_t files = total(unreadable);
+    std::string text = "skipped " + std::to_string(files) + (files == 1 ? " file in a format" : " files in formats") +
+                       " this build cannot read";
+    const char* separator = ": ";
+    for (const auto& [extension, count] : counts) {
+        text += separator + std::to_string(count) + " ." + extension;
+        separator = ", ";
+    }
+    return text;
 }
 
 } // namespace zqx::tools

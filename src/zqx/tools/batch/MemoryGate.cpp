@@ -1,5 +1,5 @@
 // The gate, and how much a picture needs.
-#include "zqx/tools/batch/MemoryGate.h"
+#include <zqx/tools/MemoryGate.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -7,10 +7,8 @@
 #include <limits>
 #include <optional>
 
-#include <FreeImage.h>
-
+#include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/bytes/PictureHeader.h"
-#include "zqx/pictures/codecs/Form.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/text/Amounts.h"
@@ -60,12 +58,12 @@ struct EncodingNeed {
 
 EncodingNeed encodingNeed(const std::string& output, std::uint64_t working) {
     switch (formatOfName(output)) {
-    case FIF_EXR:
-    case FIF_HDR:
-    case FIF_PFM: return {sizeof(float), 2 * sizeof(float)};
-    case FIF_JP2:
-    case FIF_J2K: return {working, 2 * sizeof(std::int32_t)}; // samples and wavelet coefficients
-    default: return {working, 2 * working};                   // its own copy, and the file
+    case FileFormat::EXR:
+    case FileFormat::HDR:
+    case FileFormat::PFM: return {sizeof(float), 2 * sizeof(float)};
+    case FileFormat::JP2:
+    case FileFormat::J2K: return {working, 2 * sizeof(std::int32_t)}; // samples and wavelet coefficients
+    default: return {working, 2 * working};                           // its own copy, and the file
     }
 }
 
@@ -83,9 +81,38 @@ std::uint64_t bytesPerSample(const PictureHeader& header, const std::vector<std:
     return most;
 }
 
+// Headers are anybody's claims: what is too large for a number is as large as numbers are.
+constexpr std::uint64_t MOST = std::numeric_limits<std::uint64_t>::max();
+
+std::uint64_t addedUp(std::uint64_t a, std::uint64_t b) {
+    return a > MOST - b ? MOST : a + b;
+}
+
+std::uint64_t multiplied(std::uint64_t a, std::uint64_t b) {
+    return b != 0 && a > MOST / b ? MOST : a * b;
+}
+
+std::optional<PictureHeader> readHeader(const std::string& name) {
+    const bool raw = formatOfName(name) == FileFormat::RAW; // their headers describe a small preview
+    return raw ? std::nullopt : readPictureHeader(name);
+}
+
+/// 0 where the header does not say.
+std::uint64_t countPixels(const std::string& name) {
+    const std::optional<PictureHeader> header = readHeader(name);
+    return header ? multiplied(header->width, header->height) : 0;
+}
+
+void refuseBeyond(const std::string& name, std::uint64_t need, std::uint64_t limit) {
+    if (need > limit) {
+        throw Error(name, "needs about " + text::roundedSize(need) + " of memory, more than the " +
+                              text::roundedSize(limit) + " allowed; --max-memory raises that");
+    }
+}
+
 /// Where the header says nothing: photographs of eight bits have about forty bytes in memory for each in a small file,
 /// those that a camera left raw for about one.
-std::uint64_t needByFileSize(const std::string& name) {
+std::uint64_t estimateByFileSize(const std::string& name) {
     constexpr std::uint64_t COMPRESSED = 48;
     constexpr std::uint64_t RAW = 16;
     std::error_code failure;
@@ -93,16 +120,13 @@ std::uint64_t needByFileSize(const std::string& name) {
     if (failure) {
         return 0; // loading tells what is wrong
     }
-    return size * (formatOfName(name) == FIF_RAW ? RAW : COMPRESSED);
+    return multiplied(size, formatOfName(name) == FileFormat::RAW ? RAW : COMPRESSED);
 }
 
 } // namespace
 
 MemoryGate::Share MemoryGate::admit(const std::string& name, std::uint64_t bytes) {
-    if (bytes > mLimit) {
-        throw Error(name, "needs about " + text::roundedSize(bytes) + " of memory, more than the " +
-                              text::roundedSize(mLimit) + " allowed; --max-memory raises that");
-    }
+    refuseBeyond(name, bytes, mLimit);
     std::unique_lock lock(mMutex);
     const std::uint64_t ticket = mNextTicket++;
     mChange.wait(lock, [&] { return ticket == mServing && bytes <= mLimit - mUsed; });
@@ -119,15 +143,29 @@ void MemoryGate::release(std::uint64_t bytes) {
 }
 
 std::uint64_t memoryNeed(const std::string& input, const std::vector<std::string>& outputs) {
-    const bool raw = formatOfName(input) == FIF_RAW; // their headers describe a small preview
-    const std::optional<PictureHeader> header = raw ? std::nullopt : readPictureHeader(input);
+    const std::optional<PictureHeader> header = readHeader(input);
     if (!header) {
-        return BASE_NEED + needByFileSize(input);
+        return addedUp(BASE_NEED, estimateByFileSize(input));
     }
-    const std::uint64_t pixels = header->width * header->height;
-    const std::uint64_t perPixel = header->channels * bytesPerSample(*header, outputs);
-    return pixels > std::numeric_limits<std::uint64_t>::max() / 2 / perPixel ? std::numeric_limits<std::uint64_t>::max()
-                                                                             : BASE_NEED + pixels * perPixel;
+    const std::uint64_t perPixel = multiplied(header->channels, bytesPerSample(*header, outputs));
+    return addedUp(BASE_NEED, multiplied(multiplied(header->width, header->height), perPixel));
+}
+
+void requireMemory(const MemoryDemand& demand, std::uint64_t limit) {
+    std::uint64_t need = 0;
+    std::string first;
+    for (const std::string& input : demand.inputs) {
+        if (input.empty()) {
+            continue;
+        }
+        const bool isFirst = first.empty();
+        if (isFirst) {
+            first = input;
+            need = addedUp(need, multiplied(countPixels(input), demand.workingBytesPerPixel));
+        }
+        need = addedUp(need, memoryNeed(input, isFirst ? demand.outputs : std::vector<std::string>()));
+    }
+    refuseBeyond(first, need, limit == 0 ? defaultMemoryLimit() : limit);
 }
 
 std::uint64_t defaultMemoryLimit() {

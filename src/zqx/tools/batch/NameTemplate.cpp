@@ -1,5 +1,5 @@
 // Parsing and filling in of name patterns.
-#include "zqx/tools/batch/NameTemplate.h"
+#include <zqx/tools/NameTemplate.h>
 
 #include <algorithm>
 #include <charconv>

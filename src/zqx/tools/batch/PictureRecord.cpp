@@ -1,12 +1,10 @@
 // Records in words and in JSON.
-#include "zqx/tools/batch/PictureRecord.h"
+#include <zqx/tools/PictureRecord.h>
 
 #include "zqx/text/Json.h"
 #include "zqx/text/Numbers.h"
 
 namespace zqx::tools {
-
-using namespace pictures;
 
 namespace {
 
@@ -81,6 +79,12 @@ std::string toJson(const RunTotals& totals, double seconds, bool interrupted) {
     json.member("failed", totals.failed);
     json.member("skipped", totals.skipped);
     json.member("planned", totals.planned);
+    json.key("unreadable");
+    json.beginObject();
+    for (const auto& [extension, count] : totals.unreadable) {
+        json.member("." + extension, count);
+    }
+    json.endObject();
     json.member("seconds", seconds);
     json.member("interrupted", interrupted);
     json.endObject();

@@ -1,5 +1,5 @@
-// Writes the table of adjustments out in three ways.
-#include "zqx/tools/parameters/ParameterReference.h"
+// The table of adjustments as text, as JSON and as a JSON Schema.
+#include <zqx/tools/ParameterReference.h>
 
 #include <algorithm>
 #include <cctype>
@@ -65,7 +65,7 @@ private:
     rapidjson::Document mDocument;
 };
 
-const char* nameOf(Kind kind) {
+const char* toString(Kind kind) {
     switch (kind) {
     case Kind::COLOR: return "color";
     case Kind::SWITCH: return "switch";
@@ -78,7 +78,7 @@ void explainAsJson(text::JsonWriter& json, const Parameter& parameter, const Neu
     json.beginObject();
     json.member("name", parameter.name);
     json.member("path", parameter.path);
-    json.member("kind", nameOf(parameter.kind));
+    json.member("kind", toString(parameter.kind));
     if (parameter.kind == Kind::NUMBER) {
         json.key("minimum");
         json.shortNumber(parameter.minimum);

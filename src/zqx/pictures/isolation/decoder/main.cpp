@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "zqx/pictures/codecs/Decode.h"
+#include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/isolation/DecodeRequest.h"
 #include "zqx/pictures/isolation/PictureTransfer.h"

@@ -1,0 +1,47 @@
+// How near is near enough: a third of the characters may differ, which still tells the names of this program apart.
+#include "help/Suggestions.h"
+
+#include <algorithm>
+
+#include "zqx/tools/parameters/Spelling.h"
+
+namespace zqx::app {
+
+using tools::editDistance;
+
+namespace {
+
+/// The characters that tell names apart: all options begin with dashes.
+std::size_t letters(std::string_view name) {
+    return name.size() - std::min(name.find_first_not_of('-'), name.size());
+}
+
+/// Names are longer than what is commonly typed of them: "--output-directory" and "hist" are no misspellings.
+bool isAbbreviation(std::string_view brief, std::string_view name) {
+    constexpr std::size_t SHORTEST = 3;
+    return letters(brief) >= SHORTEST && brief.size() < name.size() &&
+           editDistance(brief, name.substr(0, brief.size())) == 0;
+}
+
+} // namespace
+
+std::optional<std::string> nearestName(std::string_view word, std::span<const std::string> names) {
+    if (names.empty()) {
+        return std::nullopt;
+    }
+    const std::string& nearest =
+        *std::ranges::min_element(names, {}, [&](const std::string& name) { return editDistance(word, name); });
+    if (editDistance(word, nearest) <= std::max(letters(word), letters(nearest)) / 3) {
+        return nearest;
+    }
+    const auto begun = std::ranges::find_if(
+        names, [&](const std::string& name) { return isAbbreviation(word, name) || isAbbreviation(name, word); });
+    return begun != names.end() ? std::optional(*begun) : std::nullopt;
+}
+
+std::string didYouMean(std::string_view word, std::span<const std::string> names) {
+    const std::optional<std::string> nearest = nearestName(word, names);
+    return nearest ? "; did you mean \"" + *nearest + "\"?" : "";
+}
+
+} // namespace zqx::app

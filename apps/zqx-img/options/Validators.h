@@ -1,0 +1,21 @@
+// What the values of options may be. Each check says in its own words what is wrong with a value and what would do.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+namespace zqx::app {
+
+/// A whole number in a range, both ends included.
+CLI::Validator wholeNumber(std::uint32_t least, std::uint32_t most);
+
+/// A finite number of seconds in a range, both ends included.
+CLI::Validator seconds(double least, double most);
+
+/// One of a few words, which help and completions list.
+CLI::Validator oneOf(const std::vector<std::string>& words);
+
+} // namespace zqx::app

@@ -1,0 +1,36 @@
+// Refusals of pictures that are too large.
+#include "zqx/pictures/codecs/Limits.h"
+
+#include "zqx/pictures/files/Error.h"
+#include "zqx/text/Amounts.h"
+
+namespace zqx::pictures {
+
+namespace {
+
+void refuse(const std::string& name, const std::string& fact, const std::string& limit, const std::string& option) {
+    throw Error(name, fact + ", more than the " + limit + " allowed; " + option + " raises that");
+}
+
+} // namespace
+
+void checkFileSize(const std::string& name, std::uint64_t bytes, const Limits& limits) {
+    if (bytes > limits.bytes) {
+        refuse(name, "is a file of " + text::exactSize(bytes), text::exactSize(limits.bytes), "--max-bytes");
+    }
+}
+
+void checkPictureSize(const std::string& name, const PictureSize& size, const Limits& limits) {
+    if (size.width > limits.width) {
+        refuse(name, "is " + std::to_string(size.width) + " pixels wide", std::to_string(limits.width), "--max-width");
+    }
+    if (size.height > limits.height) {
+        refuse(name, "is " + std::to_string(size.height) + " pixels high", std::to_string(limits.height),
+               "--max-height");
+    }
+    if (size.pixels() > limits.pixels) {
+        refuse(name, "has " + std::to_string(size.pixels()) + " pixels", std::to_string(limits.pixels), "--max-pixels");
+    }
+}
+
+} // namespace zqx::pictures

@@ -1,0 +1,177 @@
+// FreeImage knows some forty kinds of bitmap, the image model works with six of them.
+#include "zqx/pictures/codecs/freeimage/BitmapConversion.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <span>
+#include <utility>
+
+#include "kernels/Rows.h"
+#include "zqx/pictures/codecs/Depth16.h"
+#include "zqx/pictures/codecs/freeimage/FormatIds.h"
+#include "zqx/pictures/codecs/freeimage/FreeImageMessages.h"
+#include "zqx/pictures/files/Error.h"
+
+namespace zqx::pictures {
+
+namespace {
+
+std::span<const RGBQUAD> paletteOf(FIBITMAP* bitmap) {
+    return {FreeImage_GetPalette(bitmap), FreeImage_GetColorsUsed(bitmap)};
+}
+
+bool hasGrayPalette(FIBITMAP* bitmap) {
+    return std::ranges::all_of(paletteOf(bitmap), [](const RGBQUAD& entry) {
+        return entry.rgbRed == entry.rgbGreen && entry.rgbGreen == entry.rgbBlue;
+    });
+}
+
+/// True where the index already is the grey value.
+bool isGrayRamp(FIBITMAP* bitmap) {
+    const std::span<const RGBQUAD> palette = paletteOf(bitmap);
+    for (std::size_t i = 0; i < palette.size(); ++i) {
+        if (palette[i].rgbRed != i) {
+            return false;
+        }
+    }
+    return FreeImage_GetBPP(bitmap) == 8;
+}
+
+/// The row of a bitmap that is the y-th of the picture from the top.
+template <typename Sample>
+Sample* rowFromTop(FIBITMAP* bitmap, std::size_t y, RowOrder order) {
+    const std::size_t line = order == RowOrder::TOP_FIRST ? y : FreeImage_GetHeight(bitmap) - 1 - y;
+    return reinterpret_cast<Sample*>(FreeImage_GetScanLine(bitmap, static_cast<int>(line)));
+}
+
+PixelBuffer doublesToFloats(FIBITMAP* bitmap, RowOrder order) {
+    PixelBuffer pixels(FreeImage_GetWidth(bitmap), FreeImage_GetHeight(bitmap), SampleLayout::GRAY32F);
+    for (std::size_t y = 0; y < pixels.height(); ++y) {
+        const auto* from = rowFromTop<const double>(bitmap, y, order);
+        std::transform(from, from + pixels.width(), static_cast<float*>(pixels.image().getRowPtr(y)),
+                       [](double value) { return static_cast<float>(value); });
+    }
+    return pixels;
+}
+
+/// 16-bit samples as linear floats.
+ConvertedPixels decodeDepth16(FIBITMAP* bitmap, SampleLayout layout, RowOrder order) {
+    PixelBuffer pixels(FreeImage_GetWidth(bitmap), FreeImage_GetHeight(bitmap), layout);
+    const std::size_t channels = channelCount(layout);
+    const std::size_t samples = channels * pixels.width();
+    const Depth16Decoder decode;
+    img::kernels::forEachRow(pixels.height(), [&, order](std::size_t y) {
+        decode({rowFromTop<const std::uint16_t>(bitmap, y, order), samples},
+               static_cast<float*>(pixels.image().getRowPtr(y)), channels);
+    });
+    return {std::move(pixels), layout};
+}
+
+Bitmap encodeDepth16(const PixelBuffer& pixels, SampleLayout layout, RowOrder order) {
+    Bitmap bitmap = allocateBitmap(storedTypeOf(layout), pixels.width(), pixels.height());
+    const std::size_t channels = channelCount(layout);
+    const std::size_t samples = channels * pixels.width();
+    const Depth16Encoder encode;
+    FIBITMAP* target = bitmap.get();
+    img::kernels::forEachRow(pixels.height(), [&, target, order](std::size_t y) {
+        encode({static_cast<const float*>(pixels.image().getRowPtr(y)), samples},
+               rowFromTop<std::uint16_t>(target, y, order), channels);
+    });
+    return bitmap;
+}
+
+struct Converted {
+    FIBITMAP* bitmap; // the one given where nothing had to be converted
+    SampleLayout stored;
+};
+
+Converted convertPalette(FIBITMAP* bitmap) {
+    if (FreeImage_IsTransparent(bitmap)) {
+        return {FreeImage_ConvertTo32Bits(bitmap), SampleLayout::RGBA8};
+    }
+    if (!hasGrayPalette(bitmap)) {
+        return {FreeImage_ConvertTo24Bits(bitmap), SampleLayout::RGB8};
+    }
+    return {isGrayRamp(bitmap) ? bitmap : FreeImage_ConvertToGreyscale(bitmap), SampleLayout::GRAY8};
+}
+
+Converted convertStandard(FIBITMAP* bitmap) {
+    switch (FreeImage_GetBPP(bitmap)) {
+    case 32: return {bitmap, SampleLayout::RGBA8};
+    case 24: return {bitmap, SampleLayout::RGB8};
+    case 16: return {FreeImage_ConvertTo24Bits(bitmap), SampleLayout::RGB8};
+    default: return convertPalette(bitmap);
+    }
+}
+
+Converted convertStretched(const std::string& name, FIBITMAP* bitmap) {
+    warn(name, "holds numbers without a known range, which are stretched to 8-bit grey");
+    return {FreeImage_ConvertToStandardType(bitmap, TRUE), SampleLayout::GRAY8};
+}
+
+Converted convert(const std::string& name, FIBITMAP* bitmap) {
+    switch (FreeImage_GetImageType(bitmap)) {
+    case FIT_BITMAP: return convertStandard(bitmap);
+    case FIT_FLOAT: return {bitmap, SampleLayout::GRAY32F};
+    case FIT_RGBF: return {bitmap, SampleLayout::RGB32F};
+    case FIT_RGBAF: return {bitmap, SampleLayout::RGBA32F};
+    default: return convertStretched(name, bitmap);
+    }
+}
+
+template <typename Code>
+void unpremultiply(FIBITMAP* bitmap) {
+    constexpr std::size_t CHANNELS = 4;
+    static constexpr std::uint32_t WHITE = std::numeric_limits<Code>::max();
+    img::kernels::forEachRow(FreeImage_GetHeight(bitmap), [bitmap](std::size_t y) {
+        auto* pixel = reinterpret_cast<Code*>(FreeImage_GetScanLine(bitmap, static_cast<int>(y)));
+        for (const Code* end = pixel + CHANNELS * FreeImage_GetWidth(bitmap); pixel != end; pixel += CHANNELS) {
+            const std::uint32_t alpha = pixel[CHANNELS - 1];
+            for (std::size_t i = 0; alpha > 0 && i < CHANNELS - 1; ++i) {
+                pixel[i] = static_cast<Code>(std::min(WHITE, (pixel[i] * WHITE + alpha / 2) / alpha));
+            }
+        }
+    });
+}
+
+} // namespace
+
+ConvertedPixels toWorkingLayout(const std::string& name, Bitmap bitmap, RowOrder order) {
+    switch (FreeImage_GetImageType(bitmap.get())) {
+    case FIT_UINT16: return decodeDepth16(bitmap.get(), SampleLayout::GRAY16, order);
+    case FIT_RGB16: return decodeDepth16(bitmap.get(), SampleLayout::RGB16, order);
+    case FIT_RGBA16: return decodeDepth16(bitmap.get(), SampleLayout::RGBA16, order);
+    case FIT_DOUBLE: return {doublesToFloats(bitmap.get(), order), SampleLayout::GRAY32F};
+    default: break;
+    }
+    const Converted converted = convert(name, bitmap.get());
+    if (converted.bitmap == nullptr) {
+        throw Error(name, "cannot be converted" + inItsWords());
+    }
+    if (converted.bitmap != bitmap.get()) {
+        bitmap.reset(converted.bitmap);
+    }
+    return {takePixels(std::move(bitmap), order), converted.stored};
+}
+
+Bitmap toStoredLayout(const std::string& name, PixelBuffer& pixels, SampleLayout layout, RowOrder order) {
+    if (bitsPerChannel(layout) == 16) {
+        return encodeDepth16(pixels, layout, order);
+    }
+    Bitmap bitmap = wrapPixels(pixels, order);
+    if (layout != SampleLayout::PALETTE8) {
+        return bitmap;
+    }
+    Bitmap palette(FreeImage_ColorQuantizeEx(bitmap.get(), FIQ_WUQUANT, 256, 0, nullptr));
+    if (!palette) {
+        throw Error(name, "its colours cannot be reduced to a palette" + inItsWords());
+    }
+    return palette;
+}
+
+void unpremultiplyCodes(FIBITMAP* bitmap) {
+    FreeImage_GetImageType(bitmap) == FIT_RGBA16 ? unpremultiply<WORD>(bitmap) : unpremultiply<BYTE>(bitmap);
+}
+
+} // namespace zqx::pictures

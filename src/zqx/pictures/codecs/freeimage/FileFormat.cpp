@@ -1,0 +1,135 @@
+// What FreeImage knows of file formats, and what it says of them that is not so.
+#include "zqx/pictures/FileFormat.h"
+
+#include <mutex>
+#include <string_view>
+
+#include "zqx/pictures/codecs/freeimage/FormatIds.h"
+#include "zqx/pictures/files/Error.h"
+
+namespace zqx::pictures {
+
+namespace {
+
+/// In the order of FileFormat.
+constexpr FREE_IMAGE_FORMAT IDS[FILE_FORMAT_COUNT] = {
+    FIF_BMP, FIF_CUT,   FIF_DDS,    FIF_EXR,  FIF_FAXG3, FIF_GIF, FIF_HDR,    FIF_ICO,    FIF_IFF, FIF_J2K,
+    FIF_JNG, FIF_JP2,   FIF_JPEG,   FIF_JXR,  FIF_KOALA, FIF_MNG, FIF_PBM,    FIF_PBMRAW, FIF_PCD, FIF_PCX,
+    FIF_PFM, FIF_PGM,   FIF_PGMRAW, FIF_PICT, FIF_PNG,   FIF_PPM, FIF_PPMRAW, FIF_PSD,    FIF_RAS, FIF_RAW,
+    FIF_SGI, FIF_TARGA, FIF_TIFF,   FIF_WBMP, FIF_WEBP,  FIF_XBM, FIF_XPM};
+
+int bitsPerPixelOf(SampleLayout layout) {
+    return static_cast<int>(channelCount(layout)) * bitsPerChannel(layout);
+}
+
+} // namespace
+
+FREE_IMAGE_FORMAT idOf(FileFormat format) {
+    return format == FileFormat::UNKNOWN ? FIF_UNKNOWN : IDS[static_cast<std::size_t>(format)];
+}
+
+FileFormat formatOfId(FREE_IMAGE_FORMAT id) {
+    for (std::size_t i = 0; i < FILE_FORMAT_COUNT; ++i) {
+        if (IDS[i] == id) {
+            return static_cast<FileFormat>(i);
+        }
+    }
+    return FileFormat::UNKNOWN;
+}
+
+FREE_IMAGE_TYPE storedTypeOf(SampleLayout layout) {
+    switch (layout) {
+    case SampleLayout::GRAY32F: return FIT_FLOAT;
+    case SampleLayout::RGB32F: return FIT_RGBF;
+    case SampleLayout::RGBA32F: return FIT_RGBAF;
+    case SampleLayout::GRAY16: return FIT_UINT16;
+    case SampleLayout::RGB16: return FIT_RGB16;
+    case SampleLayout::RGBA16: return FIT_RGBA16;
+    default: return FIT_BITMAP;
+    }
+}
+
+const char* nameOf(FileFormat format) {
+    const char* name = FreeImage_GetFormatFromFIF(idOf(format));
+    return name != nullptr ? name : "unknown";
+}
+
+const char* descriptionOf(FileFormat format) {
+    const char* description = FreeImage_GetFIFDescription(idOf(format));
+    return description != nullptr ? description : "unknown";
+}
+
+std::vector<std::string> extensionsOf(FileFormat format) {
+    std::vector<std::string> extensions;
+    const char* list = FreeImage_GetFIFExtensionList(idOf(format));
+    for (std::string_view rest(list != nullptr ? list : ""); !rest.empty();) {
+        const std::size_t comma = rest.find(',');
+        extensions.emplace_back(rest.substr(0, comma));
+        rest.remove_prefix(comma == std::string_view::npos ? rest.size() : comma + 1);
+    }
+    return extensions;
+}
+
+bool canRead(FileFormat format) {
+    return format != FileFormat::UNKNOWN && FreeImage_FIFSupportsReading(idOf(format)) != 0;
+}
+
+bool canWrite(FileFormat format) {
+    // There is an encoder for JPEG XR, but it fails on every picture when it writes to a stream.
+    return format != FileFormat::UNKNOWN && format != FileFormat::JXR &&
+           FreeImage_FIFSupportsWriting(idOf(format)) != 0;
+}
+
+/// FreeImage names what its encoders accept, which is not always what the file then is.
+bool holds(FileFormat format, SampleLayout layout) {
+    switch (format) {
+    case FileFormat::UNKNOWN: return false;
+    case FileFormat::PSD:
+        if (!hasColor(layout) && layout != SampleLayout::GRAY16) {
+            return false; // its other grey files come out with a broken header, which FreeImage cannot read back itself
+        }
+        break;
+    case FileFormat::JPEG:
+        if (layout == SampleLayout::RGBA8) {
+            return false; // four channels of a JPEG are printing inks
+        }
+        break;
+    case FileFormat::PBM:
+    case FileFormat::PBMRAW: return false; // black and white only; anything else would be another format
+    case FileFormat::PGM:
+    case FileFormat::PGMRAW: return layout == SampleLayout::GRAY8 || layout == SampleLayout::GRAY16;
+    case FileFormat::PPM:
+    case FileFormat::PPMRAW: return layout == SampleLayout::RGB8 || layout == SampleLayout::RGB16;
+    default: break;
+    }
+    if (layout == SampleLayout::PALETTE8) {
+        return FreeImage_FIFSupportsExportBPP(idOf(format), 8) != 0;
+    }
+    const FREE_IMAGE_TYPE type = storedTypeOf(layout);
+    return type == FIT_BITMAP ? FreeImage_FIFSupportsExportBPP(idOf(format), bitsPerPixelOf(layout)) != 0
+                              : FreeImage_FIFSupportsExportType(idOf(format), type) != 0;
+}
+
+bool holdsColorProfile(FileFormat format) {
+    return format != FileFormat::UNKNOWN && FreeImage_FIFSupportsICCProfiles(idOf(format)) != 0;
+}
+
+FileFormat formatOfName(const std::string& name) {
+    static std::mutex mutex; // FreeImage takes names apart with strtok, whose place is one for all threads
+    const std::lock_guard lock(mutex);
+    return formatOfId(FreeImage_GetFIFFromFilename(name.c_str()));
+}
+
+FileFormat outputFormat(const std::string& name) {
+    const FileFormat format = formatOfName(name);
+    if (format == FileFormat::UNKNOWN) {
+        throw UsageError(name, "no picture format has this extension, use one such as .png, .jpg or .tif");
+    }
+    if (!canWrite(format)) {
+        throw UsageError(name, std::string(nameOf(format)) +
+                                   " files can only be read, use an extension such as .png, .jpg or .tif");
+    }
+    return format;
+}
+
+} // namespace zqx::pictures

@@ -1,0 +1,226 @@
+// What is asked of FreeImage's decoders, and what is not believed of their results.
+#include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
+
+#include <atomic>
+#include <utility>
+
+#include <qutil/SehException.h>
+#include <qutil/SehTranslator.h>
+
+#include "zqx/pictures/bytes/TiffLayout.h"
+#include "zqx/pictures/codecs/MetadataMask.h"
+#include "zqx/pictures/codecs/freeimage/BitmapConversion.h"
+#include "zqx/pictures/codecs/freeimage/BitmapMetadata.h"
+#include "zqx/pictures/codecs/freeimage/FormatIds.h"
+#include "zqx/pictures/codecs/freeimage/FreeImageMessages.h"
+#include "zqx/pictures/codecs/freeimage/FreeImageStream.h"
+#include "zqx/pictures/files/Error.h"
+
+namespace zqx::pictures {
+
+namespace {
+
+std::atomic<bool> gFaultsAreErrors = true;
+
+/// Several decoders fill up what is missing at the end of a file without a word. What a complete file lets its decoder
+/// read differs: some never read a byte too many, some read ahead in blocks, and some check for themselves.
+bool isCutShort(const FreeImageStream& stream, FileFormat format) {
+    switch (format) {
+    case FileFormat::BMP:
+    case FileFormat::EXR:
+    case FileFormat::HDR:
+    case FileFormat::PBM:
+    case FileFormat::PBMRAW:
+    case FileFormat::PGM:
+    case FileFormat::PGMRAW:
+    case FileFormat::PPM:
+    case FileFormat::PPMRAW:
+    case FileFormat::PSD:
+    case FileFormat::RAS:
+    case FileFormat::SGI: return stream.wasReadShort();
+    case FileFormat::JPEG:
+    case FileFormat::PCX:
+    case FileFormat::TARGA: return stream.wasReadAtEnd();
+    default: return false;
+    }
+}
+
+int loadFlags(FileFormat format) {
+    switch (format) {
+    case FileFormat::JPEG: return JPEG_ACCURATE;
+    case FileFormat::ICO: return ICO_MAKEALPHA;
+    case FileFormat::RAW:
+        return RAW_DISPLAY; // the default is linear light in 16 bits, which would be taken for encoded colour
+    default: return 0;
+    }
+}
+
+/// FreeImage takes the samples of these for something else.
+void refuseMisreadTiff(const std::string& name, const TiffLayout& layout) {
+    if (layout.samplesPerPixel == 2 && layout.bitsPerSample == 16) {
+        throw Error(name,
+                    "is 16-bit grey with transparency, which cannot be read from TIFF files, convert it to colour");
+    }
+    if (layout.samplesPerPixel == 1 && layout.bitsPerSample == 16 && layout.floats) {
+        throw Error(name, "is grey in half floats, which cannot be read from TIFF files, convert it to 32-bit floats");
+    }
+    if (layout.samplesPerPixel == 2) {
+        warn(name, "is grey with transparency, which cannot be read in full from TIFF files, convert it to colour");
+    }
+}
+
+/// What the colours are, once those of a file that multiplies stored numbers by alpha are divided.
+AlphaKind alphaKindOf(FIBITMAP* bitmap, FileFormat format, const TiffLayout& layout) {
+    switch (FreeImage_GetImageType(bitmap)) {
+    case FIT_RGBAF:
+        return format == FileFormat::EXR || layout.associatedAlpha ? AlphaKind::PREMULTIPLIED : AlphaKind::STRAIGHT;
+    case FIT_BITMAP:
+    case FIT_RGBA16:
+        if (layout.associatedAlpha && FreeImage_GetColorType(bitmap) == FIC_RGBALPHA) {
+            unpremultiplyCodes(bitmap);
+        }
+        break;
+    default: break;
+    }
+    return AlphaKind::STRAIGHT;
+}
+
+/// Empty where FreeImage refuses. @throws Error when the file brings its decoder down
+Bitmap tryDecode(FreeImageStream& stream, const std::string& name, FileFormat format, int flags) {
+    listenToFreeImage();
+    if (!gFaultsAreErrors) {
+        return Bitmap(stream.decode(idOf(format), flags));
+    }
+    try {
+        const qutil::SehTranslator translator; // FreeImage's decoders trust what damaged files say of themselves
+        return Bitmap(stream.decode(idOf(format), flags));
+    } catch (const qutil::SehException&) {
+        throw Error(name, std::string("brought the ") + nameOf(format) + " decoder down, the file must be damaged");
+    }
+}
+
+/// With FreeImage's words in the failure. @throws Error
+Bitmap decode(FreeImageStream& stream, const std::string& name, FileFormat format, int flags) {
+    Bitmap bitmap = tryDecode(stream, name, format, flags);
+    if (!bitmap) {
+        throw Error(name,
+                    std::string("cannot be read as ") + nameOf(format) + inItsWords() + ", the file may be damaged");
+    }
+    return bitmap;
+}
+
+PictureSize sizeOf(const Bitmap& bitmap) {
+    return {FreeImage_GetWidth(bitmap.get()), FreeImage_GetHeight(bitmap.get()), FreeImage_GetBPP(bitmap.get())};
+}
+
+/// @throws Error for what cannot be worked with
+void checkBitmap(const std::string& name, const Bitmap& bitmap, const Limits& limits) {
+    if (!FreeImage_HasPixels(bitmap.get())) {
+        throw Error(name, "holds no pixels");
+    }
+    checkPictureSize(name, sizeOf(bitmap), limits); // a header may lie, or tell nothing
+    if (FreeImage_GetColorType(bitmap.get()) == FIC_CMYK) {
+        throw Error(name, "is in printing inks (CMYK), convert it to RGB first");
+    }
+}
+
+const char* nameOf(FREE_IMAGE_TYPE type) {
+    switch (type) {
+    case FIT_BITMAP: return "8-bit or less";
+    case FIT_UINT16: return "unsigned 16-bit";
+    case FIT_INT16: return "signed 16-bit";
+    case FIT_UINT32: return "unsigned 32-bit";
+    case FIT_INT32: return "signed 32-bit";
+    case FIT_FLOAT: return "32-bit float";
+    case FIT_DOUBLE: return "64-bit float";
+    case FIT_COMPLEX: return "complex";
+    case FIT_RGB16: return "unsigned 16-bit, three channels";
+    case FIT_RGBA16: return "unsigned 16-bit, four channels";
+    case FIT_RGBF: return "32-bit float, three channels";
+    case FIT_RGBAF: return "32-bit float, four channels";
+    default: return "unknown";
+    }
+}
+
+const char* nameOf(FREE_IMAGE_COLOR_TYPE type) {
+    switch (type) {
+    case FIC_MINISWHITE: return "grey, 0 is white";
+    case FIC_MINISBLACK: return "grey";
+    case FIC_RGB: return "RGB";
+    case FIC_PALETTE: return "palette";
+    case FIC_RGBALPHA: return "RGB with alpha";
+    case FIC_CMYK: return "CMYK";
+    }
+    return "unknown";
+}
+
+} // namespace
+
+void dieOfFaults() {
+    gFaultsAreErrors = false;
+}
+
+FileFormat detectFormat(InputFile& file) {
+    FileFormat format = formatOfId(FreeImageStream(file).detectFormat());
+    if (format == FileFormat::UNKNOWN) {
+        format = formatOfName(file.name());
+    }
+    if (!canRead(format)) {
+        throw Error(file.name(), "is not a picture in a known format");
+    }
+    return format;
+}
+
+std::optional<PictureSize> sizeByFreeImage(InputFile& file, FileFormat format) {
+    if (!FreeImage_FIFSupportsNoPixels(idOf(format))) {
+        return std::nullopt;
+    }
+    FreeImageStream stream(file, maskMetadata(file, format));
+    const Bitmap header = tryDecode(stream, file.name(), format, FIF_LOAD_NOPIXELS);
+    if (!header) {
+        return std::nullopt; // the decoder says more when it is asked for the pixels
+    }
+    return sizeOf(header);
+}
+
+Picture decodeByFreeImage(InputFile& file, FileFormat format, const Limits& limits) {
+    const std::string& name = file.name();
+    const TiffLayout layout = format == FileFormat::TIFF ? readTiffLayout(file).value_or(TiffLayout{}) : TiffLayout{};
+    refuseMisreadTiff(name, layout);
+    FreeImageStream stream(file, maskMetadata(file, format));
+    Bitmap bitmap = decode(stream, name, format, loadFlags(format));
+    if (isCutShort(stream, format)) {
+        throw Error(name, "is cut short" + inItsWords() + ", get a complete copy");
+    }
+    if (!freeImageMessages().empty()) {
+        warn(name, freeImageMessages());
+    }
+    checkBitmap(name, bitmap, limits);
+    Picture picture;
+    picture.metadata = metadataOf(bitmap.get());
+    picture.alpha = alphaKindOf(bitmap.get(), format, layout);
+    ConvertedPixels converted = toWorkingLayout(name, std::move(bitmap), rowOrderOf(idOf(format)));
+    picture.pixels = std::move(converted.pixels);
+    picture.stored = converted.stored;
+    return picture;
+}
+
+PixelDescription describeByFreeImage(InputFile& file, FileFormat format) {
+    FreeImageStream stream(file, maskMetadata(file, format));
+    const int flags = FreeImage_FIFSupportsNoPixels(idOf(format)) ? FIF_LOAD_NOPIXELS : 0;
+    const Bitmap bitmap = decode(stream, file.name(), format, flags);
+    const PictureSize size = sizeOf(bitmap);
+    return {size.width,
+            size.height,
+            size.bitsPerPixel,
+            nameOf(FreeImage_GetImageType(bitmap.get())),
+            nameOf(FreeImage_GetColorType(bitmap.get())),
+            FreeImage_IsTransparent(bitmap.get()) != 0,
+            metadataOf(bitmap.get())};
+}
+
+std::string freeImageVersion() {
+    return FreeImage_GetVersion();
+}
+
+} // namespace zqx::pictures
