@@ -12,7 +12,7 @@ constexpr text::JsonLayout ONE_LINE{.decimals = 6};
 
 using Status = PictureRecord::Status;
 
-const char* nameOf(Status status) {
+const char* toString(Status status) {
     switch (status) {
     case Status::WRITTEN: return "written";
     case Status::SKIPPED: return "skipped";
@@ -53,7 +53,7 @@ std::string toJson(const PictureRecord& record) {
     if (!record.output.empty()) {
         json.member("output", record.output);
     }
-    json.member("status", nameOf(record.status));
+    json.member("status", toString(record.status));
     if (!record.reason.empty()) {
         json.member("reason", record.reason);
     }
