@@ -12,7 +12,6 @@
 
 #include <zqx/tools/Compare.h>
 #include <zqx/tools/MemoryGate.h>
-#include <zqx/tools/OutputCheck.h>
 
 #include "commands/Commands.h"
 #include "commands/ResultFile.h"
@@ -191,9 +190,7 @@ void printJson(const CompareOptions& options, const Picture& a, const Picture& b
 void runCompare(const CompareOptions& options) {
     const double tolerance = parseTolerance(options.tolerance);
     if (!options.picture.empty()) {
-        static_cast<void>(outputFormat(options.picture));
-        checkOutputs({options.files[0], options.files[1]}, {{"--difference", options.picture}});
-        OutputFile::check(options.picture);
+        checkResultFile(options.picture, {options.files[0], options.files[1]});
     }
     requireMemory({{options.files[0], options.files[1]}, {}}, options.memory);
     Picture a = loadPicture(options.files[0], options.loading);

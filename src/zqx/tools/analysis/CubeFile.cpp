@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "kernels/ScalarMaths.h"
+#include "kernels/Lattice.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
@@ -17,30 +17,6 @@ namespace zqx::tools {
 using namespace pictures;
 
 namespace {
-
-constexpr double GAMMA = 2.2; // of the encoded formats
-
-std::vector<float> bakeEncoded(const img::ColorGrading& grading, std::size_t size) {
-    std::vector<float> axis(size);
-    for (std::size_t i = 0; i < size; ++i) {
-        axis[i] =
-            static_cast<float>(img::kernels::maths::pow(static_cast<double>(i) / static_cast<double>(size - 1), GAMMA));
-    }
-    std::vector<float> table(3 * size * size * size);
-    for (std::size_t i = 0; i < table.size(); i += 3) {
-        const std::size_t point = i / 3;
-        table[i] = axis[point % size];
-        table[i + 1] = axis[point / size % size];
-        table[i + 2] = axis[point / size / size];
-    }
-    img::Image lattice(table.data(), size * size, size, img::Image::RGB32F, 0);
-    grading.apply(lattice, lattice);
-    for (float& value : table) {
-        value =
-            static_cast<float>(img::kernels::maths::pow(std::clamp(static_cast<double>(value), 0.0, 1.0), 1.0 / GAMMA));
-    }
-    return table;
-}
 
 /// Plain decimals that read back as the same float; not every reader of the format knows exponents.
 void appendNumber(std::string& line, float value) {
@@ -72,11 +48,15 @@ void writePoints(OutputFile& file, const std::vector<float>& table) {
 } // namespace
 
 std::vector<float> bakeLattice(const img::ColorGrading& grading, std::size_t size, bool linear) {
-    if (!linear) {
-        return bakeEncoded(grading, size);
-    }
     std::vector<float> table(3 * size * size * size);
-    grading.generate3DLUT_RGB32F(size, table.data());
+    if (linear) {
+        grading.generate3DLUT_RGB32F(size, table.data());
+    } else {
+        img::kernels::fillEncodedLattice(size, table);
+        img::Image lattice(table.data(), size * size, size, img::Image::RGB32F, 0);
+        grading.apply(lattice, lattice);
+        img::kernels::encodeInPlace(table);
+    }
     return table;
 }
 
