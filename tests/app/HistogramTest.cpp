@@ -28,7 +28,7 @@ Histogram greyHistogram(std::size_t code, std::uint64_t count) {
 } // namespace
 
 TEST(HistogramTest, AsManyBinsAsCodesAreTheCodes) {
-    const std::vector<double> bins = rebinned(ramp(), CODES);
+    const std::vector<double> bins = rebinned(ramp(), HISTOGRAM_BINS);
     EXPECT_EQ(bins.front(), 1.0);
     EXPECT_EQ(bins[100], 101.0);
     EXPECT_EQ(bins.back(), 256.0);

@@ -1,32 +1,26 @@
 // compare: how much two picture files differ, in numbers and as a picture.
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include <CLI/CLI.hpp>
-
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
+
+#include <zqx/tools/Compare.h>
 #include <zqx/tools/MemoryGate.h>
 
 #include "commands/Commands.h"
 #include "commands/ResultFile.h"
-#include "kernels/ScalarMaths.h"
 #include "options/MemoryOption.h"
 #include "options/ReadingOptions.h"
-#include "zqx/pictures/codecs/Alpha.h"
 #include "zqx/pictures/codecs/Decode.h"
-#include "zqx/pictures/codecs/Depth16.h"
-#include "zqx/pictures/codecs/Encode.h"
 #include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/Error.h"
 
@@ -49,159 +43,13 @@ struct CompareOptions {
     bool json = false;
 };
 
-/// Pictures that are both encoded are compared by their codes, others by linear light.
-struct Scale {
-    bool encoded;
-    double white; ///< the number that stands for 1
-};
-
-Scale commonScale(const Picture& a, const Picture& b) {
-    const int depth = std::max(bitsPerChannel(a.stored), bitsPerChannel(b.stored));
-    return {depth < 32, depth == 8 ? 255.0 : depth == 16 ? 65535.0 : 1.0};
-}
-
 std::size_t channelsOf(const Picture& picture) {
-    return channelCount(picture.stored);
+    return channelCount(picture.pixels.layout());
 }
 
 const char* channelName(std::size_t channel, std::size_t channels) {
     static constexpr const char* NAMES[] = {"red", "green", "blue", "alpha"};
     return channels == 1 ? "grey" : NAMES[channel];
-}
-
-/// Hands out the numbers of a picture on a scale, row by row from the top, the channels of a pixel in the order of
-/// their names.
-class Numbers {
-public:
-    Numbers(const Picture& picture, Scale scale)
-        : mPicture(picture), mScale(scale), mChannels(channelsOf(picture)), mValues(picture.width() * mChannels) {}
-
-    const std::vector<double>& row(unsigned y) {
-        const void* row = mPicture.image().getRowPtr(y);
-        if (mPicture.image().hasFloatFormat()) {
-            readFloats(static_cast<const float*>(row));
-        } else {
-            readBytes(static_cast<const unsigned char*>(row));
-        }
-        return mValues;
-    }
-
-private:
-    bool isAlpha(std::size_t i) const { return mChannels == 4 && i % 4 == 3; }
-
-    void readFloats(const float* row) {
-        for (std::size_t i = 0; i < mValues.size(); ++i) {
-            mValues[i] = !mScale.encoded ? row[i] : isAlpha(i) ? encodeUnit16(row[i]) : encode16(row[i]);
-        }
-    }
-
-    void readBytes(const unsigned char* row) {
-        static constexpr std::array<std::size_t, 4> BLUE_FIRST = {2, 1, 0, 3};
-        const bool reversed = mPicture.image().isBGR();
-        const double step = mScale.white / 255.0; // a whole number of codes of 16 bits, too
-        for (std::size_t i = 0; i < mValues.size(); ++i) {
-            const std::size_t channel = i % mChannels;
-            const unsigned char byte = row[i - channel + (reversed ? BLUE_FIRST[channel] : channel)];
-            mValues[i] = mScale.encoded ? byte * step
-                         : isAlpha(i)   ? byte / 255.0
-                                        : static_cast<double>(img::srgb2linear(byte));
-        }
-    }
-
-    const Picture& mPicture;
-    Scale mScale;
-    std::size_t mChannels;
-    std::vector<double> mValues;
-};
-
-/// Two of a kind are equal, also two that are no numbers; a number and none are infinitely far from each other.
-double distance(double a, double b) {
-    if (a == b || (std::isnan(a) && std::isnan(b))) {
-        return 0.0;
-    }
-    const double difference = std::abs(a - b);
-    return std::isnan(difference) ? std::numeric_limits<double>::infinity() : difference;
-}
-
-/// What a comparison finds. Differences are on the scale.
-struct Findings {
-    double largest = 0.0;
-    unsigned x = 0;
-    unsigned y = 0;
-    std::size_t channel = 0;
-    double sum = 0.0;
-    double sumOfSquares = 0.0;
-    std::uint64_t differingPixels = 0;
-};
-
-void add(Findings& findings, const std::vector<double>& a, const std::vector<double>& b, unsigned y,
-         std::size_t channels) {
-    for (std::size_t first = 0; first < a.size(); first += channels) {
-        bool differs = false;
-        for (std::size_t channel = 0; channel < channels; ++channel) {
-            const double difference = distance(a[first + channel], b[first + channel]);
-            findings.sum += difference;
-            findings.sumOfSquares += difference * difference;
-            differs |= difference > 0.0;
-            if (difference > findings.largest) {
-                findings.largest = difference;
-                findings.x = static_cast<unsigned>(first / channels);
-                findings.y = y;
-                findings.channel = channel;
-            }
-        }
-        findings.differingPixels += differs ? 1 : 0;
-    }
-}
-
-Findings compare(const Picture& a, const Picture& b, Scale scale) {
-    Numbers left(a, scale);
-    Numbers right(b, scale);
-    Findings findings;
-    for (unsigned y = 0; y < a.height(); ++y) {
-        add(findings, left.row(y), right.row(y), y, channelsOf(a));
-    }
-    return findings;
-}
-
-/// The differences so much brighter that the largest one is white; differences of alpha brighten all channels.
-PixelBuffer paintDifferences(const Picture& a, const Picture& b, Scale scale, double largest) {
-    const std::size_t channels = channelsOf(a);
-    const std::size_t painted = std::min<std::size_t>(channels, 3);
-    PixelBuffer picture(a.width(), a.height(), painted == 1 ? SampleLayout::GRAY8 : SampleLayout::RGB8);
-    const double factor = largest > 0.0 ? 255.0 / largest : 0.0;
-    const auto shade = [=](double difference) { // any difference at all is to be seen
-        return static_cast<unsigned char>(std::isfinite(difference) ? std::min(std::ceil(factor * difference), 255.0)
-                                                                    : 255.0);
-    };
-    Numbers left(a, scale);
-    Numbers right(b, scale);
-    for (unsigned y = 0; y < a.height(); ++y) {
-        const std::vector<double>& from = left.row(y);
-        const std::vector<double>& to = right.row(y);
-        auto* row = static_cast<unsigned char*>(picture.image().getRowPtr(y));
-        for (unsigned x = 0; x < a.width(); ++x) {
-            const std::size_t at = x * channels;
-            const double alpha = channels == 4 ? distance(from[at + 3], to[at + 3]) : 0.0;
-            for (std::size_t channel = 0; channel < painted; ++channel) {
-                const double difference = std::max(distance(from[at + channel], to[at + channel]), alpha);
-                row[(x + 1) * painted - 1 - channel] = shade(difference);
-            }
-        }
-    }
-    return picture;
-}
-
-void writeDifferences(const std::string& name, FileFormat format, const Picture& a, const Picture& b, Scale scale,
-                      double largest) {
-    const SampleLayout painted = hasColor(a.stored) ? SampleLayout::RGB8 : SampleLayout::GRAY8;
-    const SampleLayout layout = chooseLayout(name, format, painted);
-    PixelBuffer pixels = paintDifferences(a, b, scale, largest);
-    Picture plain; // nothing travels beside these pixels
-    plain.stored = painted;
-    OutputFile file(name);
-    encodePicture(file, name, format, std::move(pixels), layout, plain, WriteOptions());
-    file.commit();
 }
 
 /// A number, or a fraction such as 2/255.
@@ -224,7 +72,7 @@ double parseTolerance(const std::string& text) {
     return divisor > 0.0 ? number(std::string_view(text).substr(0, slash)) / divisor : fail();
 }
 
-std::string sizeOf(const Picture& picture) {
+std::string formatSize(const Picture& picture) {
     return std::to_string(picture.width()) + " x " + std::to_string(picture.height());
 }
 
@@ -237,8 +85,8 @@ std::optional<std::string> obstacle(const CompareOptions& options, const Picture
     const auto sentence = [&options](const std::string& left, const std::string& right) {
         return options.files[0] + " is " + left + ", " + options.files[1] + " is " + right;
     };
-    if (sizeOf(a) != sizeOf(b)) {
-        return sentence(sizeOf(a), sizeOf(b));
+    if (formatSize(a) != formatSize(b)) {
+        return sentence(formatSize(a), formatSize(b));
     }
     if (channelsOf(a) != channelsOf(b)) {
         return sentence(channelsInWords(a), channelsInWords(b));
@@ -246,22 +94,15 @@ std::optional<std::string> obstacle(const CompareOptions& options, const Picture
     return std::nullopt;
 }
 
-/// The result in the units that people and programs are told.
+/// The result in the units that people and programs are told: white is 1.
 struct Report {
     const Picture& a;
     const Picture& b;
-    Scale scale;
-    Findings findings;
+    Comparison found;
     double tolerance;
 
-    double pixels() const { return static_cast<double>(a.width()) * a.height(); }
-    double numbers() const { return pixels() * static_cast<double>(channelsOf(a)); }
-    double largest() const { return findings.largest / scale.white; }
-    double mean() const { return findings.sum / numbers() / scale.white; }
-    /// Peak signal-to-noise ratio in decibels, the peak being 1; infinite for equal pictures.
-    double psnr() const {
-        return -10.0 * img::kernels::maths::log10(findings.sumOfSquares / numbers() / (scale.white * scale.white));
-    }
+    double largest() const { return found.largest / found.scale.white; }
+    double mean() const { return found.mean / found.scale.white; }
     bool isEqual() const { return largest() <= tolerance; }
 };
 
@@ -275,32 +116,33 @@ std::string inDigits(double value, const char* format = "%.6g") {
 }
 
 /// "0.0117647", and the steps of the scale where it has some.
-std::string inSteps(double normalised, Scale scale) {
+std::string inSteps(double normalised, ComparisonScale scale) {
     return inDigits(normalised) +
            (scale.encoded ? " (" + inDigits(normalised * scale.white) + " of " + inDigits(scale.white) + ")" : "");
 }
 
 void printText(const CompareOptions& options, const Report& report) {
-    const Findings& findings = report.findings;
+    const Comparison& found = report.found;
     const auto line = [](const char* label, const std::string& text) {
         std::printf("%-19s %s\n", label, text.c_str());
     };
     for (const auto& [file, picture] :
          {std::pair(options.files[0], &report.a), std::pair(options.files[1], &report.b)}) {
         line(picture == &report.a ? "first" : "second",
-             file + ", " + sizeOf(*picture) + ", " + nameOf(picture->stored));
+             file + ", " + formatSize(*picture) + ", " + nameOf(picture->stored));
     }
-    line("compared as", report.scale.encoded ? "stored numbers, white is 1" : "linear light, white is 1");
-    std::string largest = inSteps(report.largest(), report.scale);
-    if (findings.largest > 0.0) {
-        largest += std::string(", ") + channelName(findings.channel, channelsOf(report.a)) + " of pixel " +
-                   std::to_string(findings.x) + ", " + std::to_string(findings.y);
+    line("compared as", report.found.scale.encoded ? "stored numbers, white is 1" : "linear light, white is 1");
+    std::string largest = inSteps(report.largest(), report.found.scale);
+    if (found.largest > 0.0) {
+        largest += std::string(", ") + channelName(found.channel, channelsOf(report.a)) + " of pixel " +
+                   std::to_string(found.x) + ", " + std::to_string(found.y);
     }
     line("largest difference", largest);
-    line("mean difference", inSteps(report.mean(), report.scale));
-    line("PSNR", inDigits(report.psnr(), "%.2f") + (std::isinf(report.psnr()) ? "" : " dB"));
-    line("differing pixels", std::to_string(findings.differingPixels) + " of " + inDigits(report.pixels(), "%.0f"));
-    line("result", findings.largest == 0.0 ? "equal" : report.isEqual() ? "equal within the tolerance" : "different");
+    line("mean difference", inSteps(report.mean(), report.found.scale));
+    line("PSNR", inDigits(report.found.psnr, "%.2f") + (std::isinf(report.found.psnr) ? "" : " dB"));
+    line("differing pixels",
+         std::to_string(found.differingPixels) + " of " + inDigits(static_cast<double>(report.found.pixels), "%.0f"));
+    line("result", found.largest == 0.0 ? "equal" : report.isEqual() ? "equal within the tolerance" : "different");
 }
 
 using JsonWriter = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
@@ -332,22 +174,22 @@ void describe(JsonWriter& writer, const char* name, const std::string& file, con
 }
 
 void writeFindings(JsonWriter& writer, const Report& report) {
-    member(writer, "scale", std::string(report.scale.encoded ? "stored" : "linear"));
+    member(writer, "scale", std::string(report.found.scale.encoded ? "stored" : "linear"));
     member(writer, "tolerance", report.tolerance);
     member(writer, "largest", report.largest());
     writer.Key("largestAt");
-    if (report.findings.largest > 0.0) {
+    if (report.found.largest > 0.0) {
         writer.StartObject();
-        member(writer, "x", std::uint64_t{report.findings.x});
-        member(writer, "y", std::uint64_t{report.findings.y});
-        member(writer, "channel", std::string(channelName(report.findings.channel, channelsOf(report.a))));
+        member(writer, "x", std::uint64_t{report.found.x});
+        member(writer, "y", std::uint64_t{report.found.y});
+        member(writer, "channel", std::string(channelName(report.found.channel, channelsOf(report.a))));
         writer.EndObject();
     } else {
         writer.Null();
     }
     member(writer, "mean", report.mean());
-    member(writer, "psnr", report.psnr());
-    member(writer, "differingPixels", report.findings.differingPixels);
+    member(writer, "psnr", report.found.psnr);
+    member(writer, "differingPixels", report.found.differingPixels);
 }
 
 void printJson(const CompareOptions& options, const Picture& a, const Picture& b, const char* result,
@@ -366,19 +208,9 @@ void printJson(const CompareOptions& options, const Picture& a, const Picture& b
     std::puts(buffer.GetString());
 }
 
-/// The same kind of alpha in both: products of alpha with colour are compared with their like, or not at all.
-void alignAlpha(Picture& a, Picture& b) {
-    if (a.alpha != b.alpha) {
-        straightenAlpha(a);
-        straightenAlpha(b);
-    }
-}
-
 void runCompare(const CompareOptions& options) {
     const double tolerance = parseTolerance(options.tolerance);
-    FileFormat format = FileFormat::UNKNOWN;
     if (!options.picture.empty()) {
-        format = outputFormat(options.picture);
         checkResultFile(options.picture, {options.files[0], options.files[1]});
     }
     requireMemory({{options.files[0], options.files[1]}, {}}, options.memory);
@@ -393,10 +225,10 @@ void runCompare(const CompareOptions& options) {
         throw ExitCode{INCOMPARABLE};
     }
     alignAlpha(a, b);
-    const Scale scale = commonScale(a, b);
-    const Report report{a, b, scale, compare(a, b, scale), tolerance};
+    const Report report{a, b, compare(a, b), tolerance};
     if (!options.picture.empty()) {
-        writeDifferences(options.picture, format, a, b, scale, report.findings.largest);
+        const PixelBuffer differences = paintDifferences(a, b, report.found);
+        writeResultFile(options.picture, differences.image(), differences.layout(), Picture(), WriteOptions());
     }
     if (options.json) {
         printJson(options, a, b, report.isEqual() ? "equal" : "different", &report);

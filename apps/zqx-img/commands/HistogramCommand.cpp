@@ -5,9 +5,9 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
-
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
+
 #include <zqx/tools/MemoryGate.h>
 
 #include "commands/Commands.h"
@@ -42,12 +42,12 @@ struct HistogramOptions {
     bool json = false;
 };
 
-std::string fileNameOf(const std::string& name) {
+std::string baseName(const std::string& name) {
     const std::u8string last = toPath(name).filename().u8string();
     return {last.begin(), last.end()};
 }
 
-std::string subtitleOf(const Picture& picture) {
+std::string makeSubtitle(const Picture& picture) {
     return std::to_string(picture.width()) + " x " + std::to_string(picture.height()) + ", " + nameOf(picture.stored);
 }
 
@@ -107,9 +107,9 @@ void runHistogram(const HistogramOptions& options) {
     straightenAlpha(source);
     connect(pipeline, source);
     const Histogram histogram = countValues(render(pipeline, source, source.pixels.layout()).image());
-    const std::string title = harmless(fileNameOf(options.input));
+    const std::string title = harmless(baseName(options.input));
     if (!options.output.empty() || options.showing.wanted()) {
-        const PixelBuffer chart = drawChart(histogram, title, subtitleOf(source));
+        const PixelBuffer chart = drawChart(histogram, title, makeSubtitle(source));
         if (!options.output.empty()) {
             writeResultFile(options.output, chart.image(), SampleLayout::RGB8, Picture(), WriteOptions());
         }
@@ -117,7 +117,7 @@ void runHistogram(const HistogramOptions& options) {
             options.showing.show(chart.image());
         }
     } else if (!options.json) {
-        print(drawAsText(histogram, title + "  " + subtitleOf(source),
+        print(drawAsText(histogram, title + "  " + makeSubtitle(source),
                          {terminalSize().columns, showsUnicode(), wantsColor()}));
     }
     if (options.json) {

@@ -1,18 +1,14 @@
 // lut: the grading as a .cube table, for other programs.
 #include <algorithm>
 #include <cctype>
-#include <charconv>
-#include <cmath>
-#include <limits>
 #include <memory>
-#include <vector>
 
 #include <CLI/CLI.hpp>
 
+#include <zqx/tools/CubeFile.h>
 #include <zqx/tools/OutputCheck.h>
 
 #include "commands/Commands.h"
-#include "kernels/ScalarMaths.h"
 #include "options/ParameterOptions.h"
 #include "options/Validators.h"
 #include "zqx/pictures/files/Error.h"
@@ -27,69 +23,11 @@ using namespace tools;
 
 namespace {
 
-constexpr double GAMMA = 2.2;
-
 struct LutOptions {
     ParameterOptions adjustments;
     std::string output;
-    std::string title;
-    std::size_t size = 33;
-    bool linear = false;
+    CubeOptions table;
 };
-
-/// Grades the lattice of gamma-encoded colours, in floats throughout: tables of bytes would band in shadows.
-std::vector<float> bakeEncoded(const img::ColorGrading& grading, std::size_t size) {
-    std::vector<float> axis(size);
-    for (std::size_t i = 0; i < size; ++i) {
-        axis[i] =
-            static_cast<float>(img::kernels::maths::pow(static_cast<double>(i) / static_cast<double>(size - 1), GAMMA));
-    }
-    std::vector<float> table(3 * size * size * size);
-    for (std::size_t i = 0; i < table.size(); i += 3) {
-        const std::size_t point = i / 3;
-        table[i] = axis[point % size];
-        table[i + 1] = axis[point / size % size];
-        table[i + 2] = axis[point / size / size];
-    }
-    img::Image lattice(table.data(), size * size, size, img::Image::RGB32F, 0);
-    grading.apply(lattice, lattice);
-    for (float& value : table) {
-        value =
-            static_cast<float>(img::kernels::maths::pow(std::clamp(static_cast<double>(value), 0.0, 1.0), 1.0 / GAMMA));
-    }
-    return table;
-}
-
-std::vector<float> bake(const img::ColorGrading& grading, const LutOptions& options) {
-    if (!options.linear) {
-        return bakeEncoded(grading, options.size);
-    }
-    std::vector<float> table(3 * options.size * options.size * options.size);
-    grading.generate3DLUT_RGB32F(options.size, table.data());
-    return table;
-}
-
-/// Plain decimals that read back as the same float; not every reader of the format knows exponents.
-void appendNumber(std::string& text, float value) {
-    char digits[128];
-    // A black without hue grades to NaN where hues are turned. Black is what it has to become in a table.
-    const float finite =
-        std::isnan(value) ? 0.0F
-                          : std::clamp(value, std::numeric_limits<float>::lowest(), std::numeric_limits<float>::max());
-    text.append(digits, std::to_chars(digits, digits + sizeof digits, finite, std::chars_format::fixed).ptr);
-}
-
-std::string titleLine(const LutOptions& options) {
-    std::string title = options.title;
-    if (title.empty()) {
-        const std::u8string stem = toPath(options.output).stem().u8string();
-        title.assign(stem.begin(), stem.end());
-    }
-    std::ranges::replace_if(
-        title, [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
-    std::ranges::replace(title, '"', '\'');
-    return "TITLE \"" + title + "\"\n";
-}
 
 void warnOfOmissions(const img::ImageProcessingPipeline& pipeline) {
     const img::ImageProcessingPipeline neutral(0);
@@ -117,20 +55,7 @@ void runLut(const LutOptions& options) {
     checkOutput(options);
     const img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
     warnOfOmissions(pipeline);
-    const std::vector<float> table = bake(pipeline.getColorGrading(), options);
-    OutputFile file(options.output);
-    file.write(titleLine(options) + "LUT_3D_SIZE " + std::to_string(options.size) +
-               "\nDOMAIN_MIN 0 0 0\nDOMAIN_MAX 1 1 1\n");
-    std::string line;
-    for (std::size_t i = 0; i < table.size() && !file.hasFailed(); i += 3) {
-        line.clear();
-        for (std::size_t channel = 0; channel < 3; ++channel) {
-            appendNumber(line, table[i + channel]);
-            line += channel < 2 ? ' ' : '\n';
-        }
-        file.write(line);
-    }
-    file.commit();
+    writeCubeFile(options.output, pipeline.getColorGrading(), options.table);
 }
 
 } // namespace
@@ -140,13 +65,13 @@ void addLutCommand(CLI::App& program) {
     const auto options = std::make_shared<LutOptions>();
     command.add_option("-o,--output", options->output, "The table to write")->type_name("FILE.cube")->required();
     options->adjustments.addTo(command);
-    command.add_option("--size", options->size, "Points along each axis, 2 to 256")
+    command.add_option("--size", options->table.size, "Points along each axis, 2 to 256")
         ->check(wholeNumber(2, 256))
         ->type_name("N")
         ->capture_default_str();
-    command.add_flag("--linear", options->linear,
+    command.add_flag("--linear", options->table.linear,
                      "Map linear light to linear light, not clipped, instead of encoded values");
-    command.add_option("--title", options->title, "Title in the table [the name of the file]")->type_name("TEXT");
+    command.add_option("--title", options->table.title, "Title in the table [the name of the file]")->type_name("TEXT");
     command.footer("Only the grading is baked; sharpness, inversion and flips are left out.\n\n" +
                    describeParameters() +
                    "\nExamples:\n  zqx-img lut --params look.json -o look.cube\n"

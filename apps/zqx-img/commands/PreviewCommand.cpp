@@ -8,11 +8,13 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zqx/tools/ContactSheet.h>
 #include <zqx/tools/MemoryGate.h>
+#include <zqx/tools/Resize.h>
 
 #include "commands/Commands.h"
 #include "commands/ResultFile.h"
-#include "drawing/ContactSheet.h"
+#include "drawing/SheetLabels.h"
 #include "options/MemoryOption.h"
 #include "options/ParameterOptions.h"
 #include "options/ReadingOptions.h"
@@ -24,7 +26,6 @@
 #include "zqx/pictures/codecs/Encode.h"
 #include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/tools/analysis/AreaAverage.h"
 #include "zqx/tools/analysis/Render.h"
 #include "zqx/tools/analysis/SplitPicture.h"
 #include "zqx/tools/parameters/ParameterTable.h"
@@ -69,7 +70,7 @@ Picture reduced(Picture picture, unsigned longestSide) {
     return picture;
 }
 
-std::string stemOf(const std::string& name) {
+std::string fileStem(const std::string& name) {
     const std::u8string stem = toPath(name).stem().u8string();
     return {stem.begin(), stem.end()};
 }
@@ -105,9 +106,10 @@ PixelBuffer makeSheet(const PreviewOptions& options, std::vector<img::ImageProce
                       const Picture& source) {
     std::vector<std::string> labels = {"original"};
     for (const std::string& document : options.sheet) {
-        labels.push_back(stemOf(document));
+        labels.push_back(fileStem(document));
     }
-    ContactSheet sheet(std::move(labels), source.width(), source.height());
+    SheetLabels painter;
+    ContactSheet sheet(labels, source.width(), source.height(), painter);
     sheet.place(0, source.image());
     for (std::size_t i = 0; i < pipelines.size(); ++i) {
         connect(pipelines[i], source);

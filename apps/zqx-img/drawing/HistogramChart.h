@@ -4,7 +4,7 @@
 #include <string>
 
 #include "zqx/pictures/PixelBuffer.h"
-#include "zqx/tools/analysis/Histogram.h"
+#include <zqx/tools/Histogram.h>
 
 namespace zqx::app {
 

@@ -18,7 +18,7 @@ namespace {
 
 constexpr const char* BEST = "best";
 
-TerminalProtocol protocolOf(const std::string& name) {
+TerminalProtocol parseProtocol(const std::string& name) {
     static constexpr struct {
         const char* name;
         TerminalProtocol protocol;
@@ -55,7 +55,7 @@ void ShowOption::show(const img::Image& image) const {
     const std::shared_ptr<img::Image> pixels = image.convertTo(img::Image::SRGBA8);
     print(encodeForTerminal({static_cast<const unsigned char*>(pixels->getDataPtr()),
                              static_cast<unsigned>(pixels->getWidth()), static_cast<unsigned>(pixels->getHeight()),
-                             terminalSize(), protocolOf(protocol), showsUnicode()}));
+                             terminalSize(), parseProtocol(protocol), showsUnicode()}));
 }
 
 } // namespace zqx::app

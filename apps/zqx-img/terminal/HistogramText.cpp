@@ -30,7 +30,7 @@ struct Bars {
     std::string_view axis;
 };
 
-const Bars& barsOf(const TextStyle& style) {
+const Bars& selectBars(const TextStyle& style) {
     static const Bars UNICODE = {{" ", "\xE2\x96\x81", "\xE2\x96\x82", "\xE2\x96\x83", "\xE2\x96\x84", "\xE2\x96\x85",
                                   "\xE2\x96\x86", "\xE2\x96\x87", "\xE2\x96\x88"},
                                  "\xE2\x94\x80"};
@@ -49,7 +49,7 @@ std::string inColor(std::string_view name, std::string text, const TextStyle& st
 /// Bars of up to so many rows. What occurs at all shows.
 std::string panel(std::string_view name, const std::vector<double>& bins, double limit, std::size_t rows,
                   const TextStyle& style) {
-    const Bars& bars = barsOf(style);
+    const Bars& bars = selectBars(style);
     const std::size_t full = bars.levels.size() - 1;
     std::string text;
     for (std::size_t row = rows; row-- > 0;) {
@@ -69,7 +69,7 @@ std::string panel(std::string_view name, const std::vector<double>& bins, double
 std::string axis(std::size_t columns, const TextStyle& style) {
     std::string line(GUTTER, ' ');
     for (std::size_t i = 0; i < columns; ++i) {
-        line += barsOf(style).axis;
+        line += selectBars(style).axis;
     }
     constexpr std::size_t ROOM_FOR_FIVE = 32;
     const std::vector<std::size_t> values = columns < ROOM_FOR_FIVE ? std::vector<std::size_t>{0, 128, 255}
@@ -77,7 +77,7 @@ std::string axis(std::size_t columns, const TextStyle& style) {
     std::string numbers(GUTTER + columns, ' ');
     for (const std::size_t value : values) {
         const std::string number = std::to_string(value);
-        const std::size_t column = GUTTER + (2 * value + 1) * columns / (2 * CODES);
+        const std::size_t column = GUTTER + (2 * value + 1) * columns / (2 * HISTOGRAM_BINS);
         const std::size_t start = std::clamp(column - std::min(column, number.size() / 2), GUTTER,
                                              GUTTER + columns - std::min(columns, number.size()));
         numbers.replace(start, number.size(), number);
@@ -113,7 +113,7 @@ std::string clippingTable(const Histogram& histogram) {
 
 std::string drawAsText(const Histogram& histogram, const std::string& title, const TextStyle& style) {
     constexpr std::size_t NARROWEST = 16;
-    const std::size_t columns = std::clamp(style.columns - std::min(style.columns, GUTTER), NARROWEST, CODES);
+    const std::size_t columns = std::clamp(style.columns - std::min(style.columns, GUTTER), NARROWEST, HISTOGRAM_BINS);
     std::vector<std::vector<double>> bins;
     for (const ChannelCounts& counts : histogram.present()) {
         bins.push_back(rebinned(counts, columns));

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "zqx/tools/analysis/Histogram.h"
+#include <zqx/tools/Histogram.h>
 
 namespace zqx::app {
 

@@ -7,17 +7,17 @@
 
 namespace zqx::app {
 
-/// True when standard output is read by a person and not by a file or another program.
+/// True if standard output is a terminal.
 bool isTerminal();
 
-/// The size of the terminal; where it does not tell, 80 by 24 characters of 10 by 20 pixels. COLUMNS and LINES in the
-/// environment have precedence.
+/// The size of the terminal, or 80 by 24 characters of 10 by 20 pixels if unknown. COLUMNS and LINES in the environment
+/// take precedence.
 TerminalSize terminalSize();
 
 /// True when the terminal shows UTF-8, going by the locale.
 bool showsUnicode();
 
-/// True on a terminal whose user has not asked for text without colours (NO_COLOR).
+/// True on a terminal, unless NO_COLOR is set.
 bool wantsColor();
 
 /// Text without the control characters that a terminal would obey.

@@ -15,9 +15,9 @@ namespace zqx::tools {
 /// reads.
 ///
 /// img::ImageProcessingPipeline::loadParams() takes one document and ignores what it does not know. Here several are
-/// merged, the parameters of later ones in place of those of earlier ones, and everything that is not as it should be is
-/// told: members that are not known, given twice, of the wrong type or out of range. Documents may come from anybody:
-/// whatever is in them, the time it takes is proportional to their length, but for a logarithm.
+/// merged, the parameters of later ones in place of those of earlier ones, and everything that is not as it should be
+/// is told: members that are not known, given twice, of the wrong type or out of range. Documents may come from
+/// anybody: whatever is in them, the time it takes is proportional to their length, but for a logarithm.
 ///
 /// A value type; one thread at a time.
 /// @ingroup tools

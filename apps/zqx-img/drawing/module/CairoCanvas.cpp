@@ -71,7 +71,7 @@ public:
         cairo_set_font_size(mContext.get(), lettering.size);
         const std::string whole = printable(text);
         const std::string line = shortened(whole, lettering.longest);
-        const double length = lengthOf(line);
+        const double length = textWidth(line);
         switch (lettering.align) {
         case Lettering::Align::LEFT: break;
         case Lettering::Align::MIDDLE: place.x -= length / 2; break;
@@ -92,18 +92,18 @@ private:
         }
     }
 
-    double lengthOf(const std::string& line) {
+    double textWidth(const std::string& line) {
         cairo_text_extents_t extents{};
         cairo_text_extents(mContext.get(), line.c_str(), &extents);
         return extents.x_advance;
     }
 
     std::string shortened(std::string line, double longest) {
-        if (lengthOf(line) <= longest) {
+        if (textWidth(line) <= longest) {
             return line;
         }
         constexpr const char* ELLIPSIS = "\xE2\x80\xA6";
-        while (!line.empty() && lengthOf(line + ELLIPSIS) > longest) {
+        while (!line.empty() && textWidth(line + ELLIPSIS) > longest) {
             line.resize(static_cast<std::size_t>(g_utf8_prev_char(line.c_str() + line.size()) - line.c_str()));
         }
         return line + ELLIPSIS;

@@ -1,5 +1,5 @@
 // Counting values, row by row in parallel.
-#include "zqx/tools/analysis/Histogram.h"
+#include <zqx/tools/Histogram.h>
 
 #include <algorithm>
 #include <cmath>
@@ -7,15 +7,18 @@
 #include <functional>
 #include <iterator>
 
-#include <omp.h>
+#include <zqx/pictures/SampleLayout.h>
 
-#include "zqx/pictures/SampleLayout.h"
+#include "kernels/Rows.h"
+#include "zqx/pictures/codecs/StoredScale.h"
 
 namespace zqx::tools {
 
 using namespace pictures;
 
 namespace {
+
+static_assert(CODES == HISTOGRAM_BINS);
 
 /// ITU-R BT.709. In doubles they add up to 1, so that the luma of a grey is that grey.
 constexpr double RED_WEIGHT = 0.2126;
@@ -107,19 +110,13 @@ void add(ChannelCounts& sum, const ChannelCounts& part) {
 
 Histogram countValues(const img::Image& image) {
     const Counter counter(image);
-#if defined(__SANITIZE_THREAD__) // it does not see how OpenMP synchronises
-    const std::size_t threads = 1;
-#else
-    const auto threads = static_cast<std::size_t>(omp_get_max_threads());
-#endif
-    std::vector<Histogram> parts(threads);
-    const auto rows = static_cast<std::int64_t>(image.getHeight()); // OpenMP 2.0 wants a signed index
-#if !defined(__SANITIZE_THREAD__)
-#pragma omp parallel for schedule(static)
-#endif
-    for (std::int64_t y = 0; y < rows; ++y) {
-        counter.countRow(static_cast<std::size_t>(y), parts[static_cast<std::size_t>(omp_get_thread_num())]);
-    }
+    const std::size_t rows = image.getHeight();
+    std::vector<Histogram> parts(std::min(rows, img::kernels::threadCount()));
+    img::kernels::forEachRow(parts.size(), [&](std::size_t part) {
+        for (std::size_t y = part * rows / parts.size(); y < (part + 1) * rows / parts.size(); ++y) {
+            counter.countRow(y, parts[part]);
+        }
+    });
     Histogram histogram;
     histogram.color = hasColor(layoutOf(image));
     histogram.pixels = std::uint64_t{image.getWidth()} * image.getHeight();
@@ -134,9 +131,10 @@ Histogram countValues(const img::Image& image) {
     return histogram;
 }
 
-std::span<const std::string_view> Histogram::names() const {
+ArrayView<std::string_view> Histogram::names() const {
     static constexpr std::array<std::string_view, 4> NAMES = {"red", "green", "blue", "luma"};
-    return std::span(NAMES).subspan(color ? std::size_t{RED} : std::size_t{LUMA});
+    const std::size_t first = color ? RED : LUMA;
+    return {NAMES.data() + first, NAMES.size() - first};
 }
 
 std::vector<double> rebinned(const ChannelCounts& counts, std::size_t bins) {
@@ -154,7 +152,7 @@ std::vector<double> rebinned(const ChannelCounts& counts, std::size_t bins) {
     return result;
 }
 
-double drawingLimit(std::span<const std::vector<double>> bins) {
+double drawingLimit(const std::vector<std::vector<double>>& bins) {
     constexpr double ORDINARY = 0.98;  // share of bins
     constexpr double STANDS_OUT = 1.5; // times as high as any ordinary bin
     std::vector<double> inner;

@@ -27,7 +27,7 @@ bool isHidden(const fs::path& path) {
 }
 
 /// In lower case and without its dot; empty when there is none.
-std::string extensionOf(const fs::path& path) {
+std::string lowerCaseExtension(const fs::path& path) {
     const std::string extension = toName(path.extension());
     return extension.empty() ? extension : foldCase(extension.substr(1));
 }
@@ -53,7 +53,7 @@ public:
 
     // NOLINTNEXTLINE(misc-no-recursion): as deep as the folders are
     void read(const fs::path& folder, const fs::path& below) {
-        for (const fs::path& path : entriesOf(folder)) {
+        for (const fs::path& path : sortedEntries(folder)) {
             std::error_code failure;
             if (fs::is_regular_file(path, failure)) {
                 take(path, below);
@@ -65,7 +65,7 @@ public:
 
 private:
     void take(const fs::path& path, const fs::path& below) {
-        const std::string extension = extensionOf(path);
+        const std::string extension = lowerCaseExtension(path);
         if (extension.empty()) {
             return;
         }
@@ -76,7 +76,7 @@ private:
         }
     }
 
-    std::vector<fs::path> entriesOf(const fs::path& folder) {
+    std::vector<fs::path> sortedEntries(const fs::path& folder) {
         std::vector<fs::path> entries;
         std::error_code failure;
         fs::directory_iterator entry(folder, failure);

@@ -92,14 +92,14 @@ std::uint64_t multiplied(std::uint64_t a, std::uint64_t b) {
     return b != 0 && a > MOST / b ? MOST : a * b;
 }
 
-std::optional<PictureHeader> headerOf(const std::string& name) {
+std::optional<PictureHeader> readHeader(const std::string& name) {
     const bool raw = formatOfName(name) == FileFormat::RAW; // their headers describe a small preview
     return raw ? std::nullopt : readPictureHeader(name);
 }
 
 /// 0 where the header does not say.
-std::uint64_t pixelsOf(const std::string& name) {
-    const std::optional<PictureHeader> header = headerOf(name);
+std::uint64_t countPixels(const std::string& name) {
+    const std::optional<PictureHeader> header = readHeader(name);
     return header ? multiplied(header->width, header->height) : 0;
 }
 
@@ -112,7 +112,7 @@ void refuseBeyond(const std::string& name, std::uint64_t need, std::uint64_t lim
 
 /// Where the header says nothing: photographs of eight bits have about forty bytes in memory for each in a small file,
 /// those that a camera left raw for about one.
-std::uint64_t needByFileSize(const std::string& name) {
+std::uint64_t estimateByFileSize(const std::string& name) {
     constexpr std::uint64_t COMPRESSED = 48;
     constexpr std::uint64_t RAW = 16;
     std::error_code failure;
@@ -143,9 +143,9 @@ void MemoryGate::release(std::uint64_t bytes) {
 }
 
 std::uint64_t memoryNeed(const std::string& input, const std::vector<std::string>& outputs) {
-    const std::optional<PictureHeader> header = headerOf(input);
+    const std::optional<PictureHeader> header = readHeader(input);
     if (!header) {
-        return addedUp(BASE_NEED, needByFileSize(input));
+        return addedUp(BASE_NEED, estimateByFileSize(input));
     }
     const std::uint64_t perPixel = multiplied(header->channels, bytesPerSample(*header, outputs));
     return addedUp(BASE_NEED, multiplied(multiplied(header->width, header->height), perPixel));
@@ -161,7 +161,7 @@ void requireMemory(const MemoryDemand& demand, std::uint64_t limit) {
         const bool isFirst = first.empty();
         if (isFirst) {
             first = input;
-            need = addedUp(need, multiplied(pixelsOf(input), demand.workingBytesPerPixel));
+            need = addedUp(need, multiplied(countPixels(input), demand.workingBytesPerPixel));
         }
         need = addedUp(need, memoryNeed(input, isFirst ? demand.outputs : std::vector<std::string>()));
     }

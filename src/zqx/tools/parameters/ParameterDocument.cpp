@@ -1,4 +1,4 @@
-// Reads documents that nobody vouches for: whatever is in the text, there is an error, a remark, or a sound value.
+// Reads untrusted documents: whatever is in the text, the result is an error, a remark, or a value within its range.
 #include "zqx/tools/parameters/ParameterDocument.h"
 
 #include <algorithm>
@@ -24,9 +24,9 @@ namespace {
 using Kind = Parameter::Kind;
 using MemberKind = DocumentMember::Kind;
 
-/// Nobody reads more; a hostile document has room for a million.
+/// Nobody reads more, and a hostile document has room for a million.
 constexpr std::size_t MOST_REMARKS = 100;
-/// A document has four levels. Some more are left to members of other programs, which are ignored.
+/// A document has four levels. The rest is for members of other programs, which are ignored.
 constexpr std::size_t DEEPEST_NESTING = 100;
 
 DocumentMember& memberNamed(DocumentMember& object, std::string_view name) {
@@ -37,7 +37,7 @@ DocumentMember& memberNamed(DocumentMember& object, std::string_view name) {
     return object.members.emplace_back(DocumentMember{MemberKind::OBJECT, std::string(name), "", nullptr, {}});
 }
 
-/// The member at the end of a path, made with all objects on the way where they are missing.
+/// The member at the end of a path. It and the objects on the way are added where they are missing.
 DocumentMember& memberAt(DocumentMember& root, std::string_view path) {
     const std::size_t dot = path.find('.');
     DocumentMember& member = memberNamed(root, path.substr(0, dot));
@@ -64,7 +64,7 @@ DocumentMember makeRoot() {
 }
 
 /// "line 3, column 14" of a byte, counted from 1 in characters.
-std::string placeOf(const std::string& text, std::size_t offset) {
+std::string lineAndColumn(const std::string& text, std::size_t offset) {
     std::size_t line = 1;
     std::size_t column = 1;
     for (const char byte : std::string_view(text).substr(0, offset)) {
@@ -97,10 +97,10 @@ const char* describe(rapidjson::ParseErrorCode code) {
 }
 
 [[noreturn]] void refuse(const std::string& name, const std::string& text, std::size_t offset, const char* why) {
-    throw Error(name, "is not JSON at " + placeOf(text, offset) + ": " + why);
+    throw Error(name, "is not JSON at " + lineAndColumn(text, offset) + ": " + why);
 }
 
-/// Refuses nesting before it costs memory. Of text that is not JSON it may take brackets for others than they are.
+/// Refuses deep nesting before it costs memory. In text that is not JSON it may misjudge what a bracket is.
 void limitNesting(const std::string& name, const std::string& text) {
     std::size_t depth = 0;
     bool inString = false;
@@ -113,7 +113,7 @@ void limitNesting(const std::string& name, const std::string& text) {
             inString = true;
         } else if (byte == '{' || byte == '[') {
             if (++depth > DEEPEST_NESTING) {
-                throw Error(name, "is nested too deeply at " + placeOf(text, i) + " to be a parameter document");
+                throw Error(name, "is nested too deeply at " + lineAndColumn(text, i) + " to be a parameter document");
             }
         } else if ((byte == '}' || byte == ']') && depth > 0) {
             --depth;
@@ -142,7 +142,7 @@ const rapidjson::Value* find(const rapidjson::Value& object, const char* name) {
     return member == object.MemberEnd() ? nullptr : &member->value;
 }
 
-/// The processing object of a document, for which there has to be one.
+/// Refuses what is no document of the version that is read here.
 void requireVersion(const std::string& name, const rapidjson::Value& document) {
     const auto require = [&](bool fulfilled, const std::string& what) {
         if (!fulfilled) {
@@ -172,7 +172,7 @@ std::string describe(const rapidjson::Value& value) {
     return "a number";
 }
 
-std::string wantedBy(const DocumentMember& member) {
+std::string describeExpected(const DocumentMember& member) {
     if (member.kind != MemberKind::PARAMETER) {
         return member.kind == MemberKind::OBJECT ? "an object" : "a string";
     }
@@ -210,11 +210,11 @@ std::string printable(std::string_view name) {
     return length < name.size() ? text + "..." : text;
 }
 
-std::string below(const std::string& path, std::string_view name) {
+std::string joinPath(const std::string& path, std::string_view name) {
     return (path.empty() ? "" : path + ".") + printable(name);
 }
 
-/// Looks for the known member that a misspelt or misplaced one may stand for.
+/// Finds the known member that a misspelt or misplaced one probably stands for.
 class NearestMember {
 public:
     NearestMember(const DocumentMember& object, std::string_view name) : mObject(object), mName(name) {
@@ -224,13 +224,13 @@ public:
         }
     }
 
-    /// Empty when there is none: the name among its neighbours, the path elsewhere.
+    /// The name of a member of the same object, the path of another one; empty when none is near.
     const std::string& suggestion() const { return mSuggestion; }
 
 private:
     void search(const DocumentMember& object, const std::string& path) {
         for (const DocumentMember& member : object.members) {
-            const std::string memberPath = below(path, member.name);
+            const std::string memberPath = joinPath(path, member.name);
             const std::string& suggestion = &object == &mObject ? member.name : memberPath;
             compare(member.name, &object == &mObject, suggestion);
             if (member.kind == MemberKind::PARAMETER) {
@@ -266,7 +266,7 @@ std::string namesIn(const DocumentMember& object) {
 
 } // namespace
 
-/// Walks a document beside what is known, and takes what fits.
+/// Walks a document and the table of known members side by side, and takes what fits.
 class DocumentReader {
 public:
     DocumentReader(const std::string& name, Remarks& remarks, MergedDocument& merged)
@@ -286,11 +286,12 @@ private:
             const std::string_view name(member->name.GetString(), member->name.GetStringLength());
             const auto found = std::ranges::find(known.members, name, &DocumentMember::name);
             if (!names.insert(name).second) {
-                remark([&] { return below(path, name) + " is given more than once"; }, ", only the first one counts");
+                remark([&] { return joinPath(path, name) + " is given more than once"; },
+                       ", only the first one counts");
             } else if (found == known.members.end()) {
                 remark([&] { return describeUnknown(known, path, name); }, ". It is ignored");
             } else {
-                readMember(member->value, *found, below(path, name));
+                readMember(member->value, *found, joinPath(path, name));
             }
         }
     }
@@ -314,7 +315,7 @@ private:
             break;
         case MemberKind::VERSION: return; // required before
         }
-        remark([&] { return path + " is " + describe(value) + " and has to be " + wantedBy(known); },
+        remark([&] { return path + " is " + describe(value) + " and has to be " + describeExpected(known); },
                ". It is ignored");
     }
 
@@ -370,7 +371,7 @@ private:
 
     static std::string describeUnknown(const DocumentMember& object, const std::string& path, std::string_view name) {
         const NearestMember nearest(object, name);
-        return below(path, name) + " is not known" +
+        return joinPath(path, name) + " is not known" +
                (nearest.suggestion().empty() ? " (known there: " + namesIn(object) + ")"
                                              : ", did you mean \"" + nearest.suggestion() + "\"?");
     }
@@ -390,7 +391,7 @@ private:
     std::size_t mRemarkCount = 0;
 };
 
-/// Writes what was given, and nothing else, in the shape of a document.
+/// Writes the given parameters, and nothing else, as a document.
 class DocumentWriter {
 public:
     explicit DocumentWriter(const MergedDocument& merged) : mMerged(merged) {}

@@ -1,4 +1,4 @@
-// The parameter document as the program reads it: checked member by member, and several laid over each other.
+// Parameter documents checked member by member, and several of them merged into one.
 #pragma once
 
 #include <array>
@@ -23,24 +23,24 @@ struct DocumentMember {
     std::vector<DocumentMember> members;  ///< of an object
 };
 
-/// The outermost object of a parameter document, with all that may be in it.
+/// The outermost object of a parameter document, with every member that it may have.
 const DocumentMember& documentRoot();
 
 /// The version of the documents that are read and written.
 constexpr int DOCUMENT_VERSION = 1;
 
-/// The parameters of several documents, those of later ones in place of those of earlier ones.
+/// The parameters of several documents; those of later documents replace those of earlier ones.
 class MergedDocument {
 public:
     MergedDocument();
 
-    /// Takes the parameters of one more document. Remarks on members that are not known, given twice, of the wrong type
-    /// or outside their range: such members are ignored, or limited.
+    /// Merges one more document. Remarks on members that are unknown, repeated, of the wrong type or out of range:
+    /// these are ignored, or limited to their range.
     /// @param name the document's file, for messages
-    /// @throws Error for text that is not a document of this version, with the place where it is not even JSON
+    /// @throws Error for text that is not a document of this version, with line and column where it is not even JSON
     void add(const std::string& name, std::string text, Remarks& remarks);
 
-    /// Remarks on an end of the gradient whose other end no document gave. Its reader ignores it.
+    /// Remarks on an end of the gradient whose other end is in no document: the pipeline ignores it.
     void checkGradient(Remarks& remarks) const;
 
     /// The parameters as one document.
@@ -49,7 +49,7 @@ public:
 private:
     struct Given {
         std::array<float, 4> numbers; ///< a colour's r, g, b, a; the other kinds use the first element
-        std::string document;         ///< where it comes from
+        std::string document;         ///< its file
     };
     friend class DocumentReader;
     friend class DocumentWriter;

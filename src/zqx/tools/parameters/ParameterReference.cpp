@@ -1,4 +1,4 @@
-// Writes the table of adjustments out in three ways.
+// The table of adjustments as text, as JSON and as a JSON Schema.
 #include <zqx/tools/ParameterReference.h>
 
 #include <algorithm>
@@ -86,7 +86,7 @@ private:
     rapidjson::Document mDocument;
 };
 
-const char* nameOf(Kind kind) {
+const char* toString(Kind kind) {
     switch (kind) {
     case Kind::COLOR: return "color";
     case Kind::SWITCH: return "switch";
@@ -99,7 +99,7 @@ void explainAsJson(Writer& writer, const Parameter& parameter, const NeutralDocu
     writer.StartObject();
     writeText(writer, "name", parameter.name);
     writeText(writer, "path", parameter.path);
-    writeText(writer, "kind", nameOf(parameter.kind));
+    writeText(writer, "kind", toString(parameter.kind));
     if (parameter.kind == Kind::NUMBER) {
         writeNumber(writer, "minimum", parameter.minimum);
         writeNumber(writer, "maximum", parameter.maximum);

@@ -1,4 +1,4 @@
-// Warnings, or an error in their place.
+// Warnings, or one error in place of them all.
 #include "zqx/tools/parameters/Remarks.h"
 
 #include "zqx/pictures/files/Error.h"

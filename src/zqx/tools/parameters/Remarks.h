@@ -1,4 +1,4 @@
-// What is not as it should be about the parameters, and yet leaves something to work with.
+// Faults in parameters that can be worked around: warnings, or errors for those who want to be strict.
 #pragma once
 
 #include <string>
@@ -6,16 +6,16 @@
 
 namespace zqx::tools {
 
-/// Warns of each remark at once, or, when strict, collects them into one error.
+/// Warns of each fault at once or, when strict, collects them for one error.
 class Remarks {
 public:
     explicit Remarks(bool strict) : mStrict(strict) {}
 
     /// @param subject the file or option at fault
-    /// @param consequence what is done about it, as the end of the problem's sentence
+    /// @param consequence how the fault is handled; continues the sentence of the problem
     void add(const std::string& subject, const std::string& problem, const std::string& consequence);
 
-    /// @throws Error with a line for each remark, when strict and there are any
+    /// @throws Error with one line for each fault, when strict and there are any
     void settle() const;
 
 private:

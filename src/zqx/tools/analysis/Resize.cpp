@@ -1,6 +1,6 @@
 // Area averaging in two steps: the rows under a row of the result are summed into one row of doubles, and its pixels
 // are summed lengthwise. A row of the result depends on nothing but its own source rows, so rows run in parallel.
-#include "zqx/tools/analysis/AreaAverage.h"
+#include <zqx/tools/Resize.h>
 
 #include <algorithm>
 #include <cmath>
@@ -8,8 +8,7 @@
 #include <type_traits>
 #include <vector>
 
-#include <omp.h>
-
+#include "kernels/Rows.h"
 #include "zqx/pictures/codecs/StoredScale.h"
 
 namespace zqx::tools {
@@ -155,19 +154,14 @@ private:
 template <typename Sample>
 void averageRows(const img::Image& source, const img::Image& result) {
     const Averager<Sample> averager(source, result);
-#if defined(__SANITIZE_THREAD__) // it does not see how OpenMP synchronises
-    const std::size_t threads = 1;
-#else
-    const auto threads = static_cast<std::size_t>(omp_get_max_threads());
-#endif
-    std::vector<std::vector<double>> sums(threads, std::vector<double>(averager.sumsPerRow()));
-    const auto rows = static_cast<std::int64_t>(result.getHeight()); // OpenMP 2.0 wants a signed index
-#if !defined(__SANITIZE_THREAD__)
-#pragma omp parallel for schedule(static)
-#endif
-    for (std::int64_t y = 0; y < rows; ++y) {
-        averager.makeRow(static_cast<std::size_t>(y), sums[static_cast<std::size_t>(omp_get_thread_num())].data());
-    }
+    const std::size_t rows = result.getHeight();
+    const std::size_t parts = std::min(rows, img::kernels::threadCount());
+    std::vector<std::vector<double>> sums(parts, std::vector<double>(averager.sumsPerRow()));
+    img::kernels::forEachRow(parts, [&](std::size_t part) {
+        for (std::size_t y = part * rows / parts; y < (part + 1) * rows / parts; ++y) {
+            averager.makeRow(y, sums[part].data());
+        }
+    });
 }
 
 } // namespace

@@ -1,18 +1,17 @@
 // The sheet's layout, and how pictures come onto it.
-#include "drawing/ContactSheet.h"
+#include <zqx/tools/ContactSheet.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <utility>
 
 #include <zqx/img/Color.h>
 
-#include "drawing/Drawing.h"
-#include "kernels/ScalarMaths.h"
 #include "zqx/pictures/files/Error.h"
 
-namespace zqx::app {
+namespace zqx::tools {
 
 using namespace pictures;
 
@@ -21,9 +20,6 @@ namespace {
 constexpr unsigned NARROWEST_CELL = 160; // room for a label
 constexpr unsigned SMALLEST_LETTERS = 13;
 constexpr unsigned LARGEST_LETTERS = 36;
-constexpr unsigned char GROUND = 48;
-constexpr Ink GROUND_INK{GROUND / 255.0, GROUND / 255.0, GROUND / 255.0};
-constexpr Ink LABEL_INK{0.93, 0.93, 0.93};
 
 unsigned gapFor(unsigned letters) {
     return letters * 3 / 2;
@@ -42,8 +38,9 @@ std::size_t rowsFor(std::size_t cells, std::size_t columns) {
     return (cells + columns - 1) / columns;
 }
 
-/// The number of columns that brings the sheet nearest to 3:2. Of equally near ones, the one with the fewest places
-/// left over comes first, as it has fewer rows or columns.
+/// The number of columns that brings the sheet nearest to 3:2. Of equally near
+/// ones, the one with the fewest places left over comes first, as it has fewer
+/// rows or columns.
 std::size_t bestColumns(std::size_t cells, std::size_t cellWidth, std::size_t cellHeight, std::size_t gap) {
     constexpr double SHAPE = 1.5;
     std::size_t best = 1;
@@ -52,7 +49,7 @@ std::size_t bestColumns(std::size_t cells, std::size_t cellWidth, std::size_t ce
         const std::size_t rows = rowsFor(cells, columns);
         const double shape =
             static_cast<double>(sideOf(columns, cellWidth, gap)) / static_cast<double>(sideOf(rows, cellHeight, gap));
-        if (const double distance = std::abs(img::kernels::maths::log(shape / SHAPE)); distance < least) {
+        if (const double distance = std::max(shape / SHAPE, SHAPE / shape); distance < least) {
             least = distance;
             best = columns;
         }
@@ -62,7 +59,7 @@ std::size_t bestColumns(std::size_t cells, std::size_t cellWidth, std::size_t ce
 
 /// Blends straight alpha over the ground, in linear light.
 void putOnGround(img::Image& pixels) {
-    const float ground = img::srgb2linear(GROUND);
+    const float ground = img::srgb2linear(ContactSheet::GROUND);
     auto* pixel = static_cast<img::Color*>(pixels.getDataPtr());
     for (std::size_t i = 0; i < pixels.getWidth() * pixels.getHeight(); ++i, ++pixel) {
         const float alpha = std::clamp(pixel->a, 0.0F, 1.0F);
@@ -75,14 +72,14 @@ void putOnGround(img::Image& pixels) {
 
 } // namespace
 
-ContactSheet::ContactSheet(std::vector<std::string> labels, unsigned pictureWidth, unsigned pictureHeight)
-    : mLabels(std::move(labels)), mPictureWidth(pictureWidth), mPictureHeight(pictureHeight),
-      mCellWidth(std::max(pictureWidth, NARROWEST_CELL)),
+ContactSheet::ContactSheet(const std::vector<std::string>& labels, unsigned pictureWidth, unsigned pictureHeight,
+                           LabelPainter& painter)
+    : mPictureWidth(pictureWidth), mPictureHeight(pictureHeight), mCellWidth(std::max(pictureWidth, NARROWEST_CELL)),
       mLetters(std::clamp(mCellWidth / 30, SMALLEST_LETTERS, LARGEST_LETTERS)) {
     const unsigned gap = gapFor(mLetters);
     const std::size_t cellHeight = std::size_t{mPictureHeight} + labelHeightFor(mLetters);
-    mColumns = bestColumns(mLabels.size(), mCellWidth, cellHeight, gap);
-    mRows = rowsFor(mLabels.size(), mColumns);
+    mColumns = bestColumns(labels.size(), mCellWidth, cellHeight, gap);
+    mRows = rowsFor(labels.size(), mColumns);
     const std::size_t width = sideOf(mColumns, mCellWidth, gap);
     const std::size_t height = sideOf(mRows, cellHeight, gap);
     constexpr auto LARGEST = static_cast<std::size_t>(std::numeric_limits<int>::max());
@@ -93,8 +90,8 @@ ContactSheet::ContactSheet(std::vector<std::string> labels, unsigned pictureWidt
     for (std::size_t y = 0; y < height; ++y) {
         std::fill_n(static_cast<unsigned char*>(mSheet.image().getRowPtr(y)), 3 * width, GROUND);
     }
-    for (std::size_t number = 0; number < mLabels.size(); ++number) {
-        drawLabel(number);
+    for (std::size_t number = 0; number < labels.size(); ++number) {
+        drawLabel(number, labels[number], painter);
     }
 }
 
@@ -105,33 +102,37 @@ ContactSheet::Corner ContactSheet::cornerOf(std::size_t number) const {
     return {gap + column * (mCellWidth + gap), gap + row * (mPictureHeight + labelHeightFor(mLetters) + gap)};
 }
 
-void ContactSheet::drawLabel(std::size_t number) {
+img::Image ContactSheet::areaAt(Corner corner, unsigned width, unsigned height) {
+    img::Image& sheet = mSheet.image();
+    return {sheet.getPixelPtr(corner.x, corner.y), width, height, sheet.getFormat(), sheet.getByteRowStride()};
+}
+
+void ContactSheet::drawLabel(std::size_t number, const std::string& text, LabelPainter& painter) {
     constexpr unsigned WIDEST = 4096; // more than any label needs, and no more than can be drawn on
     const unsigned width = std::min(mCellWidth, WIDEST);
-    const unsigned height = labelHeightFor(mLetters);
-    Drawing label(width, height, GROUND_INK);
-    const double letters = mLetters;
-    if (!label.canvas().drawText({width / 2.0, letters * 1.5}, mLabels[number],
-                                 {letters, LABEL_INK, Lettering::Align::MIDDLE, false, static_cast<double>(width)})) {
-        warn(mLabels[number], "no installed font has all characters of this label");
-    }
     const Corner corner = cornerOf(number);
-    label.copyTo(mSheet.image(), corner.x + (mCellWidth - width) / 2, corner.y + mPictureHeight);
+    img::Image area =
+        areaAt({corner.x + (mCellWidth - width) / 2, corner.y + mPictureHeight}, width, labelHeightFor(mLetters));
+    if (!painter.drawLabel(area, text, mLetters)) {
+        warn(text, "no installed font has all characters of this label");
+    }
 }
 
 void ContactSheet::place(std::size_t number, const img::Image& picture) {
     Corner corner = cornerOf(number);
     corner.x += (mCellWidth - mPictureWidth) / 2;
-    const img::Image& sheet = mSheet.image();
-    img::Image place(sheet.getPixelPtr(corner.x, corner.y), mPictureWidth, mPictureHeight, sheet.getFormat(),
-                     sheet.getByteRowStride());
+    img::Image area = areaAt(corner, mPictureWidth, mPictureHeight);
     if (hasAlpha(layoutOf(picture))) {
         const std::shared_ptr<img::Image> pixels = picture.convertTo(img::Image::RGBA32F);
         putOnGround(*pixels);
-        place.convertFrom(*pixels);
+        area.convertFrom(*pixels);
     } else {
-        place.convertFrom(picture);
+        area.convertFrom(picture);
     }
 }
 
-} // namespace zqx::app
+PixelBuffer ContactSheet::take() {
+    return std::move(mSheet);
+}
+
+} // namespace zqx::tools

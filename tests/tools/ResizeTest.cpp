@@ -1,5 +1,5 @@
 // Smaller versions of pictures, beside a literal mean in double precision.
-#include "zqx/tools/analysis/AreaAverage.h"
+#include <zqx/tools/Resize.h>
 
 #include <algorithm>
 #include <cmath>
@@ -90,7 +90,8 @@ unsigned middleUnder(unsigned line, unsigned lines, unsigned sourceLines) {
     return (first + last) / 2;
 }
 
-double meanUnder(const PixelBuffer& source, SampleLayout layout, Size size, unsigned x, unsigned y, std::size_t channel) {
+double meanUnder(const PixelBuffer& source, SampleLayout layout, Size size, unsigned x, unsigned y,
+                 std::size_t channel) {
     const auto alphaAt = [&](unsigned sx, unsigned sy) { return sampleAt(source, layout, sx, sy, 3); };
     const auto colorAt = [&](unsigned sx, unsigned sy) { return sampleAt(source, layout, sx, sy, channel); };
     if (!hasAlpha(layout) || isAlpha(layout, channel)) {
