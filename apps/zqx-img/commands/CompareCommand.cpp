@@ -73,7 +73,7 @@ double parseTolerance(const std::string& text) {
     return divisor > 0.0 ? number(std::string_view(text).substr(0, slash)) / divisor : fail();
 }
 
-std::string sizeOf(const Picture& picture) {
+std::string formatSize(const Picture& picture) {
     return std::to_string(picture.width()) + " x " + std::to_string(picture.height());
 }
 
@@ -86,8 +86,8 @@ std::optional<std::string> obstacle(const CompareOptions& options, const Picture
     const auto sentence = [&options](const std::string& left, const std::string& right) {
         return options.files[0] + " is " + left + ", " + options.files[1] + " is " + right;
     };
-    if (sizeOf(a) != sizeOf(b)) {
-        return sentence(sizeOf(a), sizeOf(b));
+    if (formatSize(a) != formatSize(b)) {
+        return sentence(formatSize(a), formatSize(b));
     }
     if (channelsOf(a) != channelsOf(b)) {
         return sentence(channelsInWords(a), channelsInWords(b));
@@ -128,7 +128,7 @@ void printText(const CompareOptions& options, const Report& report) {
     for (const auto& [file, picture] :
          {std::pair(options.files[0], &report.a), std::pair(options.files[1], &report.b)}) {
         line(picture == &report.a ? "first" : "second",
-             file + ", " + sizeOf(*picture) + ", " + nameOf(picture->stored));
+             file + ", " + formatSize(*picture) + ", " + nameOf(picture->stored));
     }
     line("compared as", report.found.scale.encoded ? "stored numbers, white is 1" : "linear light, white is 1");
     std::string largest = inSteps(report.largest(), report.found.scale);

@@ -43,7 +43,7 @@ struct HistogramOptions {
     bool json = false;
 };
 
-std::string subtitleOf(const Picture& picture) {
+std::string makeSubtitle(const Picture& picture) {
     return std::to_string(picture.width()) + " x " + std::to_string(picture.height()) + ", " + nameOf(picture.stored);
 }
 
@@ -97,7 +97,7 @@ void runHistogram(const HistogramOptions& options) {
     const Histogram histogram = countValues(render(pipeline, source, source.pixels.layout()).image());
     const std::string title = text::printable(toName(toPath(options.input).filename()));
     if (!options.output.empty() || options.showing.wanted()) {
-        const PixelBuffer chart = drawChart(histogram, title, subtitleOf(source));
+        const PixelBuffer chart = drawChart(histogram, title, makeSubtitle(source));
         if (!options.output.empty()) {
             writeResultFile(options.output, chart.image(), SampleLayout::RGB8, Picture(), WriteOptions());
         }
@@ -105,7 +105,7 @@ void runHistogram(const HistogramOptions& options) {
             options.showing.show(chart.image());
         }
     } else if (!options.json) {
-        print(drawAsText(histogram, title + "  " + subtitleOf(source),
+        print(drawAsText(histogram, title + "  " + makeSubtitle(source),
                          {terminalSize(StandardStream::OUTPUT).columns, showsUnicode(), wantsColor()}));
     }
     if (options.json) {

@@ -6,7 +6,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zqx/tools/MemoryGate.h>
+
 #include "commands/Commands.h"
+#include "options/MemoryOption.h"
 #include "options/ReadingOptions.h"
 #include "terminal/Output.h"
 #include "zqx/pictures/codecs/Decode.h"
@@ -34,9 +37,12 @@ struct Info {
     ExifSummary exif;
 };
 
-Info inspect(const std::string& name, const Limits& limits) {
+Info inspect(const std::string& name, const ReadOptions& options) {
+    if (options.isolate.value_or(false)) {
+        static_cast<void>(loadPicture(name, options)); // what a damaged file does, it does to the other process first
+    }
     InputFile file = openPicture(name);
-    const FileFormat format = examine(file, limits).format; // some have to be decoded
+    const FileFormat format = examine(file, options.limits).format; // some have to be decoded
     Info info{name, format, {}, {}, {}};
     info.pixels = describeByFreeImage(file, format);
     info.metadata = readMetadata(name, format);
@@ -157,6 +163,7 @@ struct InfoOptions {
     std::string name;
     bool json = false;
     ReadOptions loading;
+    std::uint64_t memory = 0; ///< no limit
 };
 
 constexpr const char* FOOTER = R"(
@@ -177,10 +184,14 @@ void addInfoCommand(CLI::App& program) {
     const auto options = std::make_shared<InfoOptions>();
     command.add_option("FILE", options->name, "The picture")->type_name("FILE")->required();
     command.add_flag("--json", options->json, "Print it as one JSON object");
-    addLimitOptions(command, options->loading.limits);
+    addReadingOptions(command, options->loading);
+    addMemoryOption(command, options->memory);
     command.footer(FOOTER);
     command.callback([options] {
-        const Info info = inspect(options->name, options->loading.limits);
+        if (options->memory != 0) { // most formats are read no further than their header
+            tools::requireMemory({{options->name}, {}}, options->memory);
+        }
+        const Info info = inspect(options->name, options->loading);
         options->json ? printJson(info) : printText(info);
     });
 }

@@ -19,7 +19,7 @@ namespace {
 
 constexpr const char* BEST = "best";
 
-TerminalProtocol protocolOf(const std::string& name) {
+TerminalProtocol parseProtocol(const std::string& name) {
     static constexpr struct {
         const char* name;
         TerminalProtocol protocol;
@@ -56,7 +56,7 @@ void ShowOption::show(const img::Image& image) const {
     const std::shared_ptr<img::Image> pixels = image.convertTo(img::Image::SRGBA8);
     print(encodeForTerminal({static_cast<const unsigned char*>(pixels->getDataPtr()),
                              static_cast<unsigned>(pixels->getWidth()), static_cast<unsigned>(pixels->getHeight()),
-                             terminalSize(StandardStream::OUTPUT), protocolOf(protocol), showsUnicode()}));
+                             terminalSize(StandardStream::OUTPUT), parseProtocol(protocol), showsUnicode()}));
 }
 
 } // namespace zqx::app

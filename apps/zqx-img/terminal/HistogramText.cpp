@@ -25,7 +25,7 @@ struct Bars {
     std::string_view axis;
 };
 
-const Bars& barsOf(const TextStyle& style) {
+const Bars& selectBars(const TextStyle& style) {
     static const Bars UNICODE = {{" ", "\xE2\x96\x81", "\xE2\x96\x82", "\xE2\x96\x83", "\xE2\x96\x84", "\xE2\x96\x85",
                                   "\xE2\x96\x86", "\xE2\x96\x87", "\xE2\x96\x88"},
                                  "\xE2\x94\x80"};
@@ -44,7 +44,7 @@ std::string inColor(std::string_view name, std::string text, const TextStyle& st
 /// Bars of up to so many rows. What occurs at all shows.
 std::string panel(std::string_view name, const std::vector<double>& bins, double limit, std::size_t rows,
                   const TextStyle& style) {
-    const Bars& bars = barsOf(style);
+    const Bars& bars = selectBars(style);
     const std::size_t full = bars.levels.size() - 1;
     std::string text;
     for (std::size_t row = rows; row-- > 0;) {
@@ -64,7 +64,7 @@ std::string panel(std::string_view name, const std::vector<double>& bins, double
 std::string axis(std::size_t columns, const TextStyle& style) {
     std::string line(GUTTER, ' ');
     for (std::size_t i = 0; i < columns; ++i) {
-        line += barsOf(style).axis;
+        line += selectBars(style).axis;
     }
     constexpr std::size_t ROOM_FOR_FIVE = 32;
     const std::vector<std::size_t> values = columns < ROOM_FOR_FIVE ? std::vector<std::size_t>{0, 128, 255}

@@ -6,11 +6,11 @@
 
 namespace zqx::app {
 
-/// The size of the terminal; where it does not tell, 80 by 24 characters of 10 by 20 pixels. COLUMNS and LINES in the
-/// environment have precedence.
+/// The size of the terminal, or 80 by 24 characters of 10 by 20 pixels if unknown. COLUMNS and LINES in the environment
+/// take precedence.
 TerminalSize terminalSize(StandardStream stream);
 
-/// True when standard output is a terminal whose user has not asked for text without colours (NO_COLOR).
+/// True if standard output is a terminal and NO_COLOR is not set.
 bool wantsColor();
 
 } // namespace zqx::app

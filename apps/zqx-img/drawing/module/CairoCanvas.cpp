@@ -60,7 +60,7 @@ public:
         cairo_set_font_size(mContext.get(), lettering.size);
         const std::string whole = text::printable(label);
         const std::string line = shortened(whole, lettering.longest);
-        const double length = lengthOf(line);
+        const double length = textWidth(line);
         switch (lettering.align) {
         case Lettering::Align::LEFT: break;
         case Lettering::Align::MIDDLE: place.x -= length / 2; break;
@@ -81,18 +81,18 @@ private:
         }
     }
 
-    double lengthOf(const std::string& line) {
+    double textWidth(const std::string& line) {
         cairo_text_extents_t extents{};
         cairo_text_extents(mContext.get(), line.c_str(), &extents);
         return extents.x_advance;
     }
 
     std::string shortened(std::string line, double longest) {
-        if (lengthOf(line) <= longest) {
+        if (textWidth(line) <= longest) {
             return line;
         }
         constexpr const char* ELLIPSIS = "\xE2\x80\xA6";
-        while (!line.empty() && lengthOf(line + ELLIPSIS) > longest) {
+        while (!line.empty() && textWidth(line + ELLIPSIS) > longest) {
             line.resize(text::prefix(line, line.size() - 1).size());
         }
         return line + ELLIPSIS;
