@@ -40,11 +40,11 @@ std::string refusalOf(const PictureSize& size, const Limits& limits) {
 
 } // namespace
 
-TEST(LoadLimitsTest, WhatIsAsLargeAsAllowedIsRead) {
+TEST(LimitsTest, WhatIsAsLargeAsAllowedIsRead) {
     EXPECT_EQ(refusalOf({10, 20, 24}, {.width = 10, .height = 20, .pixels = 200}), "");
 }
 
-TEST(LoadLimitsTest, EachRefusalNamesItsLimitAndItsOption) {
+TEST(LimitsTest, EachRefusalNamesItsLimitAndItsOption) {
     EXPECT_EQ(refusalOf({11, 20, 24}, {.width = 10, .height = 20, .pixels = 1000}),
               "a.png: is 11 pixels wide, more than the 10 allowed; --max-width raises that");
     EXPECT_EQ(refusalOf({10, 21, 24}, {.width = 10, .height = 20, .pixels = 1000}),
@@ -53,17 +53,17 @@ TEST(LoadLimitsTest, EachRefusalNamesItsLimitAndItsOption) {
               "a.png: has 200 pixels, more than the 199 allowed; --max-pixels raises that");
 }
 
-TEST(LoadLimitsTest, PixelsAreCountedBeyond32Bits) {
+TEST(LimitsTest, PixelsAreCountedBeyond32Bits) {
     EXPECT_EQ(refusalOf({65536, 65536, 8}, {.width = 100000, .height = 100000, .pixels = 4294967295U}),
               "a.png: has 4294967296 pixels, more than the 4294967295 allowed; --max-pixels raises that");
 }
 
-TEST(LoadOptionsTest, NothingIsDecidedAboutIsolationByDefault) {
+TEST(ReadingOptionsTest, NothingIsDecidedAboutIsolationByDefault) {
     EXPECT_FALSE(parse({}).isolate.has_value());
     EXPECT_EQ(parse({"--no-isolate"}).isolate, false);
 }
 
-TEST(LoadOptionsTest, LimitsAreTaken) {
+TEST(ReadingOptionsTest, LimitsAreTaken) {
     const ReadOptions options =
         parse({"--max-width", "70k", "--max-height", "7", "--max-pixels", "1M", "--max-bytes", "1M"});
     EXPECT_EQ(options.limits.width, 70'000U);
@@ -72,18 +72,20 @@ TEST(LoadOptionsTest, LimitsAreTaken) {
     EXPECT_EQ(options.limits.bytes, 1U << 20U);
 }
 
-TEST(LoadOptionsTest, ThatAreNoneAreRefused) {
+TEST(ReadingOptionsTest, ThatAreNoneAreRefused) {
     for (const char* option : {"--max-width", "--max-height", "--max-pixels", "--max-bytes", "--decode-memory"}) {
         EXPECT_THROW(parse({option, "0"}), CLI::ValidationError) << option;
         EXPECT_THROW(parse({option, "-5"}), CLI::ParseError) << option;
         EXPECT_THROW(parse({option, "much"}), CLI::ValidationError) << option;
     }
-    EXPECT_THROW(parse({"--decode-time", "0"}), CLI::ValidationError);
+    for (const char* time : {"0", "-1", "inf", "-inf", "nan", "1e400", "", "1s"}) {
+        EXPECT_THROW(parse({std::string("--decode-time=") + time}), CLI::ParseError) << time;
+    }
 }
 
 #if defined(__unix__) || defined(__APPLE__)
 
-TEST(LoadOptionsTest, LimitsOfTheOtherProcessTurnItOn) {
+TEST(ReadingOptionsTest, LimitsOfTheOtherProcessTurnItOn) {
     EXPECT_EQ(parse({"--isolate"}).isolate, true);
     const ReadOptions memory = parse({"--decode-memory", "1G"});
     EXPECT_EQ(memory.isolate, true);
@@ -93,12 +95,12 @@ TEST(LoadOptionsTest, LimitsOfTheOtherProcessTurnItOn) {
     EXPECT_EQ(time.decodeSeconds, 0.5);
 }
 
-TEST(LoadOptionsTest, OneCannotWantBoth) {
+TEST(ReadingOptionsTest, OneCannotWantBoth) {
     EXPECT_THROW(parse({"--isolate", "--no-isolate"}), CLI::ExcludesError);
     EXPECT_THROW(parse({"--decode-time", "5", "--no-isolate"}), CLI::ExcludesError);
 }
 
-TEST(LoadOptionsTest, CommandsDecideWhereUsersDoNot) {
+TEST(ReadingOptionsTest, CommandsDecideWhereUsersDoNot) {
     ReadOptions options;
     options.isolateByDefault();
     EXPECT_EQ(options.isolate, true);

@@ -191,6 +191,39 @@ INSTANTIATE_TEST_SUITE_P(Decoders, EachFormatTest,
                              return name;
                          });
 
+TEST_F(IsolationTest, EveryCommandThatReadsPicturesCanIsolate) {
+    const std::string in = endlessPicture();
+    writePicture(at("b.png"), paint(8, 8, 24, motley));
+    const std::vector<std::vector<std::string>> commands = {
+        {"info", in},
+        {"preview", in, "-o", at("out.png")},
+        {"histogram", in},
+        {"compare", in, at("b.png")},
+        {"denoise", in, "--albedo", at("b.png"), "--normal", at("b.png"), "-o", at("out.png")}};
+    for (std::vector<std::string> command : commands) {
+        command.insert(command.end(), {"--decode-time", "0.5"});
+        const Outcome outcome = zqxImg(command);
+        EXPECT_EQ(outcome.exitCode, 1) << command.front();
+        EXPECT_EQ(textOf(in, outcome.err),
+                  "took longer than the 0.5 s that decoding may take; --decode-time raises that")
+            << command.front();
+        EXPECT_FALSE(fs::exists(at("out.png")));
+    }
+}
+
+TEST_F(IsolationTest, EveryCommandThatReadsPicturesGivesTheSameWithIsolation) {
+    writePicture(at("a.png"), paint(8, 8, 24, motley));
+    const std::vector<std::vector<std::string>> commands = {
+        {"info", at("a.png"), "--json"}, {"histogram", at("a.png"), "--json"}, {"compare", at("a.png"), at("a.png")}};
+    for (const std::vector<std::string>& command : commands) {
+        std::vector<std::string> isolated = command;
+        isolated.emplace_back("--isolate");
+        const Outcome outcome = zqxImg(isolated);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+        EXPECT_EQ(outcome.out, zqxImg(command).out) << command.front();
+    }
+}
+
 TEST_F(IsolationTest, MetadataAndTurningAreTheSame) {
     const std::string in = at("in.jpg");
     writeOrientedJpeg(in, 40, 20, 6);

@@ -105,6 +105,22 @@ TEST_F(LimitsTest, GuidesOfTheDenoiserAreLimitedToo) {
          "has 2000 pixels, more than the 10 allowed");
 }
 
+TEST_F(LimitsTest, EveryCommandThatReadsPicturesLimitsItsMemory) {
+    const std::string in = at("in.png");
+    const std::vector<std::vector<std::string>> commands = {
+        {"info", in},
+        {"preview", in, "-o", at("out.png")},
+        {"histogram", in},
+        {"compare", in, in},
+        {"denoise", in, "--albedo", in, "--normal", in, "-o", at("out.png")},
+        {"apply", in, "-o", at("out.png")}};
+    for (std::vector<std::string> command : commands) {
+        command.insert(command.end(), {"--max-memory", "1M"});
+        fail(1, command, "more than the 1.0 MiB allowed; --max-memory raises that");
+    }
+    EXPECT_EQ(files(), std::vector<std::string>{"in.png"});
+}
+
 TEST_F(LimitsTest, InfoIsLimitedToo) {
     fail(1, {"info", at("in.png"), "--max-width", "10"}, "is 50 pixels wide, more than the 10 allowed");
 }

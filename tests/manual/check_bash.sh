@@ -30,3 +30,4 @@ expect "two words.png" apply two
 expect "two words.png" apply in.png -o two
 expect pictures apply in.png --output-dir pic
 expect "" apply in.png --quality 9
+expect histogram help hist

@@ -13,3 +13,4 @@ expect() {
 expect "$1" 'apply*' app
 expect "$1" '*--params*' 'apply --par'
 expect "$1" 'exposure=*' 'apply in.png --set expo'
+expect "$1" 'histogram*' 'help hist'

@@ -9,10 +9,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include <zqx/tools/MemoryGate.h>
-
 #include <zqx/img/Color.h>
 #include <zqx/img/DenoisingFilter.h>
+#include <zqx/tools/MemoryGate.h>
 
 #include "commands/Commands.h"
 #include "commands/ResultFile.h"
@@ -45,7 +44,7 @@ struct DenoiseOptions {
 };
 
 /// The filter asks for the guides as well, but only once the pictures are read and its library is there.
-void requireGuides(const DenoiseOptions& options) {
+void checkGuides(const DenoiseOptions& options) {
     for (const auto& [option, file] : {std::pair("--albedo", options.albedo), std::pair("--normal", options.normal)}) {
         if (file.empty()) {
             throw Error(option, "Invalid Input: the denoiser needs both guides; give --albedo and --normal");
@@ -152,7 +151,7 @@ PixelBuffer render(const Picture& source, SampleLayout layout, const DenoiseOpti
 }
 
 void runDenoise(const DenoiseOptions& options) {
-    requireGuides(options);
+    checkGuides(options);
     const FileFormat format = outputFormat(options.output);
     checkResultFile(options.output, {options.albedo, options.normal});
     constexpr std::uint64_t WORKING_BYTES = 3 * 4 * sizeof(float); // what the denoiser itself takes has its own limits

@@ -70,7 +70,7 @@ Picture reduced(Picture picture, unsigned longestSide) {
     return picture;
 }
 
-std::string stemOf(const std::string& name) {
+std::string fileStem(const std::string& name) {
     const std::u8string stem = toPath(name).stem().u8string();
     return {stem.begin(), stem.end()};
 }
@@ -106,7 +106,7 @@ PixelBuffer makeSheet(const PreviewOptions& options, std::vector<img::ImageProce
                       const Picture& source) {
     std::vector<std::string> labels = {"original"};
     for (const std::string& document : options.sheet) {
-        labels.push_back(stemOf(document));
+        labels.push_back(fileStem(document));
     }
     SheetLabels painter;
     ContactSheet sheet(labels, source.width(), source.height(), painter);

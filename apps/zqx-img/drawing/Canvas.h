@@ -6,7 +6,7 @@
 
 namespace zqx::app {
 
-/// Places count from the upper left corner, in pixels; the middle of the first pixel is at (0.5, 0.5).
+/// In pixels from the upper left corner; the centre of the first pixel is at (0.5, 0.5).
 struct Point {
     double x = 0.0;
     double y = 0.0;
@@ -40,14 +40,14 @@ public:
 
     virtual void fillRectangle(Point corner, double width, double height, const Ink& ink) = 0;
 
-    /// Fills a shape. Where shapes lie over each other, their light adds up.
+    /// Fills a shape with the screen operator: overlapping shapes get lighter.
     virtual void fillLight(std::span<const Point> outline, const Ink& ink) = 0;
 
     virtual void drawLine(std::span<const Point> places, double width, const Ink& ink) = 0;
 
-    /// @param place of the text's base line
-    /// @param text UTF-8; what is not, or does not print, is replaced
-    /// @return false when no installed font has all the letters
+    /// @param place on the base line of the text
+    /// @param text UTF-8; invalid and unprintable parts are replaced
+    /// @return false if no installed font has all characters
     virtual bool drawText(Point place, std::string_view text, const Lettering& lettering) = 0;
 };
 

@@ -1,5 +1,5 @@
-// Finds and binds the module. Linking it would make every start of the program load some twenty libraries, which takes
-// longer than most of its commands.
+// Finds and loads the drawing module. If it were linked, every start of the program would load some twenty libraries,
+// which takes longer than most commands.
 #include "drawing/Drawing.h"
 
 #include <algorithm>
@@ -69,7 +69,7 @@ fs::path findModule() {
 const drawing::Functions& bind() {
     const fs::path name = findModule();
     std::string reason;
-    void* module = load(name, reason); // never unloaded: the libraries behind it are not made for that
+    void* module = load(name, reason); // never unloaded: the libraries behind it do not support that
     if (module == nullptr) {
         throw Error(name.string(), "the drawing module cannot be loaded (" + reason + "); reinstall the program");
     }

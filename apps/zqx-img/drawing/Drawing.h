@@ -16,7 +16,7 @@ namespace zqx::app {
 /// Pixels with a canvas over them.
 class Drawing {
 public:
-    /// @throws Error when the module cannot be had
+    /// @throws Error if the module cannot be loaded
     Drawing(unsigned width, unsigned height, const Ink& background);
 
     Canvas& canvas() { return *mCanvas; }
@@ -31,7 +31,7 @@ private:
     std::unique_ptr<Canvas> mCanvas;
 };
 
-/// What to write to a terminal to have it show the picture. @throws Error when the module cannot be had
+/// The bytes that make a terminal show the picture. @throws Error if the module cannot be loaded
 std::string encodeForTerminal(const TerminalPicture& picture);
 
 } // namespace zqx::app

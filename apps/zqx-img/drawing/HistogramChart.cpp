@@ -1,4 +1,4 @@
-// The chart's layout. All measures are in pixels of the finished picture.
+// The layout of the chart, in pixels.
 #include "drawing/HistogramChart.h"
 
 #include <algorithm>
@@ -34,7 +34,7 @@ constexpr Ink LUMA_INK{0.93, 0.93, 0.93};
 
 using Align = Lettering::Align;
 
-Ink inkOf(std::string_view name) {
+Ink channelInk(std::string_view name) {
     if (name == "red") {
         return {0.92, 0.24, 0.22};
     }
@@ -50,7 +50,7 @@ Ink withOpacity(Ink ink, double opacity) {
 }
 
 /// The middle of the bin of a stored value.
-double placeOf(double code) {
+double binCenter(double code) {
     return LEFT + BIN_WIDTH * (code + 0.5);
 }
 
@@ -66,25 +66,25 @@ void drawScales(Canvas& canvas) {
     constexpr int DARKEST_STOP = 7; // further ones would be closer than their names are wide
     canvas.fillRectangle({LEFT, TOP}, RIGHT - LEFT, BOTTOM - TOP, PLOT);
     for (int stop = 1; stop <= DARKEST_STOP; ++stop) {
-        const double x = placeOf(255.0 * img::kernels::maths::exp2(-stop / GAMMA));
+        const double x = binCenter(255.0 * img::kernels::maths::exp2(-stop / GAMMA));
         drawVertical(canvas, x, TOP, BOTTOM, GRID);
         canvas.drawText({x, TOP - 10.0}, "\xE2\x88\x92" + std::to_string(stop), {13.0, FAINT_TEXT, Align::MIDDLE});
     }
     canvas.drawText({RIGHT, TOP - 10.0}, "stops below white", {13.0, FAINT_TEXT, Align::RIGHT});
     for (const int code : {0, 32, 64, 96, 128, 160, 192, 224, 255}) {
-        drawVertical(canvas, placeOf(code), BOTTOM, BOTTOM + 6.0, FAINT_TEXT);
-        canvas.drawText({placeOf(code), BOTTOM + 24.0}, std::to_string(code), {13.0, FAINT_TEXT, Align::MIDDLE});
+        drawVertical(canvas, binCenter(code), BOTTOM, BOTTOM + 6.0, FAINT_TEXT);
+        canvas.drawText({binCenter(code), BOTTOM + 24.0}, std::to_string(code), {13.0, FAINT_TEXT, Align::MIDDLE});
     }
     canvas.drawText({WIDTH / 2.0, BOTTOM + 52.0}, "stored value", {13.0, FAINT_TEXT, Align::MIDDLE});
 }
 
-std::vector<Point> curveOf(const std::vector<double>& bins, double limit) {
+std::vector<Point> makeCurve(const std::vector<double>& bins, double limit) {
     std::vector<Point> curve;
     const auto heightOf = [&](double count) { return BOTTOM - std::min(count / limit, 1.0) * (BOTTOM - TOP - 8.0); };
-    // The ends reach over the whole of their bins: it is there that what is clipped stands.
+    // The curve covers the whole of the outer bins, which hold the clipped values.
     curve.push_back({LEFT, heightOf(bins.front())});
     for (std::size_t code = 0; code < bins.size(); ++code) {
-        curve.push_back({placeOf(static_cast<double>(code)), heightOf(bins[code])});
+        curve.push_back({binCenter(static_cast<double>(code)), heightOf(bins[code])});
     }
     curve.push_back({RIGHT, heightOf(bins.back())});
     return curve;
@@ -104,11 +104,11 @@ void drawCurves(Canvas& canvas, const Histogram& histogram) {
     const double limit = drawingLimit(bins);
     for (std::size_t i = 0; i < bins.size(); ++i) {
         const std::string_view name = histogram.names()[i];
-        const std::vector<Point> curve = curveOf(bins[i], limit);
+        const std::vector<Point> curve = makeCurve(bins[i], limit);
         if (name != "luma" || !histogram.color) {
-            canvas.fillLight(closed(curve), withOpacity(inkOf(name), name == "luma" ? 0.45 : 0.62));
+            canvas.fillLight(closed(curve), withOpacity(channelInk(name), name == "luma" ? 0.45 : 0.62));
         }
-        canvas.drawLine(curve, 1.5, withOpacity(inkOf(name), name == "luma" ? 0.9 : 0.75));
+        canvas.drawLine(curve, 1.5, withOpacity(channelInk(name), name == "luma" ? 0.9 : 0.75));
     }
     const std::array<Point, 2> floor = {{{LEFT, BOTTOM + 0.5}, {RIGHT, BOTTOM + 0.5}}};
     canvas.drawLine(floor, 1.0, FAINT_TEXT);
@@ -124,14 +124,15 @@ void drawClipping(Canvas& canvas, const Histogram& histogram) {
     for (std::size_t i = 0; i < histogram.present().size(); ++i) {
         const ChannelCounts& counts = histogram.present()[i];
         const double x = left + CELL * static_cast<double>(i + 1);
-        canvas.drawText({x, LINES[0]}, histogram.names()[i], {14.0, inkOf(histogram.names()[i]), Align::RIGHT, true});
+        canvas.drawText({x, LINES[0]}, histogram.names()[i],
+                        {14.0, channelInk(histogram.names()[i]), Align::RIGHT, true});
         canvas.drawText({x, LINES[1]}, percentage(counts.shadows(), histogram.pixels), {14.0, TEXT, Align::RIGHT});
         canvas.drawText({x, LINES[2]}, percentage(counts.highlights(), histogram.pixels), {14.0, TEXT, Align::RIGHT});
     }
 }
 
-/// What the scale has no place for, of the channel that has most of it.
-std::string outOfRangeOf(const Histogram& histogram) {
+/// The share of values outside the scale, of the channel with most of them.
+std::string describeOutOfRange(const Histogram& histogram) {
     ChannelCounts sum;
     for (const ChannelCounts& counts : histogram.present()) {
         sum.below = std::max(sum.below, counts.below);
@@ -164,7 +165,8 @@ PixelBuffer drawChart(const Histogram& histogram, const std::string& title, cons
     }
     canvas.drawText({LEFT, 80.0}, subtitle, {14.0, FAINT_TEXT, Align::LEFT, false, TITLE_WIDTH});
     if (histogram.outOfRange) {
-        canvas.drawText({LEFT, 100.0}, outOfRangeOf(histogram), {14.0, FAINT_TEXT, Align::LEFT, false, TITLE_WIDTH});
+        canvas.drawText({LEFT, 100.0}, describeOutOfRange(histogram),
+                        {14.0, FAINT_TEXT, Align::LEFT, false, TITLE_WIDTH});
     }
     PixelBuffer chart(WIDTH, HEIGHT, SampleLayout::RGB8);
     drawing.copyTo(chart.image(), 0, 0);

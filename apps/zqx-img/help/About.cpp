@@ -1,4 +1,4 @@
-// What is asked of the libraries that the program is linked with.
+// Collects versions from the libraries that the program is linked with.
 #include "help/About.h"
 
 #include <CLI/Version.hpp>

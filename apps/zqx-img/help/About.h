@@ -1,4 +1,4 @@
-// What this build of the program is and does.
+// What this build of the program is: version, instruction set, libraries.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@ namespace zqx::app {
 /// The instruction set that the library's kernels use on this processor, "AVX2".
 std::string simdTarget();
 
-/// The text of --version: version and commit, the libraries at work and their versions.
+/// The text of --version: version and commit, instruction set, libraries and their versions.
 std::string versionText();
 
 } // namespace zqx::app

@@ -68,7 +68,7 @@ std::optional<std::string> firstUnexpected(const CLI::App& command) {
 
 /// Behind the words of a message, where arguments are missing or too many.
 std::string usageLine(const CLI::App& program, const CLI::App& command) {
-    return "; usage: " + usageOf(describe(command), &command == &program ? "" : program.get_name());
+    return "; usage: " + formatUsage(describe(command), &command == &program ? "" : program.get_name());
 }
 
 std::string describeUnknownCommand(const std::string& word, const CLI::App& program) {

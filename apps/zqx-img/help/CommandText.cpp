@@ -1,4 +1,4 @@
-// From the command line library's objects to plain text, and from there to the terminal.
+// Converts the objects of the command line library to text, and lays out --help.
 #include "help/CommandText.h"
 
 #include <algorithm>
@@ -7,6 +7,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "zqx/text/Width.h"
+
 namespace zqx::app {
 
 namespace {
@@ -14,8 +16,8 @@ namespace {
 constexpr std::size_t WIDTH = 100;
 constexpr std::size_t COLUMN = 30; // where descriptions begin
 
-/// Validators that accept words describe themselves as "{one,two}" behind the name of the value.
-std::vector<std::string> choicesOf(const std::string& typeName) {
+/// Validators that accept a list of words append it to the type name as "{one,two}".
+std::vector<std::string> parseChoices(const std::string& typeName) {
     const std::size_t open = typeName.find('{');
     const std::size_t close = typeName.rfind('}');
     std::vector<std::string> choices;
@@ -43,9 +45,9 @@ OptionText describeOption(const CLI::Option& option) {
     }
     const std::string typeName = option.get_type_name();
     if (option.get_type_size_max() > 0) {
-        text.value = typeName.substr(0, typeName.find(':')); // what validators demand is in the description
+        text.value = typeName.substr(0, typeName.find(':')); // validators append their own description
     }
-    text.choices = choicesOf(typeName);
+    text.choices = parseChoices(typeName);
     text.description = option.get_description();
     text.defaultValue = option.get_default_str();
     text.group = option.get_group();
@@ -55,7 +57,7 @@ OptionText describeOption(const CLI::Option& option) {
     return text;
 }
 
-std::vector<std::string> linesOf(const std::string& text) {
+std::vector<std::string> splitLines(const std::string& text) {
     std::vector<std::string> lines;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);) {
@@ -91,10 +93,10 @@ void addBlock(std::vector<SectionText>& sections, const std::vector<std::string>
     sections.push_back(section);
 }
 
-std::vector<SectionText> sectionsOf(const std::string& footer) {
+std::vector<SectionText> parseSections(const std::string& footer) {
     std::vector<SectionText> sections;
     std::vector<std::string> block;
-    for (const std::string& line : linesOf(footer)) {
+    for (const std::string& line : splitLines(footer)) {
         if (line.empty()) {
             addBlock(sections, block);
             block.clear();
@@ -106,28 +108,9 @@ std::vector<SectionText> sectionsOf(const std::string& footer) {
     return sections;
 }
 
-std::string argumentOf(const OptionText& option) {
+std::string formatArgument(const OptionText& option) {
     std::string name = option.names.front() + (option.list ? "..." : "");
     return option.required ? name : "[" + name + "]";
-}
-
-/// Words in lines that end before the width, all but the first line indented.
-std::string wrapped(const std::string& text, std::size_t indent) {
-    std::string result;
-    std::size_t column = indent;
-    std::istringstream words(text);
-    for (std::string word; words >> word;) {
-        if (column > indent && column + 1 + word.size() > WIDTH) {
-            result += "\n" + std::string(indent, ' ');
-            column = indent;
-        } else if (column > indent) {
-            result += ' ';
-            ++column;
-        }
-        result += word;
-        column += word.size();
-    }
-    return result;
 }
 
 std::string row(const std::string& name, const std::string& description) {
@@ -137,10 +120,10 @@ std::string row(const std::string& name, const std::string& description) {
     } else {
         line.resize(COLUMN, ' ');
     }
-    return line + wrapped(description, COLUMN) + "\n";
+    return line + text::wrapped(description, WIDTH, COLUMN) + "\n";
 }
 
-std::string rowsOf(const std::vector<OptionText>& options, const std::string& group) {
+std::string formatRows(const std::vector<OptionText>& options, const std::string& group) {
     std::string rows;
     for (const OptionText& option : options) {
         if (option.positional ? group == "Arguments" : option.group == group) {
@@ -148,13 +131,13 @@ std::string rowsOf(const std::vector<OptionText>& options, const std::string& gr
             if (!option.defaultValue.empty()) {
                 description += " (default " + option.defaultValue + ")";
             }
-            rows += row(synopsisOf(option), description);
+            rows += row(formatSynopsis(option), description);
         }
     }
     return rows;
 }
 
-std::vector<std::string> groupsOf(const std::vector<OptionText>& options) {
+std::vector<std::string> collectGroups(const std::vector<OptionText>& options) {
     std::vector<std::string> groups{"Arguments"};
     for (const OptionText& option : options) {
         if (!option.positional && std::ranges::find(groups, option.group) == groups.end()) {
@@ -170,11 +153,10 @@ public:
         const CommandText command = describe(*app);
         // A command's name arrives with its parents in front.
         const std::size_t space = name.rfind(' ');
-        std::string help = wrapped(command.description, 0) +
-                           "\n\nUsage: " + usageOf(command, space == std::string::npos ? "" : name.substr(0, space)) +
-                           "\n";
-        for (const std::string& group : groupsOf(command.options)) {
-            if (const std::string rows = rowsOf(command.options, group); !rows.empty()) {
+        std::string help = text::wrapped(command.description, WIDTH, 0) + "\n\nUsage: " +
+                           formatUsage(command, space == std::string::npos ? "" : name.substr(0, space)) + "\n";
+        for (const std::string& group : collectGroups(command.options)) {
+            if (const std::string rows = formatRows(command.options, group); !rows.empty()) {
                 help += "\n" + group + ":\n" + rows;
             }
         }
@@ -192,7 +174,7 @@ public:
 } // namespace
 
 CommandText describe(const CLI::App& app) {
-    CommandText text{app.get_name(), app.get_description(), {}, sectionsOf(app.get_footer()), {}};
+    CommandText text{app.get_name(), app.get_description(), {}, parseSections(app.get_footer()), {}};
     for (const CLI::Option* option : app.get_options()) {
         if (!option->get_group().empty()) { // hidden
             text.options.push_back(describeOption(*option));
@@ -207,11 +189,11 @@ CommandText describe(const CLI::App& app) {
     return text;
 }
 
-std::string usageOf(const CommandText& command, const std::string& prefix) {
+std::string formatUsage(const CommandText& command, const std::string& prefix) {
     std::string usage = prefix + (prefix.empty() ? "" : " ") + command.name + " [OPTIONS]";
     for (const OptionText& option : command.options) {
         if (option.positional) {
-            usage += " " + argumentOf(option);
+            usage += " " + formatArgument(option);
         } else if (option.required) {
             usage += " " + option.names.front() + " " + option.value;
         }
@@ -219,7 +201,7 @@ std::string usageOf(const CommandText& command, const std::string& prefix) {
     return command.commands.empty() ? usage : usage + " COMMAND";
 }
 
-std::string synopsisOf(const OptionText& option) {
+std::string formatSynopsis(const OptionText& option) {
     std::string synopsis;
     for (const std::string& name : option.names) {
         synopsis += (synopsis.empty() ? "" : ", ") + name;

@@ -1,4 +1,4 @@
-// The command line as text, apart from any layout: what help on the terminal, manual pages and completions are made of.
+// The command line as text without layout: the source of help, manual pages and completions.
 #pragma once
 
 #include <memory>
@@ -14,23 +14,23 @@ namespace zqx::app {
 
 /// One option or positional argument.
 struct OptionText {
-    std::vector<std::string> names;   ///< "-o", "--output"; of a positional its name alone
-    std::string value;                ///< what is to be given, "FILE"; empty for a switch
-    std::vector<std::string> choices; ///< the words that may be given, where there is a fixed list
+    std::vector<std::string> names;   ///< "-o", "--output"; the name of a positional
+    std::string value;                ///< placeholder for the value, "FILE"; empty for a switch
+    std::vector<std::string> choices; ///< the accepted words, where there is a fixed list
     std::string description;
-    std::string defaultValue; ///< empty where there is none worth telling
+    std::string defaultValue; ///< empty for none
     std::string group;
     bool positional;
     bool required;
-    bool repeated; ///< may be given several times, or be followed by several values
-    bool list;     ///< one mention takes several values
+    bool repeated; ///< may be given several times, or with several values
+    bool list;     ///< takes several values at once
 };
 
-/// A part of the text that follows the options.
+/// A section of the text after the options.
 struct SectionText {
     std::string heading; ///< empty for plain paragraphs
     std::string text;
-    bool literal; ///< lines are to stay as they are
+    bool literal; ///< line breaks are kept
 };
 
 /// One command, or the program itself.
@@ -42,17 +42,17 @@ struct CommandText {
     std::vector<CommandText> commands;
 };
 
-/// Reads a command line object. What follows the options is taken apart by blank lines: a first line that ends with a
-/// colon is a heading, indented lines below it stay as they are, everything else is a paragraph.
+/// Describes a command line object. The text after the options is split at blank lines: a first line that ends with a
+/// colon is a heading, indented lines below it are literal, everything else is a paragraph.
 CommandText describe(const CLI::App& app);
 
 /// "zqx-img apply [OPTIONS] INPUT..."
-std::string usageOf(const CommandText& command, const std::string& prefix);
+std::string formatUsage(const CommandText& command, const std::string& prefix);
 
 /// "-o, --output FILE"
-std::string synopsisOf(const OptionText& option);
+std::string formatSynopsis(const OptionText& option);
 
-/// The program's way of laying out --help: 100 columns, options in two columns.
+/// The layout of --help: lines of 100 characters, options in two columns.
 std::shared_ptr<CLI::FormatterBase> makeHelpFormatter();
 
 } // namespace zqx::app

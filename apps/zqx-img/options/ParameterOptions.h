@@ -22,8 +22,7 @@ struct ParameterOptions {
     void addTo(CLI::App& command);
 
     /// A pipeline with these adjustments and no stage active. Warns of what is ignored or limited.
-    /// @throws UsageError for a setting that cannot be meant, Error for a document that cannot be read, and instead of
-    /// warnings where they are not wanted
+    /// @throws UsageError for an invalid setting, Error for an unreadable document, and instead of warnings if strict
     img::ImageProcessingPipeline makePipeline() const;
 };
 

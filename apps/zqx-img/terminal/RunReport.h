@@ -1,4 +1,4 @@
-// What a run tells while it goes on and at its end: to people on standard error, to programs on standard output.
+// Reports the progress and the result of a run: to people on standard error, to programs on standard output.
 #pragma once
 
 #include <chrono>
@@ -18,14 +18,14 @@ struct ReportOptions {
     bool dryRun = false;
 };
 
-/// Collects what becomes of the pictures. All methods may be called by several threads.
+/// Counts and reports results. Thread-safe.
 class RunReport : public tools::BatchObserver {
 public:
-    /// @param pictures in the run; one alone is done without a word
+    /// @param pictures in the run; a single one gets no summary
     /// @param unreadable files that are no part of it
     RunReport(const ReportOptions& options, std::size_t pictures, const tools::ExtensionCounts& unreadable);
 
-    /// Something for those who want to know everything.
+    /// A line that only --verbose prints.
     void note(const std::string& line);
     void begin(const std::string& input) override;
     void warning(const std::string& line) override;
@@ -34,14 +34,14 @@ public:
     /// Brings the progress line up to date.
     void tick() override;
 
-    /// The last line of a run that came to its end.
+    /// Prints the summary of a finished run.
     void conclude();
-    /// The last line of one that did not. Called while others go on.
+    /// Prints the summary of an interrupted run. Called while other threads still work.
     void concludeInterrupted();
 
     tools::RunTotals totals() const;
 
-    /// False once standard output takes no more: nobody is left to work for.
+    /// False once standard output could not be written.
     bool isHeard() const override;
 
 private:

@@ -1,11 +1,11 @@
-// Pictures as a terminal shows them. What encodes them is in a module that is loaded when it is first needed.
+// Pictures for terminals. They are encoded by a module that is loaded when first needed.
 #pragma once
 
 #include <cstddef>
 
 namespace zqx::app {
 
-/// The ways of bringing a picture to a terminal. SYMBOLS works in all of them: coloured characters.
+/// Graphics protocols of terminals. SYMBOLS, coloured characters, works everywhere.
 enum class TerminalProtocol { BEST, KITTY, ITERM, SIXEL, SYMBOLS };
 
 /// The size of a terminal and of one of its character cells.

@@ -43,7 +43,7 @@ ChafaPixelMode bestMode(const Owned<ChafaTermInfo>& terminal) {
     return knows(terminal, CHAFA_TERM_SEQ_BEGIN_SIXELS) ? CHAFA_PIXEL_MODE_SIXELS : CHAFA_PIXEL_MODE_SYMBOLS;
 }
 
-ChafaPixelMode modeOf(TerminalProtocol protocol, const Owned<ChafaTermInfo>& terminal) {
+ChafaPixelMode pixelMode(TerminalProtocol protocol, const Owned<ChafaTermInfo>& terminal) {
     switch (protocol) {
     case TerminalProtocol::KITTY: return CHAFA_PIXEL_MODE_KITTY;
     case TerminalProtocol::ITERM: return CHAFA_PIXEL_MODE_ITERM2;
@@ -54,7 +54,7 @@ ChafaPixelMode modeOf(TerminalProtocol protocol, const Owned<ChafaTermInfo>& ter
     return bestMode(terminal);
 }
 
-ChafaCanvasMode colorsOf(const Owned<ChafaTermInfo>& terminal) {
+ChafaCanvasMode canvasMode(const Owned<ChafaTermInfo>& terminal) {
     if (knows(terminal, CHAFA_TERM_SEQ_SET_COLOR_FGBG_DIRECT)) {
         return CHAFA_CANVAS_MODE_TRUECOLOR;
     }
@@ -117,8 +117,9 @@ Owned<ChafaCanvas> makeCanvas(const TerminalPicture& picture, const Padded& pixe
 
 std::string encodeForTerminal(const TerminalPicture& picture) {
     const Owned<ChafaTermInfo> terminal = detectTerminal();
-    const ChafaPixelMode mode = modeOf(picture.protocol, terminal);
-    const ChafaCanvasMode colors = mode == CHAFA_PIXEL_MODE_SYMBOLS ? colorsOf(terminal) : CHAFA_CANVAS_MODE_TRUECOLOR;
+    const ChafaPixelMode mode = pixelMode(picture.protocol, terminal);
+    const ChafaCanvasMode colors =
+        mode == CHAFA_PIXEL_MODE_SYMBOLS ? canvasMode(terminal) : CHAFA_CANVAS_MODE_TRUECOLOR;
     // The sequences of a protocol that was asked for although the terminal is not known to have it.
     const Owned<ChafaTermInfo> all(chafa_term_db_get_fallback_info(chafa_term_db_get_default()));
     chafa_term_info_supplement(terminal.get(), all.get());

@@ -1,5 +1,5 @@
-// The module's only way in. It is loaded when a command draws: the libraries behind it take longer to load than most
-// commands to run.
+// The entry point of the module. It is loaded only when a command draws, because its libraries take longer to load than
+// most commands to run.
 #include "drawing/module/Module.h"
 
 #include "drawing/module/CairoCanvas.h"

@@ -1,4 +1,4 @@
-// What the program and its drawing module know of each other. They are built and installed together.
+// The interface between the program and its drawing module, which are built and installed together.
 #pragma once
 
 #include <cstdint>
@@ -11,14 +11,14 @@
 namespace zqx::app::drawing {
 
 struct Functions {
-    /// A canvas over foreign pixels, 0xRRGGBB each, packed rows from the top. @throws std::bad_alloc
+    /// A canvas over the caller's pixels, 0xRRGGBB each, packed rows from the top. @throws std::bad_alloc
     std::unique_ptr<Canvas> (*makeCanvas)(std::uint32_t* pixels, int width, int height);
 
-    /// What to write to a terminal to have it show the picture. @throws std::bad_alloc
+    /// The bytes that make a terminal show the picture. @throws std::bad_alloc
     std::string (*encodeForTerminal)(const TerminalPicture& picture);
 };
 
-/// The one symbol that the module exports. A module of another version has another name for it.
+/// The only exported symbol. Its name contains the version.
 using GetFunctions = const Functions*();
 
 } // namespace zqx::app::drawing

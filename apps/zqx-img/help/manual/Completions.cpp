@@ -1,19 +1,16 @@
-// One script per shell. What a value may be follows from the name that it has in help: FILE and DIR are names of files,
-// NAME=VALUE is an adjustment, a validator's list of words is that list; of anything else a shell knows nothing.
+// One script per shell. The placeholder of a value decides how it is completed: FILE and DIR with names of files and
+// folders, NAME=VALUE with adjustments, a list of words with these words. Nothing else is completed.
 #include "help/manual/Completions.h"
 
 #include <algorithm>
 
 namespace zqx::app {
 
-using namespace pictures;
-using namespace tools;
-
 namespace {
 
 enum class Kind { NOTHING, FILES, FOLDERS, ADJUSTMENT, WORDS };
 
-Kind kindOf(const OptionText& option) {
+Kind valueKind(const OptionText& option) {
     if (!option.choices.empty()) {
         return Kind::WORDS;
     }
@@ -36,11 +33,11 @@ std::string joined(std::span<const std::string> words, const std::string& betwee
 
 bool takesFiles(const CommandText& command) {
     return std::ranges::any_of(command.options, [](const OptionText& option) {
-        return option.positional && (kindOf(option) == Kind::FILES || kindOf(option) == Kind::FOLDERS);
+        return option.positional && (valueKind(option) == Kind::FILES || valueKind(option) == Kind::FOLDERS);
     });
 }
 
-std::string namesOf(const CommandText& command) {
+std::string optionNames(const CommandText& command) {
     std::string names;
     for (const OptionText& option : command.options) {
         if (!option.positional) {
@@ -58,7 +55,7 @@ std::string commandNames(const CommandText& program) {
     return names;
 }
 
-/// Text between single quotes of a shell, in which a quote itself has to be left and entered again.
+/// Text in single quotes for a shell. A quote in it ends the quotation, follows escaped, and starts it again.
 std::string quoted(const std::string& text) {
     std::string result = "'";
     for (const char c : text) {
@@ -68,7 +65,7 @@ std::string quoted(const std::string& text) {
 }
 
 std::string bashAnswer(const OptionText& option) {
-    switch (kindOf(option)) {
+    switch (valueKind(option)) {
     case Kind::FILES: return "_zqx_img_files -f";
     case Kind::FOLDERS: return "_zqx_img_files -d";
     case Kind::ADJUSTMENT: return "_zqx_img_adjustments";
@@ -79,7 +76,7 @@ std::string bashAnswer(const OptionText& option) {
     return ":";
 }
 
-/// Patterns of "command option distance" for which an option's value is being typed.
+/// Patterns of "command option distance" at which the value of an option is being typed.
 std::string bashCase(const CommandText& command, const OptionText& option) {
     std::string patterns;
     for (const std::string& name : option.names) {
@@ -102,7 +99,7 @@ std::string zshText(const std::string& text) {
 
 std::string zshValue(const OptionText& option) {
     const std::string message = ":" + zshText(option.positional ? option.names.front() : option.value) + ":";
-    switch (kindOf(option)) {
+    switch (valueKind(option)) {
     case Kind::FILES: return message + "_files";
     case Kind::FOLDERS: return message + "_files -/";
     case Kind::ADJUSTMENT: return message + "_zqx_img_adjustments";
@@ -140,7 +137,7 @@ std::string fishOption(const std::string& condition, const OptionText& option,
         line += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
     }
     if (!option.value.empty()) {
-        switch (kindOf(option)) {
+        switch (valueKind(option)) {
         case Kind::FILES: line += " -r -F"; break;
         case Kind::FOLDERS: line += " -x -a '(__fish_complete_directories)'"; break;
         case Kind::ADJUSTMENT: line += " -x -a " + quoted(joined(adjustments, " ", "=")); break;
@@ -157,13 +154,16 @@ std::string bashCompletion(const CommandText& program, std::span<const std::stri
     std::string cases;
     std::string options;
     std::string withFiles;
+    std::string withWords;
     for (const CommandText& command : program.commands) {
         for (const OptionText& option : command.options) {
             if (!option.positional && !option.value.empty()) {
                 cases += bashCase(command, option);
+            } else if (option.positional && valueKind(option) == Kind::WORDS) {
+                withWords += "    " + command.name + ") " + bashAnswer(option) + " ;;\n";
             }
         }
-        options += "    " + command.name + ") options='" + namesOf(command) + "' ;;\n";
+        options += "    " + command.name + ") options='" + optionNames(command) + "' ;;\n";
         if (takesFiles(command)) {
             withFiles += (withFiles.empty() ? "" : " | ") + command.name;
         }
@@ -200,7 +200,7 @@ _zqx_img() {
            R"bash(    esac
     case $command in
     '') options=')bash" +
-           commandNames(program) + " " + namesOf(program) + R"bash(' ;;
+           commandNames(program) + " " + optionNames(program) + R"bash(' ;;
 )bash" + options +
            R"bash(    esac
     if [[ -z $command || $word == -* ]]; then
@@ -210,7 +210,8 @@ _zqx_img() {
     case $command in
     )bash" +
            withFiles + R"bash() _zqx_img_files -f ;;
-    esac
+)bash" + withWords +
+           R"bash(    esac
 }
 complete -F _zqx_img zqx-img
 )bash";
@@ -274,6 +275,9 @@ std::string fishCompletion(const CommandText& program, std::span<const std::stri
         for (const OptionText& option : command.options) {
             if (!option.positional) {
                 script += fishOption(condition, option, adjustments);
+            } else if (valueKind(option) == Kind::WORDS) {
+                script += "complete -c zqx-img -n " + quoted(condition) + " -x -a " +
+                          quoted(joined(option.choices, " ")) + "\n";
             }
         }
         if (takesFiles(command)) {

@@ -1,4 +1,4 @@
-// Completions for shells from the command line.
+// Shell completions made from the command line.
 #pragma once
 
 #include <span>
@@ -8,7 +8,7 @@
 
 namespace zqx::app {
 
-/// @param adjustments the names that --set knows
+/// @param adjustments the names that --set accepts
 std::string bashCompletion(const CommandText& program, std::span<const std::string> adjustments);
 std::string zshCompletion(const CommandText& program, std::span<const std::string> adjustments);
 std::string fishCompletion(const CommandText& program, std::span<const std::string> adjustments);

@@ -6,12 +6,9 @@
 
 namespace zqx::app {
 
-using namespace pictures;
-using namespace tools;
-
 namespace {
 
-/// Text as roff: hyphens that are typed are no typographic hyphens, and no line may begin with a request.
+/// Escapes text for roff: typed hyphens stay hyphens, and no line may begin with a control character.
 std::string escaped(const std::string& text) {
     std::string result;
     bool lineStart = true;
@@ -116,7 +113,7 @@ std::string literal(const std::string& text) {
     return ".nf\n" + escaped(text) + "\n.fi\n";
 }
 
-/// The paragraphs go under DESCRIPTION, what has a heading of its own after the options.
+/// Paragraphs go under DESCRIPTION, sections with a heading after the options.
 std::string paragraphs(const CommandText& command) {
     std::string text;
     for (const SectionText& section : command.sections) {
@@ -160,7 +157,7 @@ std::string seeAlso(const CommandText& program, const std::string& self) {
     return text;
 }
 
-/// Blank lines are requests of their own in roff, and lint complains of them.
+/// Removes blank lines, which are requests in roff and rejected by its linters.
 std::string withoutBlankLines(const std::string& page) {
     std::istringstream lines(page);
     std::string result;

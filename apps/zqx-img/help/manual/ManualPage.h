@@ -1,4 +1,4 @@
-// Manual pages from the command line.
+// Manual pages made from the command line.
 #pragma once
 
 #include <string>
@@ -12,7 +12,7 @@ struct ManualInfo {
     std::string date; ///< ISO 8601
 };
 
-/// The page of the program, with all commands named, in the roff of man(7).
+/// The page of the program, which lists all commands, in the man(7) macros.
 std::string programPage(const CommandText& program, const ManualInfo& info);
 /// The page of one command.
 std::string commandPage(const CommandText& program, const CommandText& command, const ManualInfo& info);
