@@ -12,6 +12,12 @@ else()
         -ffp-contract=off $<$<BOOL:${ZQX_WARNINGS_AS_ERRORS}>:-Werror>)
 endif()
 
+if(ZQX_COVERAGE)
+    # Counted exactly, by several threads too.
+    target_compile_options(zqx_compile_options INTERFACE --coverage -fprofile-update=atomic)
+    target_link_options(zqx_compile_options INTERFACE --coverage)
+endif()
+
 if(ZQX_SANITIZE)
     target_compile_options(zqx_compile_options INTERFACE
         -fsanitize=${ZQX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -43,7 +43,11 @@ function(zqx_install target component)
         install(TARGETS ${target} RUNTIME DESTINATION ${arg_DESTINATION} COMPONENT ${component})
     else()
         zqx_find_libraries_from(${target} ${CMAKE_INSTALL_LIBDIR})
-        install(TARGETS ${target} EXPORT zqx_img
+        set(export ${target}) # a set of targets for each library, the platform's with the engine's
+        if(target STREQUAL "zqx_platform")
+            set(export zqx_img)
+        endif()
+        install(TARGETS ${target} EXPORT ${export}
             RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${component}
             LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${component} NAMELINK_COMPONENT development
             ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development

@@ -20,6 +20,25 @@ inline constexpr const char* ADAPTER_SOURCE = "include/qutil/InterfaceAdapter";
 /// A component without further interfaces.
 struct NoInterfaceProvider {};
 
+/// What a factory's createInstance does, see there. @param create makes a new object with a count of 0
+template <typename Create>
+tov::Result createComponent(const MethodSite& site, tov::IUnknown* outer, const char* iid, void** pOut,
+                            const Create& create) {
+    if (pOut == nullptr) {
+        return nullArgument(site, "pOut");
+    }
+    *pOut = nullptr;
+    if (outer != nullptr) {
+        return tov::NO_AGGREGATION;
+    }
+    return guarded(site, [&] {
+        tov::IUnknown* component = nullptr;
+        const tov::Result result = create()->queryInterface(iid, &component);
+        *pOut = component;
+        return result;
+    });
+}
+
 } // namespace detail
 
 /// Implements the common slots of a component over the interface that it implements.
@@ -107,20 +126,8 @@ public:
     /// @return tov::SUCCESS, tov::INVALID_ARGUMENT for a null pOut, tov::NO_AGGREGATION, tov::NO_INTERFACE, or
     ///         tov::UNEXPECTED when the component could not be made
     tov::Result createInstance(tov::IUnknown* outer, const char* iid, void** pOut) override {
-        const detail::MethodSite site = ZQX_METHOD_SITE(detail::ADAPTER_SOURCE);
-        if (pOut == nullptr) {
-            return detail::nullArgument(site, "pOut");
-        }
-        *pOut = nullptr;
-        if (outer != nullptr) {
-            return tov::NO_AGGREGATION;
-        }
-        return detail::guarded(site, [&] {
-            tov::IUnknown* component = nullptr;
-            const tov::Result result = createObject()->queryInterface(iid, &component);
-            *pOut = component;
-            return result;
-        });
+        return detail::createComponent(ZQX_METHOD_SITE(detail::ADAPTER_SOURCE), outer, iid, pOut,
+                                       [this] { return createObject(); });
     }
 
     /// Accepted without effect.

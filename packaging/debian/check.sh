@@ -24,7 +24,11 @@ libzqx-img-dev  /usr/lib/$multiarch/cmake/zqx_img/zqx_imgConfig.cmake
 libzqx-img-dev  /usr/lib/$multiarch/pkgconfig/zqx_img.pc
 libzqx-img-dev  /usr/lib/$multiarch/pkgconfig/zqx_platform.pc
 libzqx-img-dev  /usr/share/doc/libzqx-img-dev/copyright
-libzqx-img-doc  /usr/share/doc/libzqx-img-doc/parameters.md
+libzqx-img-doc  /usr/share/doc/libzqx-img-doc/README.md
+libzqx-img-doc  /usr/share/doc/libzqx-img-doc/SECURITY.md
+libzqx-img-doc  /usr/share/doc/libzqx-img-doc/docs/parameters.md
+libzqx-img-doc  /usr/share/doc/libzqx-img-doc/examples/host/main.cpp
+libzqx-img-doc  /usr/share/doc/libzqx-img-doc/reference/index.html
 libzqx-img-doc  /usr/share/doc/libzqx-img-doc/copyright
 zqx-img         /usr/bin/zqx-img
 zqx-img         /usr/share/doc/zqx-img/copyright

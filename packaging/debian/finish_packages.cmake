@@ -11,7 +11,7 @@ foreach(package IN LISTS CPACK_PACKAGE_FILES)
     file(READ ${folder}/DEBIAN/control control)
     string(REGEX REPLACE "\n+$" "\n" control "${control}")
     # Found besides the dependency on the same version where the libraries are installed already.
-    string(REGEX REPLACE ", libzqx-img[0-9]+ \\(>= [^)]*\\)" "" control "${control}")
+    string(REGEX REPLACE ", libzqx-(img|pictures|tools)[0-9]+ \\(>= [^)]*\\)" "" control "${control}")
     if(control MATCHES "\nSection: (libs|libdevel)\n")
         string(APPEND control "Multi-Arch: same\n")
     elseif(control MATCHES "\nSection: doc\n")

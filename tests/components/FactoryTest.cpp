@@ -191,6 +191,27 @@ TEST_F(FactoryTest, PipelineFactoryLogsANullInterfacePointer) {
     EXPECT_EQ(logTexts(), Texts{"pIfc"});
 }
 
+TEST_F(FactoryTest, BitmapFactoryIsNotMadeOfTheAdapter) {
+    using Adapter = zqx::TovInterfaceAdapter<tov::IObjectFactory_Adapter>;
+    EXPECT_EQ(dynamic_cast<Adapter*>(factoryOf(BITMAP_CLASS).get()), nullptr);
+    EXPECT_NE(dynamic_cast<Adapter*>(factoryOf(PIPELINE_CLASS).get()), nullptr);
+    const Factory factory = factoryOf(BITMAP_CLASS);
+    const tov::IObjectFactory& made = *factory;
+    EXPECT_NE(std::string(typeid(made).name()).find("FreeImageFactory"), std::string::npos);
+}
+
+TEST(FactoryDeathTest, BitmapFactoryDoesNotCheckWhereTheInterfaceGoes) {
+    const Factory factory = factoryOf(BITMAP_CLASS);
+    EXPECT_DEATH(factory->queryInterface(tov::IUnknown::IID, nullptr), "");
+    EXPECT_DEATH(factory->queryInterface(UNKNOWN_IID, nullptr), "");
+}
+
+TEST_P(FactoryOfEachClassTest, CreatingChecksThePointerFirst) {
+    const Factory factory = factoryOf(GetParam());
+    EXPECT_EQ(factory->createInstance(factory.get(), iid(), nullptr), 0x80070057U);
+    EXPECT_EQ(logTexts(), Texts{"pOut"});
+}
+
 TEST_P(FactoryOfEachClassTest, PlainSlotsKnowNoInterfaceAndShareTheCount) {
     const auto component = module().create<tov::IUnknown>(GetParam());
     void* found = UNTOUCHED;

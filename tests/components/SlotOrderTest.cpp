@@ -214,6 +214,13 @@ TEST_F(SlotOrderTest, FactoriesCreateInSlot7AndLockInSlot8) {
     }
 }
 
+TEST_F(SlotOrderTest, FactoriesAreDestroyedInTheSlotsAfterTheirMethods) {
+    for (const char* clsid : {BITMAP_CLASS, PIPELINE_CLASS}) {
+        // Leak detection tells if it is not destroyed.
+        callSlot<void>(factoryOf(clsid).detach(), 10);
+    }
+}
+
 TEST_F(SlotOrderTest, PipelineFactoryCreatesAnObjectWithoutReferencesAfterItsDestructor) {
     const Factory factory = factoryOf(PIPELINE_CLASS);
     auto* pipeline = callSlot<zqx::img::ImageProcessingPipeline*>(factory.get(), 11);

@@ -24,6 +24,10 @@ compile() {
         "${package_flags[@]}")
 }
 compile grade zqx_img
-compile host zqx_platform
+compile entry zqx_img
 "$work/grade"
-"$work/host" "$libraries/libzqx_img.so"
+"$work/entry"
+if [[ -e $libraries/libzqx_img.so ]]; then # what is static cannot be loaded as a module
+    compile host zqx_platform
+    "$work/host" "$libraries/libzqx_img.so"
+fi

@@ -59,25 +59,44 @@ own_binaries() {
     printf '%s\n' "${found[@]}"
 }
 
-# libraries_are_versioned LIBRARY_FOLDER VERSION
+# libraries_are_versioned LIBRARY_FOLDER NAME=VERSION...
 libraries_are_versioned() {
-    local name library=$tree/$1 version=$2 major=${2%%.*}
-    for name in libzqx_img.so libzqx_platform.so; do
+    local name version major library=$tree/$1 found expected
+    shift
+    expected=$(printf '%s\n' "$@" | cut -d= -f1 | sort)
+    found=$(cd "$library" && find . -maxdepth 1 -name 'libzqx_*.so' -printf '%f\n' | sed 's/^lib//; s/\.so$//' | sort)
+    [[ $found == "$expected" ]] || fail "these libraries are installed: $found"
+    while IFS== read -r name version; do
+        name=lib$name.so major=${version%%.*}
         [[ $(readlink "$library/$name") == "$name.$major" ]] || fail "$name is no link to $name.$major"
         [[ $(readlink "$library/$name.$major") == "$name.$version" ]] ||
             fail "$name.$major is no link to $name.$version"
         [[ -f $library/$name.$version && ! -L $library/$name.$version ]] || fail "$name.$version is missing"
         readelf --dynamic "$library/$name.$version" | grep --fixed-strings "soname: [$name.$major]" >/dev/null ||
             fail "$name.$version: its name is not $name.$major"
-    done
+    done < <(printf '%s\n' "$@")
 }
 
-# every_file_has_a_component CMAKE BUILD: the four components together are all there is, and none has another's files.
+# links_no_exiv2 LIBRARY_FOLDER: its licence is the GPL, which would become that of every program that links one of ours.
+# What the libraries need directly or by others, and what they expect a program to bring, is without it.
+links_no_exiv2() {
+    local library count=0
+    while read -r library; do
+        ! LD_LIBRARY_PATH=$tree/$1 ldd "$library" | grep --ignore-case exiv2 || fail "$library links Exiv2"
+        ! nm --dynamic --demangle "$library" | grep Exiv2:: || fail "$library has symbols of Exiv2"
+        count=$((count + 1))
+    done < <(find "$tree/$1" -maxdepth 1 -type f -name 'libzqx_*.so.*')
+    ((count >= 2)) || fail "there are only $count libraries in $tree/$1"
+    ldd "$tree/bin/zqx-img" | grep --ignore-case --quiet exiv2 || fail "not even the program links Exiv2: this check is blind"
+}
+
+# every_file_has_a_component CMAKE BUILD COMPONENT...: together they are all there is, and none has another's files.
 every_file_has_a_component() {
-    local component parts=$tree-components
+    local cmake=$1 build=$2 component parts=$tree-components
+    shift 2
     rm -rf "$parts"
-    for component in runtime development tools docs; do
-        "$1" --install "$2" --prefix "$parts/$component" --component "$component"
+    for component in "$@"; do
+        "$cmake" --install "$build" --prefix "$parts/$component" --component "$component"
         [[ -n $(find "$parts/$component" -type f) ]] || fail "there is nothing in the component $component"
     done
     diff <(cd "$tree" && find . ! -type d | sort) \
@@ -98,6 +117,19 @@ headers_compile() {
         "$1" -std=c++17 -pedantic-errors -fsyntax-only -I "$tree/include" -x c++ - <<<"#include <$header>" ||
             fail "$header does not compile alone"
     done <<<"$headers"
+}
+
+# examples_build CMAKE COMPILER FLAGS: each example by itself.
+examples_build() {
+    local example count=0
+    while read -r example; do
+        rm -rf "$tree-example"
+        "$1" -S "${example%/*}" -B "$tree-example" -DCMAKE_PREFIX_PATH="$tree" -DCMAKE_CXX_COMPILER="$2" \
+            -DCMAKE_CXX_FLAGS="$3"
+        "$1" --build "$tree-example"
+        count=$((count + 1))
+    done < <(find "$tree/share/doc" -path '*/examples/*/CMakeLists.txt')
+    ((count >= 2)) || fail "there are only $count examples"
 }
 
 # versions_match CMAKE SCRIPT VERSION: the CMake package takes requests for its own major version only.

@@ -217,8 +217,8 @@ TEST(HostileTransferTest, AnotherVersion) {
 TEST(HostileTransferTest, NumbersThatAreNoEnumerators) {
     expectRefusal([](TransferHeader& header) { header.outcome = 4; });
     expectRefusal([](TransferHeader& header) { header.outcome = 0xFFFFFFFF; });
-    expectRefusal([](TransferHeader& header) { header.layoutat = FILE_FORMAT_COUNT + 1; });
-    expectRefusal([](TransferHeader& header) { header.layoutat = 0x80000000; });
+    expectRefusal([](TransferHeader& header) { header.format = FILE_FORMAT_COUNT + 1; });
+    expectRefusal([](TransferHeader& header) { header.format = 0x80000000; });
     expectRefusal([](TransferHeader& header) { header.layout = SAMPLE_LAYOUT_COUNT; });
     expectRefusal([](TransferHeader& header) { header.layout = 0xFFFFFFFF; });
     expectRefusal([](TransferHeader& header) { header.stored = SAMPLE_LAYOUT_COUNT; });
@@ -320,12 +320,10 @@ TEST(HostileTransferTest, AnyChangedBytes) {
             const Transfer transfer = readTransfer(memory, bytes.size());
             ++accepted;
             if (transfer.picture) {
-                FIBITMAP* bitmap = transfer.picture->bitmap.get();
-                const auto* end = reinterpret_cast<const std::byte*>(FreeImage_GetBits(bitmap)) +
-                                  std::size_t{FreeImage_GetPitch(bitmap)} * FreeImage_GetHeight(bitmap);
+                const img::Image& image = transfer.picture->image();
+                const auto* end = static_cast<const std::byte*>(image.getRowPtr(image.getHeight()));
                 ASSERT_LE(end, memory.get() + bytes.size()) << i;
-                const img::Image view = viewOf(transfer.picture->bitmap, transfer.picture->form);
-                ASSERT_LE(view.getWidth() * view.getBytePixelStride(), FreeImage_GetPitch(bitmap)) << i;
+                ASSERT_LE(image.getWidth() * image.getBytePixelStride(), image.getByteRowStride()) << i;
             }
         } catch (const BadTransfer&) {
         }

@@ -67,9 +67,9 @@ double shared(double from, double to, double otherFrom, double otherTo) {
 }
 
 /// The mean of the area under a pixel of the result: sum of what is asked for, over every pixel of the source.
-double sumUnder(const PixelBuffer& source, SampleLayout layout, Size size, unsigned x, unsigned y,
+double sumUnder(const PixelBuffer& source, Size size, unsigned x, unsigned y,
                 const std::function<double(unsigned, unsigned)>& value) {
-    const img::Image image = source.image();
+    const img::Image& image = source.image();
     const double width = static_cast<double>(image.getWidth()) / size.width;
     const double height = static_cast<double>(image.getHeight()) / size.height;
     double sum = 0.0;
@@ -95,14 +95,13 @@ double meanUnder(const PixelBuffer& source, SampleLayout layout, Size size, unsi
     const auto alphaAt = [&](unsigned sx, unsigned sy) { return sampleAt(source, layout, sx, sy, 3); };
     const auto colorAt = [&](unsigned sx, unsigned sy) { return sampleAt(source, layout, sx, sy, channel); };
     if (!hasAlpha(layout) || isAlpha(layout, channel)) {
-        return sumUnder(source, layout, size, x, y, colorAt);
+        return sumUnder(source, size, x, y, colorAt);
     }
-    const double alpha = sumUnder(source, layout, size, x, y, alphaAt);
+    const double alpha = sumUnder(source, size, x, y, alphaAt);
     if (alpha == 0.0) {
         return colorAt(middleUnder(x, size.width, source.width()), middleUnder(y, size.height, source.height()));
     }
-    return sumUnder(source, layout, size, x, y,
-                    [&](unsigned sx, unsigned sy) { return alphaAt(sx, sy) * colorAt(sx, sy); }) /
+    return sumUnder(source, size, x, y, [&](unsigned sx, unsigned sy) { return alphaAt(sx, sy) * colorAt(sx, sy); }) /
            alpha;
 }
 
@@ -185,7 +184,7 @@ TEST(AreaAverageTest, FlatFloatsKeepEveryBitWhateverTheirAlpha) {
     const float pixel[] = {0.1F, 1.0F / 3.0F, 12345.678F, 0.7F};
     for (const SampleLayout layout : {SampleLayout::RGB32F, SampleLayout::RGBA32F}) {
         PixelBuffer source(29, 17, layout);
-        const img::Image image = source.image();
+        const img::Image& image = source.image();
         for (unsigned y = 0; y < 17; ++y) {
             for (unsigned x = 0; x < 29; ++x) {
                 std::memcpy(image.getPixelPtr(x, y), pixel, image.getBytePixelStride());

@@ -118,8 +118,8 @@ std::string drawAsText(const Histogram& histogram, const std::string& title, con
     for (const ChannelCounts& counts : histogram.present()) {
         bins.push_back(rebinned(counts, columns));
     }
-    const std::span<const std::vector<double>> colors(bins.begin(), bins.end() - 1);
-    std::string text = title + "\n\n" + panel("luma", bins.back(), drawingLimit({bins.end() - 1, 1}), LUMA_ROWS, style);
+    const std::vector<std::vector<double>> colors(bins.begin(), bins.end() - 1);
+    std::string text = title + "\n\n" + panel("luma", bins.back(), drawingLimit({bins.back()}), LUMA_ROWS, style);
     for (std::size_t i = 0; i < colors.size(); ++i) {
         text += panel(histogram.names()[i], colors[i], drawingLimit(colors), COLOR_ROWS, style);
     }

@@ -7,7 +7,9 @@
 /// @ingroup image
 
 #if defined(_WIN32)
-#if defined(ZQX_IMG_BUILDING)
+#if defined(ZQX_STATIC_LIBRARIES)
+#define ZQX_IMG_API
+#elif defined(ZQX_IMG_BUILDING)
 #define ZQX_IMG_API __declspec(dllexport)
 #else
 #define ZQX_IMG_API __declspec(dllimport)

@@ -18,8 +18,7 @@ namespace zqx::tools {
 /// @ingroup tools
 constexpr std::size_t HISTOGRAM_BINS = 256;
 
-/// The values of one channel. What is out of range is counted apart and in no
-/// bin.
+/// The values of one channel. What is out of range is counted apart and in no bin.
 /// @ingroup tools
 struct ChannelCounts {
     std::array<std::uint64_t, HISTOGRAM_BINS> bins{}; ///< pixels of each value
@@ -50,14 +49,13 @@ private:
     std::size_t mSize;
 };
 
-/// Counts on the scale of gamma-encoded bytes, 0 to 255. Float pictures are
-/// encoded to it and go to the nearest value. Transparency is not looked at.
+/// Counts on the scale of gamma-encoded bytes, 0 to 255. Float pictures are encoded to it and go to the nearest value.
+/// Transparency is not looked at.
 /// @ingroup tools
 struct Histogram {
     enum Channel : std::size_t { RED, GREEN, BLUE, LUMA };
 
-    /// Luma is the weighted sum of linear light by ITU-R BT.709, encoded; of grey
-    /// pictures it is all there is.
+    /// Luma is the weighted sum of linear light by ITU-R BT.709, encoded; of grey pictures it is all there is.
     std::array<ChannelCounts, 4> channels;
     std::uint64_t pixels = 0; ///< in the picture, and so in each channel
     bool color = false;       ///< whether there are red, green and blue
@@ -72,21 +70,18 @@ struct Histogram {
     ZQX_TOOLS_EXPORT ArrayView<std::string_view> names() const;
 };
 
-/// Counts the values of a picture. The result is the same for any number of
-/// threads.
+/// Counts the values of a picture. The result is the same for any number of threads.
 /// @param image in the working format of a layout
 /// @ingroup tools
 ZQX_TOOLS_EXPORT Histogram countValues(const img::Image& image);
 
-/// A channel in another number of bins of equal width, each with its share of
-/// the counts.
+/// A channel in another number of bins of equal width, each with its share of the counts.
 /// @param bins at least 1
 /// @ingroup tools
 ZQX_TOOLS_EXPORT std::vector<double> rebinned(const ChannelCounts& counts, std::size_t bins);
 
-/// The height up to which to draw channels of equally many bins: the largest
-/// but for the two ends, where clipped values gather. Where a few bins stand
-/// out, they are cut off there, so that a spike does not flatten all else.
+/// The height up to which to draw channels of equally many bins: the largest but for the two ends, where clipped values
+/// gather. Where a few bins stand out, they are cut off there, so that a spike does not flatten all else.
 /// @ingroup tools
 ZQX_TOOLS_EXPORT double drawingLimit(const std::vector<std::vector<double>>& bins);
 

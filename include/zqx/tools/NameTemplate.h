@@ -40,7 +40,7 @@ private:
 
     void addText(char letter);
     static Piece parseField(std::string_view name);
-    static std::string valueOf(const Piece& piece, const Input& input, std::size_t number);
+    static std::string expandPiece(const Piece& piece, const Input& input, std::size_t number);
 
     std::vector<Piece> mPieces;
 };

@@ -6,7 +6,9 @@
 /// Marks what the platform library exports.
 
 #if defined(_WIN32)
-#if defined(ZQX_PLATFORM_BUILDING)
+#if defined(ZQX_STATIC_LIBRARIES)
+#define ZQX_PLATFORM_API
+#elif defined(ZQX_PLATFORM_BUILDING)
 #define ZQX_PLATFORM_API __declspec(dllexport)
 #else
 #define ZQX_PLATFORM_API __declspec(dllimport)

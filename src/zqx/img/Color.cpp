@@ -1,5 +1,6 @@
 #include <zqx/img/Color.h>
 
+#include "kernels/Gamma.h"
 #include "kernels/GammaTables.h"
 #include "kernels/ScalarMaths.h"
 
@@ -8,9 +9,6 @@ namespace zqx::img {
 namespace {
 
 namespace maths = kernels::maths;
-
-constexpr float ENCODING_EXPONENT = 0.45454544F;
-constexpr float DECODING_EXPONENT = 2.2F;
 
 Color powerOf(const Color& color, float exponent) {
     return {maths::pow(color.r, exponent), maths::pow(color.g, exponent), maths::pow(color.b, exponent), color.a};
@@ -29,11 +27,11 @@ int Color::compare(const Color& other) const {
 }
 
 Color Color::toSrgb() const {
-    return powerOf(*this, ENCODING_EXPONENT);
+    return powerOf(*this, kernels::ENCODING_EXPONENT);
 }
 
 Color Color::toLinear() const {
-    return powerOf(*this, DECODING_EXPONENT);
+    return powerOf(*this, kernels::DECODING_EXPONENT);
 }
 
 float srgb2linear(const unsigned char& v) {

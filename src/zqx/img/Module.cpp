@@ -3,9 +3,11 @@
 
 #include <qutil/InterfaceAdapter.h>
 #include <tov/Runtime.h>
+#include <tov/TovRef.h>
 #include <zqx/img/Export.h>
-#include <zqx/img/FreeImage.h>
 #include <zqx/img/ImageProcessingPipeline.h>
+
+#include "FreeImageFactory.h"
 
 namespace zqx::img {
 
@@ -15,9 +17,9 @@ constexpr const char* BITMAP_CLASS = "f92bd073-5780-4bcf-843c-f375c20b9455";
 constexpr const char* PIPELINE_CLASS = "5388994d-6d2a-486f-a4cc-161e246cc725";
 
 /// Makes a factory and hands out the wanted interface of it; the reference behind it is the only one.
-template <typename Product>
+template <typename Factory>
 tov::Result handOutFactory(const char* iid, void** pOut) {
-    const tov::TovRef<TovObjectFactory<Product>> factory(new TovObjectFactory<Product>);
+    const tov::TovRef<Factory> factory(new Factory);
     tov::IUnknown* found = nullptr;
     const tov::Result result = factory->queryInterface(iid, &found);
     *pOut = found;
@@ -59,10 +61,10 @@ ZQX_IMG_API std::uint32_t dsoGetObjectFactory(const char* clsid, const char* iid
     *pOut = nullptr;
     return zqx::detail::guarded(site, [&]() -> tov::Result {
         if (tov::tovCompareCLSID(clsid, zqx::img::BITMAP_CLASS) == 0) {
-            return zqx::img::handOutFactory<zqx::img::FreeImage>(iid, pOut);
+            return zqx::img::handOutFactory<zqx::img::FreeImageFactory>(iid, pOut);
         }
         if (tov::tovCompareCLSID(clsid, zqx::img::PIPELINE_CLASS) == 0) {
-            return zqx::img::handOutFactory<zqx::img::ImageProcessingPipeline>(iid, pOut);
+            return zqx::img::handOutFactory<zqx::TovObjectFactory<zqx::img::ImageProcessingPipeline>>(iid, pOut);
         }
         return tov::CLASS_NOT_AVAILABLE;
     });

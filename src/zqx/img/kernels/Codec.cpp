@@ -188,12 +188,12 @@ void findBuckets(const float* values, std::size_t length, std::int32_t* buckets,
     const auto least = hn::Set(d, GAMMA_ENCODE_THRESHOLD[1]);
     const auto one = hn::Set(d, 1.0F);
     const auto before = hn::Set(di, static_cast<std::int32_t>(GAMMA_FIRST_BUCKET) - 1);
-    const auto mask = hn::Set(di, (1 << GAMMA_BUCKET_SHIFT) - 1);
+    const auto mask = hn::Set(di, (1 << BUCKET_SHIFT) - 1);
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
         const auto v = hn::LoadU(d, values + i);
         const auto isSome = hn::RebindMask(di, hn::Ge(v, least)); // not so for NaN
         const auto bits = hn::BitCast(di, hn::IfThenElse(hn::Lt(v, one), v, one));
-        const auto bucket = hn::Sub(hn::ShiftRight<GAMMA_BUCKET_SHIFT>(bits), before);
+        const auto bucket = hn::Sub(hn::ShiftRight<BUCKET_SHIFT>(bits), before);
         hn::Store(hn::IfThenElseZero(isSome, bucket), di, buckets + i);
         hn::Store(hn::And(bits, mask), di, places + i);
     }

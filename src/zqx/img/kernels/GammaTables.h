@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <limits>
 
+#include "ThresholdEncoder.h"
+
 namespace zqx::img::kernels {
 
 /// (i / 255)^2.2, evaluated in double precision and rounded to the nearest float.
@@ -109,39 +111,30 @@ inline constexpr std::array<float, 257> GAMMA_ENCODE_THRESHOLD = {
 };
 // clang-format on
 
-/// Positive floats order like their bits, so the upper 16 bits (exponent and 7 mantissa bits) name buckets narrow
-/// enough that none holds two thresholds: one guess per bucket and one compare give the exact code.
-inline constexpr int GAMMA_BUCKET_SHIFT = 16;
-inline constexpr std::uint32_t GAMMA_FIRST_BUCKET =
-    std::bit_cast<std::uint32_t>(GAMMA_ENCODE_THRESHOLD[1]) >> GAMMA_BUCKET_SHIFT;
-inline constexpr std::uint32_t GAMMA_LAST_BUCKET = std::bit_cast<std::uint32_t>(1.0F) >> GAMMA_BUCKET_SHIFT;
+/// Encodes linear light: trunc(255 * v^0.45454544) of v limited to [0, 1], for every float; NaN gives 0.
+inline constexpr ThresholdEncoder<256> GAMMA_ENCODER([](std::size_t code) { return GAMMA_ENCODE_THRESHOLD[code]; });
+
+constexpr std::uint8_t encodeGamma(float v) {
+    return GAMMA_ENCODER(v);
+}
+
+// The buckets of this encoder for vectors: one integer each, as several look-ups are slower than the arithmetic.
+
+inline constexpr std::uint32_t GAMMA_FIRST_BUCKET = bucketOfFloat(GAMMA_ENCODE_THRESHOLD[1]);
+inline constexpr std::uint32_t GAMMA_LAST_BUCKET = bucketOfFloat(1.0F);
 inline constexpr std::size_t GAMMA_BUCKET_COUNT = GAMMA_LAST_BUCKET - GAMMA_FIRST_BUCKET + 2; // one for smaller floats
 
 /// Bits of a bucket's entry below the code: they hold the place within the bucket where the next code begins.
-inline constexpr int GAMMA_BUCKET_CODE_SHIFT = GAMMA_BUCKET_SHIFT + 1;
+inline constexpr int GAMMA_BUCKET_CODE_SHIFT = BUCKET_SHIFT + 1;
 
 namespace detail {
 
-constexpr bool gammaBucketsHoldOneThresholdEach() {
-    for (std::size_t code = 1; code < 255; ++code) {
-        if (std::bit_cast<std::uint32_t>(GAMMA_ENCODE_THRESHOLD[code]) >> GAMMA_BUCKET_SHIFT ==
-            std::bit_cast<std::uint32_t>(GAMMA_ENCODE_THRESHOLD[code + 1]) >> GAMMA_BUCKET_SHIFT) {
-            return false;
-        }
-    }
-    return true;
-}
-static_assert(gammaBucketsHoldOneThresholdEach());
-
 constexpr std::array<std::int32_t, GAMMA_BUCKET_COUNT> gammaBuckets() {
-    constexpr std::uint32_t END = 1U << GAMMA_BUCKET_SHIFT;
+    constexpr std::uint32_t END = 1U << BUCKET_SHIFT;
     std::array<std::int32_t, GAMMA_BUCKET_COUNT> buckets{static_cast<std::int32_t>(END)};
-    std::size_t code = 0;
     for (std::size_t i = 1; i < GAMMA_BUCKET_COUNT; ++i) {
-        const auto first = static_cast<std::uint32_t>(GAMMA_FIRST_BUCKET + i - 1) << GAMMA_BUCKET_SHIFT;
-        while (std::bit_cast<float>(first) >= GAMMA_ENCODE_THRESHOLD[code + 1]) {
-            ++code;
-        }
+        const auto first = static_cast<std::uint32_t>(GAMMA_FIRST_BUCKET + i - 1) << BUCKET_SHIFT;
+        const std::uint32_t code = encodeGamma(std::bit_cast<float>(first));
         const std::uint32_t next = std::bit_cast<std::uint32_t>(GAMMA_ENCODE_THRESHOLD[code + 1]) - first;
         buckets[i] = static_cast<std::int32_t>(code << GAMMA_BUCKET_CODE_SHIFT | (next < END ? next : END));
     }
@@ -153,21 +146,6 @@ constexpr std::array<std::int32_t, GAMMA_BUCKET_COUNT> gammaBuckets() {
 /// For each bucket the code of its smallest float, shifted, and the place where the next code begins: the bucket's
 /// size where that is further on. Entry 0 is for what is too small for code 1, entry 1 for the first bucket.
 inline constexpr auto GAMMA_BUCKETS = detail::gammaBuckets();
-
-/// Encodes linear light: trunc(255 * v^0.45454544) of v limited to [0, 1], for every float; NaN gives 0.
-constexpr std::uint8_t encodeGamma(float v) {
-    if (!(v >= GAMMA_ENCODE_THRESHOLD[1])) { // also NaN
-        return 0;
-    }
-    if (v >= 1.0F) {
-        return 255;
-    }
-    const auto bits = std::bit_cast<std::uint32_t>(v);
-    const std::int32_t entry = GAMMA_BUCKETS[(bits >> GAMMA_BUCKET_SHIFT) - GAMMA_FIRST_BUCKET + 1];
-    const auto within = static_cast<std::int32_t>(bits & ((1U << GAMMA_BUCKET_SHIFT) - 1));
-    const std::int32_t next = entry & ((1 << GAMMA_BUCKET_CODE_SHIFT) - 1);
-    return static_cast<std::uint8_t>((entry >> GAMMA_BUCKET_CODE_SHIFT) + (within >= next ? 1 : 0));
-}
 
 /// Writes a linear value into a linear byte: trunc(255 * v) of v limited to [0, 1], for every float; NaN gives 0.
 constexpr std::uint8_t encodeUnit(float v) {

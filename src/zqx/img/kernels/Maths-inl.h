@@ -18,6 +18,8 @@
 
 #include <hwy/highway.h>
 
+#include "Gamma.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace zqx::img::kernels::HWY_NAMESPACE {
 
@@ -141,7 +143,7 @@ HWY_INLINE V exp2(D d, V x) {
 /// precision.
 template <class D, class VF>
 HWY_INLINE VF powerOfStored(D d, VF stored) {
-    return roundToFloat(d, exp2(d, hn::Mul(hn::Set(d, static_cast<double>(2.2F)), log2(d, stored))));
+    return roundToFloat(d, exp2(d, hn::Mul(hn::Set(d, static_cast<double>(DECODING_EXPONENT)), log2(d, stored))));
 }
 
 /// Cube root of doubles that are floats from 2^-100 to the largest. Relative error below 1e-13.

@@ -1,11 +1,11 @@
 // The one place where work is spread over threads: rows of an image, in a static schedule.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
 #if defined(__SANITIZE_THREAD__)
-#include <algorithm>
 #include <thread>
 #include <vector>
 #else
@@ -52,9 +52,22 @@ void forEachRow(std::size_t count, const Body& body) {
         for (std::int64_t row = 0; row < rows; ++row) {
             body(static_cast<std::size_t>(row));
         }
-        hwy::FlushStream(); // what bodies wrote past the cache
+        hwy::FlushStream(); // the streaming stores of bodies
     }
 #endif
+}
+
+/// Bands that rows are divided into, one for each thread.
+inline std::size_t bandCount(std::size_t rows) {
+    return std::min(rows, threadCount());
+}
+
+/// Calls body(band, first, end) for bands of rows that cover [0, count), in parallel: for work that needs memory of its
+/// own on each thread. There are bandCount(count) of them, and the result must not depend on where they meet.
+template <typename Body>
+void forEachBand(std::size_t count, const Body& body) {
+    const std::size_t bands = bandCount(count);
+    forEachRow(bands, [&](std::size_t band) { body(band, band * count / bands, (band + 1) * count / bands); });
 }
 
 } // namespace zqx::img::kernels

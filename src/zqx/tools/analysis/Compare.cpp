@@ -1,5 +1,4 @@
-// Two pictures side by side, row by row in doubles, which hold every number of
-// both exactly.
+// Two pictures side by side, row by row in doubles, which hold every number of both exactly.
 #include <zqx/tools/Compare.h>
 
 #include <algorithm>
@@ -32,8 +31,8 @@ ComparisonScale commonScale(const Picture& a, const Picture& b) {
     return {depth < 32, depth == 8 ? 255.0 : depth == 16 ? 65535.0 : 1.0};
 }
 
-/// Hands out the numbers of a picture on a scale, row by row, the channels of a
-/// pixel in the order red, green, blue, alpha.
+/// Hands out the numbers of a picture on a scale, row by row, the channels of a pixel in the order red, green, blue,
+/// alpha.
 class Numbers {
 public:
     Numbers(const Picture& picture, ComparisonScale scale)

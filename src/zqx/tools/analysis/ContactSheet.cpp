@@ -38,9 +38,8 @@ std::size_t rowsFor(std::size_t cells, std::size_t columns) {
     return (cells + columns - 1) / columns;
 }
 
-/// The number of columns that brings the sheet nearest to 3:2. Of equally near
-/// ones, the one with the fewest places left over comes first, as it has fewer
-/// rows or columns.
+/// The number of columns that brings the sheet nearest to 3:2. Of equally near ones, the one with the fewest places
+/// left over comes first, as it has fewer rows or columns.
 std::size_t bestColumns(std::size_t cells, std::size_t cellWidth, std::size_t cellHeight, std::size_t gap) {
     constexpr double SHAPE = 1.5;
     std::size_t best = 1;
@@ -95,7 +94,7 @@ ContactSheet::ContactSheet(const std::vector<std::string>& labels, unsigned pict
     }
 }
 
-ContactSheet::Corner ContactSheet::cornerOf(std::size_t number) const {
+ContactSheet::Corner ContactSheet::cellCorner(std::size_t number) const {
     const unsigned gap = gapFor(mLetters);
     const auto column = static_cast<unsigned>(number % mColumns);
     const auto row = static_cast<unsigned>(number / mColumns);
@@ -110,7 +109,7 @@ img::Image ContactSheet::areaAt(Corner corner, unsigned width, unsigned height) 
 void ContactSheet::drawLabel(std::size_t number, const std::string& text, LabelPainter& painter) {
     constexpr unsigned WIDEST = 4096; // more than any label needs, and no more than can be drawn on
     const unsigned width = std::min(mCellWidth, WIDEST);
-    const Corner corner = cornerOf(number);
+    const Corner corner = cellCorner(number);
     img::Image area =
         areaAt({corner.x + (mCellWidth - width) / 2, corner.y + mPictureHeight}, width, labelHeightFor(mLetters));
     if (!painter.drawLabel(area, text, mLetters)) {
@@ -119,7 +118,7 @@ void ContactSheet::drawLabel(std::size_t number, const std::string& text, LabelP
 }
 
 void ContactSheet::place(std::size_t number, const img::Image& picture) {
-    Corner corner = cornerOf(number);
+    Corner corner = cellCorner(number);
     corner.x += (mCellWidth - mPictureWidth) / 2;
     img::Image area = areaAt(corner, mPictureWidth, mPictureHeight);
     if (hasAlpha(layoutOf(picture))) {

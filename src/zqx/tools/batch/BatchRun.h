@@ -1,4 +1,4 @@
-// Works a plan off, several pictures at once.
+// Runs a plan: several pictures at once.
 #pragma once
 
 #include <string>

@@ -75,7 +75,7 @@ NameTemplate::Piece NameTemplate::parseField(std::string_view name) {
     throw UsageError(OPTION, "there is no field {" + std::string(name) + "}, there are " + FIELDS);
 }
 
-std::string NameTemplate::valueOf(const Piece& piece, const Input& input, std::size_t number) {
+std::string NameTemplate::expandPiece(const Piece& piece, const Input& input, std::size_t number) {
     const fs::path path = toPath(input.name);
     switch (piece.field) {
     case Field::STEM: return toName(path.stem());
@@ -93,7 +93,7 @@ std::string NameTemplate::valueOf(const Piece& piece, const Input& input, std::s
 std::string NameTemplate::expand(const Input& input, std::size_t number) const {
     std::string name;
     for (const Piece& piece : mPieces) {
-        name += valueOf(piece, input, number);
+        name += expandPiece(piece, input, number);
     }
     fs::path result;
     for (const fs::path& part : toPath(name).relative_path()) {

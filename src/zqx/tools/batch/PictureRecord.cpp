@@ -16,7 +16,7 @@ namespace {
 using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
 using Status = PictureRecord::Status;
 
-const char* nameOf(Status status) {
+const char* toString(Status status) {
     switch (status) {
     case Status::WRITTEN: return "written";
     case Status::SKIPPED: return "skipped";
@@ -92,7 +92,7 @@ std::string toJson(const PictureRecord& record) {
     if (!record.output.empty()) {
         write(writer, "output", record.output);
     }
-    write(writer, "status", std::string(nameOf(record.status)));
+    write(writer, "status", std::string(toString(record.status)));
     if (!record.reason.empty()) {
         write(writer, "reason", record.reason);
     }
