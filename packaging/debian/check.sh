@@ -9,7 +9,7 @@ readonly packages project multiarch
 
 # What has to be in which package. Files marked "later" are reported while they are missing; the mark goes when they
 # come.
-readonly EXPECTED_FILES="
+EXPECTED_FILES="
 libzqx-img1     /usr/lib/$multiarch/libzqx_img.so.1
 libzqx-img1     /usr/lib/$multiarch/libzqx_platform.so.1
 libzqx-img1     /usr/share/doc/libzqx-img1/copyright
@@ -38,6 +38,20 @@ zqx-img         /usr/share/zsh/vendor-completions/_zqx-img
 zqx-img         /usr/share/fish/vendor_completions.d/zqx-img.fish
 zqx-img         /usr/share/zqx_img/parameters.schema.json
 "
+# Each library above the engine that was built is in a package of its own.
+for library in pictures tools; do
+    if [[ -e $1/src/zqx/$library/libzqx_$library.so ]]; then
+        EXPECTED_FILES+="
+libzqx-${library}0  /usr/lib/$multiarch/libzqx_$library.so.0
+libzqx-${library}0  /usr/share/doc/libzqx-${library}0/copyright
+libzqx-${library}0  /usr/share/doc/libzqx-${library}0/changelog.Debian.gz
+libzqx-img-dev  /usr/include/zqx/$library/Export.h
+libzqx-img-dev  /usr/lib/$multiarch/libzqx_$library.so
+libzqx-img-dev  /usr/lib/$multiarch/pkgconfig/zqx_$library.pc
+"
+    fi
+done
+readonly EXPECTED_FILES
 
 say() {
     echo "check: $*"
@@ -105,8 +119,9 @@ check_files() {
 # Programs and libraries are found by the system's means, and do not tell where they were built.
 check_binaries() {
     local file
-    for file in /usr/bin/zqx-img "/usr/lib/$multiarch"/libzqx_{img,platform}.so.?; do
+    for file in /usr/bin/zqx-img "/usr/lib/$multiarch"/libzqx_*.so.?; do
         [[ -f $file ]] || fail "$file is missing"
+        [[ $file != *.so.* ]] || ! ldd "$file" | grep --ignore-case exiv2 || fail "$file links Exiv2"
         ! readelf --dynamic "$file" | grep -E 'R(UN)?PATH' >/dev/null || fail "$file has a run path"
         ! grep --quiet --fixed-strings "$project" "$file" || fail "$file names $project"
     done

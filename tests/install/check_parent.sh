@@ -21,7 +21,7 @@ configure
 "$cmake" --build "$work/build"
 "$work/build/grade"
 found=$(cd "$work/build" && find . -type f \( -name '*.a' -o -name '*.so*' -o -perm -u+x \) ! -path '*/CMakeFiles/*' -printf '%f\n' | sort | xargs)
-[[ $found == "grade libzqx_img.a libzqx_platform.a" ]] || fail "this was built: $found"
+[[ $found == "grade libzqx_img.a libzqx_kernels.a libzqx_platform.a" ]] || fail "this was built: $found"
 
 configure -DZQX_INSTALL=ON
 "$cmake" --build "$work/build"

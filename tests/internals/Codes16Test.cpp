@@ -136,6 +136,22 @@ TEST_P(Codes16ImageTest, FloatsOfAnyKindAreEncoded) {
     }
 }
 
+TEST_P(Codes16ImageTest, RowsAreConvertedAsImagesAre) {
+    std::vector<std::uint16_t> codes(WIDTH * channels());
+    for (std::size_t i = 0; i < codes.size(); ++i) {
+        codes[i] = static_cast<std::uint16_t>(i * 40503);
+    }
+    std::vector<float> values(codes.size());
+    decodeCodes16(codes, channels(), values.data());
+    std::vector<float> expected(codes.size());
+    Image expectedImage(expected.data(), WIDTH, 1, GetParam(), 0);
+    decodeCodes16(SampleView<const std::uint16_t>{codes.data(), WIDTH, 1, channels(), 0}, expectedImage);
+    EXPECT_EQ(expected, values);
+    std::vector<std::uint16_t> back(codes.size());
+    encodeCodes16(values, channels(), back.data());
+    EXPECT_EQ(codes, back);
+}
+
 INSTANTIATE_TEST_SUITE_P(EachFormat, Codes16ImageTest, testing::ValuesIn(test::FLOAT_FORMATS),
                          [](const auto& each) { return test::nameOf(each.param); });
 

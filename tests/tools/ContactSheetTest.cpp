@@ -77,12 +77,17 @@ TEST(ContactSheetTest, EachPictureHasALabelBelowIt) {
 
 TEST(ContactSheetTest, PicturesStandByRows) {
     Painter painter;
-    ContactSheet sheet({"a", "b", "c", "d"}, SIDE, SIDE, painter);
+    ContactSheet sheet({"a", "b", "c", "d"}, SIDE, SIDE, painter); // three columns are nearest to the shape
     sheet.place(1, white().image());
+    sheet.place(3, white().image());
     const PixelBuffer pixels = sheet.take();
-    EXPECT_EQ(valueAt(pixels, pixels.width() / 4, pixels.height() / 4), ContactSheet::GROUND);
-    EXPECT_EQ(valueAt(pixels, pixels.width() * 3 / 4, pixels.height() / 4), WHITE);
-    EXPECT_EQ(valueAt(pixels, pixels.width() * 3 / 4, pixels.height() * 3 / 4), ContactSheet::GROUND);
+    const unsigned letters = painter.heights.front();
+    const unsigned gap = letters * 3 / 2;
+    const unsigned secondRow = 2 * gap + SIDE + 2 * letters;
+    EXPECT_EQ(valueAt(pixels, gap, gap), ContactSheet::GROUND);
+    EXPECT_EQ(valueAt(pixels, 2 * gap + SIDE, gap), WHITE);
+    EXPECT_EQ(valueAt(pixels, gap, secondRow), WHITE);
+    EXPECT_EQ(valueAt(pixels, 2 * gap + SIDE, secondRow), ContactSheet::GROUND);
 }
 
 TEST(ContactSheetTest, TransparentPicturesShowTheSheet) {
@@ -97,7 +102,7 @@ TEST(ContactSheetTest, LabelsThatNoFontHasAreWarnedOf) {
     std::vector<std::string> warnings;
     const WarningListener listener([&](const std::string& line) { warnings.push_back(line); });
     const ContactSheet sheet({"a", "odd"}, SIDE, SIDE, painter);
-    EXPECT_EQ(warnings, std::vector<std::string>{"odd: no installed font has all the letters of this label"});
+    EXPECT_EQ(warnings, std::vector<std::string>{"odd: no installed font has all characters of this label"});
 }
 
 TEST(ContactSheetTest, SheetsLargerThanAnyFileAreRefused) {

@@ -23,7 +23,7 @@ struct ComparisonScale {
 /// Two values that are not numbers count as equal; a number and what is none are infinitely far apart.
 /// @ingroup tools
 struct Comparison {
-    ComparisonScale scale;
+    ComparisonScale scale{};
     std::uint64_t pixels = 0;          ///< in each of the two
     std::uint64_t differingPixels = 0; ///< with any difference in any channel
 

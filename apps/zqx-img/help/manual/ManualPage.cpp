@@ -6,9 +6,6 @@
 
 namespace zqx::app {
 
-using namespace pictures;
-using namespace tools;
-
 namespace {
 
 /// Escapes text for roff: typed hyphens stay hyphens, and no line may begin with a control character.

@@ -96,7 +96,7 @@ public:
         auto* pixel = static_cast<std::uint8_t*>(mTarget.getRowPtr(y));
         for (const Overlap& columns : mColumns) {
             const auto* middle = static_cast<const std::uint8_t*>(mSource.getPixelPtr(columns.middle(), rows.middle()));
-            store(meansOf(columns, sums), middle, pixel);
+            store(averageColumns(columns, sums), middle, pixel);
             pixel += mTarget.getBytePixelStride();
         }
     }
@@ -120,7 +120,7 @@ private:
         }
     }
 
-    Means meansOf(const Overlap& columns, const double* sums) const {
+    Means averageColumns(const Overlap& columns, const double* sums) const {
         Means means{};
         for (std::size_t x = columns.first(); x <= columns.last(); ++x) {
             const double weight = columns.weight(x);

@@ -26,7 +26,7 @@ std::size_t bandCount(const BlurShape& shape, std::size_t floatsPerBand) {
 
 } // namespace
 
-BlurShape stripOf(const BlurShape& picture) {
+BlurShape cacheStrip(const BlurShape& picture) {
     constexpr std::size_t CACHE_SHARE = (std::size_t{ZQX_IMG_RING_KIB} << 10U) / sizeof(float);
     const std::size_t unit = RUN_LENGTH * picture.step; // whole runs, and whole pixels
     const std::size_t rows = (2 * picture.radius + BLUR_GROUP) * picture.planes;
@@ -47,14 +47,14 @@ BlurBands::BlurBands(const BlurShape& shape)
 }
 
 float* BlurBands::row(std::size_t band, std::size_t y) const {
-    const std::size_t below = seamOf(band, y);
+    const std::size_t below = bandBelowSeam(band, y);
     if (below != 0) {
         return ring(below) + (mRingRows + y - seamBegin(below)) * rowFloats();
     }
     return ring(band) + y % mRingRows * rowFloats();
 }
 
-std::size_t BlurBands::seamOf(std::size_t band, std::size_t y) const {
+std::size_t BlurBands::bandBelowSeam(std::size_t band, std::size_t y) const {
     for (const std::size_t below : {band, band + 1}) {
         if (below < mCount && seamRows(below) > 0 && y >= seamBegin(below) && y < seamBegin(below) + seamRows(below)) {
             return below;

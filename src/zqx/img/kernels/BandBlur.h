@@ -56,14 +56,14 @@ public:
 
     /// A lengthwise blurred row as a band keeps it: in its ring, or in a seam of its own or of the next band.
     float* row(std::size_t band, std::size_t y) const;
-    bool isInSeam(std::size_t band, std::size_t y) const { return seamOf(band, y) != 0; }
+    bool isInSeam(std::size_t band, std::size_t y) const { return bandBelowSeam(band, y) != 0; }
     /// Rows of the seam above a band; none above the first, or when the source outlives the result.
     std::size_t seamBegin(std::size_t band) const { return begin(band) - mShape.radius; }
     std::size_t seamRows(std::size_t band) const { return mShape.isInPlace && band > 0 ? 2 * mShape.radius : 0; }
 
 private:
     /// The band below the seam that holds a row, 0 for none.
-    std::size_t seamOf(std::size_t band, std::size_t y) const;
+    std::size_t bandBelowSeam(std::size_t band, std::size_t y) const;
     std::size_t rowFloats() const { return mPlaneStride * mShape.planes; }
     std::size_t lineFloats() const { return lineStride() * mShape.planes; }
     /// What follows the line: the rows of the ring, and after them those of the seam above the band.
@@ -80,7 +80,7 @@ private:
 
 /// The shape of a strip of columns whose rings stay in the second-level cache. In place, the whole picture: a strip
 /// would overwrite what the next one has to read.
-BlurShape stripOf(const BlurShape& picture);
+BlurShape cacheStrip(const BlurShape& picture);
 
 /// Blurs a picture by rows that are read and written in runs.
 ///
@@ -93,7 +93,7 @@ public:
     /// @param taps 2 * radius + 1 weights
     /// @throws std::bad_alloc
     BandBlur(const BlurShape& shape, const std::vector<float>& taps, const Read& read, const Write& write)
-        : mShape(stripOf(shape)), mTotalWidth(shape.width), mTaps(taps), mRead(read), mWrite(write), mBands(mShape),
+        : mShape(cacheStrip(shape)), mTotalWidth(shape.width), mTaps(taps), mRead(read), mWrite(write), mBands(mShape),
           mRows(mBands.count() * rowsPerBand()), mSums(weightedSums()) {}
 
     /// Blurs the whole picture, strip by strip. In place there is one strip.
@@ -131,12 +131,12 @@ private:
     /// Rows that the sums of a group of output rows read: one for each tap of the first, and one more for each other.
     std::size_t rowsPerBand() const { return mTaps.size() + BLUR_GROUP - 1; }
     /// Where a band lists the rows of its sums.
-    const float** rowsOf(std::size_t band) { return mRows.data() + band * rowsPerBand(); }
+    const float** tapRows(std::size_t band) { return mRows.data() + band * rowsPerBand(); }
 
     void blurLengthwise(std::size_t band, std::size_t y) {
         float* line = mBands.line(band);
         fillLine(y, line);
-        const float** rows = rowsOf(band);
+        const float** rows = tapRows(band);
         for (std::size_t tap = 0; tap < mTaps.size(); ++tap) {
             rows[tap] = line + tap * mShape.step;
         }
@@ -182,7 +182,7 @@ private:
 
     /// Finishes one output row or a group of them.
     void sumDown(std::size_t band, std::size_t y, std::size_t count) {
-        const float** rows = rowsOf(band);
+        const float** rows = tapRows(band);
         for (std::size_t i = 0; i < mTaps.size() + count - 1; ++i) {
             const std::size_t above = std::max(y + i, mShape.radius) - mShape.radius; // the first row at least
             rows[i] = mBands.row(band, std::min(above, mShape.height - 1));

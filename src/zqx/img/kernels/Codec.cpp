@@ -17,6 +17,19 @@
 #include "Maths-inl.h"
 #include "Simd.h"
 
+#ifndef ZQX_IMG_CODEC_LUMA_
+#define ZQX_IMG_CODEC_LUMA_
+namespace zqx::img::kernels {
+
+/// What puts luma in place of the red plane.
+struct LumaFunctions {
+    void (*ofLinear)(Run& run, std::size_t length);
+    void (*ofStored)(Run& run, std::size_t length);
+};
+
+} // namespace zqx::img::kernels
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace zqx::img::kernels::HWY_NAMESPACE {
 namespace {
@@ -140,7 +153,7 @@ void splitPixels(const std::uint8_t* pixels, std::size_t stride, std::size_t len
     }
 }
 
-/// Bytes to memory past the cache. Other threads see them after the loop over rows, which waits for such stores.
+/// Copies bytes by streaming stores. Other threads see them after the loop over rows, which waits for such stores.
 void stream(const std::uint8_t* bytes, std::size_t count, std::uint8_t* target) {
     const U8 d;
     const std::size_t lanes = hn::Lanes(d);
@@ -158,7 +171,7 @@ template <std::size_t Count, Writing W, typename T>
 void joinPixels(const T* const* planes, std::size_t length, std::uint8_t* pixels, std::size_t stride) {
     constexpr std::size_t SIZE = Count * sizeof(T);
     const bool isPacked = stride == SIZE;
-    if (isPacked && W == Writing::THROUGH_CACHE) {
+    if (isPacked && W == Writing::CACHED) {
         join<Count>(planes, length, pixels);
     } else if (isPacked && Count == 1) {
         stream(reinterpret_cast<const std::uint8_t*>(planes[0]), length * SIZE, pixels);
@@ -200,7 +213,7 @@ void findBuckets(const float* values, std::size_t length, std::int32_t* buckets,
 }
 
 /// The code of each value, from the entry of its bucket and its place there.
-void takeCodes(const std::int32_t* entries, const std::int32_t* places, std::size_t length, std::uint8_t* codes) {
+void computeCodes(const std::int32_t* entries, const std::int32_t* places, std::size_t length, std::uint8_t* codes) {
     const I32 di;
     const auto mask = hn::Set(di, (1 << GAMMA_BUCKET_CODE_SHIFT) - 1);
     for (std::size_t i = 0; i < length; i += hn::Lanes(di)) {
@@ -226,7 +239,7 @@ void encodeGammaBytes(const float* values, std::size_t length, std::uint8_t* cod
     alignas(64) std::int32_t entries[RUN_LENGTH];
     findBuckets(values, length, buckets, places);
     lookUp(GAMMA_BUCKETS.data(), buckets, length, entries);
-    takeCodes(entries, places, length, codes);
+    computeCodes(entries, places, length, codes);
 }
 
 void encodeUnitBytes(const float* values, std::size_t length, std::uint8_t* codes) {
@@ -299,8 +312,8 @@ void encode(const Planes& channels, std::size_t length, std::uint8_t* pixels, st
     }
 }
 
-/// Luma of linear light, in place of the red plane.
-void greyOfLinearColor(Run& run, std::size_t length) {
+/// Puts the luma of linear light in place of the red plane.
+void linearLumaIntoRed(Run& run, std::size_t length) {
     const F32 d;
     const auto red = hn::Set(d, LUMA_RED);
     const auto green = hn::Set(d, LUMA_GREEN);
@@ -311,8 +324,8 @@ void greyOfLinearColor(Run& run, std::size_t length) {
     }
 }
 
-/// Luma of stored values, decoded as a whole, in place of the red plane.
-void greyOfStoredColor(Run& run, std::size_t length) {
+/// Puts the luma of stored values, decoded as a whole, in place of the red plane.
+void storedLumaIntoRed(Run& run, std::size_t length) {
     const hn::ScalableTag<double> d;
     const hn::Rebind<float, decltype(d)> df;
     const auto red = hn::Set(df, ENCODED_LUMA_RED);
@@ -321,7 +334,7 @@ void greyOfStoredColor(Run& run, std::size_t length) {
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
         const auto sum = hn::Add(hn::Mul(red, hn::Load(df, run.r + i)), hn::Mul(green, hn::Load(df, run.g + i)));
         const auto stored = hn::Add(sum, hn::Mul(blue, hn::Load(df, run.b + i)));
-        hn::Store(powerOfStored(d, stored), df, run.r + i);
+        hn::Store(decodeStored(d, stored), df, run.r + i);
     }
 }
 
@@ -344,17 +357,13 @@ DecodeRun decoder(Format format) {
 
 EncodeRun encoder(Format format, Writing writing) {
     constexpr auto FORMATS = std::make_index_sequence<FORMAT_COUNT>();
-    static constexpr auto THROUGH_CACHE = encoders<Writing::THROUGH_CACHE>(FORMATS);
-    static constexpr auto PAST_CACHE = encoders<Writing::PAST_CACHE>(FORMATS);
-    return (writing == Writing::PAST_CACHE ? PAST_CACHE : THROUGH_CACHE)[static_cast<std::size_t>(format)];
+    static constexpr auto CACHED = encoders<Writing::CACHED>(FORMATS);
+    static constexpr auto STREAMING = encoders<Writing::STREAMING>(FORMATS);
+    return (writing == Writing::STREAMING ? STREAMING : CACHED)[static_cast<std::size_t>(format)];
 }
 
-void greyOfLinear(Run& run, std::size_t length) {
-    greyOfLinearColor(run, length);
-}
-
-void greyOfStored(Run& run, std::size_t length) {
-    greyOfStoredColor(run, length);
+LumaFunctions lumaFunctions() {
+    return {&linearLumaIntoRed, &storedLumaIntoRed};
 }
 
 } // namespace zqx::img::kernels::HWY_NAMESPACE
@@ -367,10 +376,9 @@ namespace {
 
 HWY_EXPORT(decoder);
 HWY_EXPORT(encoder);
-HWY_EXPORT(greyOfLinear);
-HWY_EXPORT(greyOfStored);
+HWY_EXPORT(lumaFunctions);
 
-bool takesGrey(Format from, Format to) {
+bool needsLuma(Format from, Format to) {
     return pixelFormat(to).isGrey() && !pixelFormat(from).isGrey();
 }
 
@@ -380,21 +388,20 @@ const ByteTable& linearLightTable(Format format) {
     return pixelFormat(format).encoding == Encoding::GAMMA_BYTE ? GAMMA_DECODE : UNIT_DECODE;
 }
 
-DecodeRun decoderOf(Format format) {
+DecodeRun getDecoder(Format format) {
     return HWY_DYNAMIC_DISPATCH(decoder)(format);
 }
 
-EncodeRun encoderOf(Format format, Writing writing) {
+EncodeRun getEncoder(Format format, Writing writing) {
     return HWY_DYNAMIC_DISPATCH(encoder)(format, writing);
 }
 
-Writing writingOf(const Image& source, const Image& target) {
+Writing chooseWriting(const Image& source, const Image& target) {
     // More than the last-level cache of a processor has for each of two pictures.
     constexpr std::size_t LARGE = std::size_t{32} << 20U;
     const bool isLarge = target.getHeight() * target.getByteRowStride() >= LARGE;
     // Runs of bytes are too short to gain: the cache lines at their ends are written by halves.
-    return isLarge && target.hasFloatFormat() && !shareMemory(source, target) ? Writing::PAST_CACHE
-                                                                              : Writing::THROUGH_CACHE;
+    return isLarge && target.hasFloatFormat() && !shareMemory(source, target) ? Writing::STREAMING : Writing::CACHED;
 }
 
 bool shareMemory(const Image& a, const Image& b) {
@@ -404,22 +411,22 @@ bool shareMemory(const Image& a, const Image& b) {
 }
 
 RunReader::RunReader(Format source, Format channels)
-    : mDecode(decoderOf(source)), mTable(&linearLightTable(source)),
+    : mDecode(getDecoder(source)), mTable(&linearLightTable(source)),
       mIsGrey(pixelFormat(source).isGrey() || pixelFormat(channels).isGrey()),
       mLacksAlpha(pixelFormat(channels).hasAlpha() && !pixelFormat(source).hasAlpha()) {
-    if (takesGrey(source, channels)) {
+    if (needsLuma(source, channels)) {
         const bool isStored = pixelFormat(source).encoding == Encoding::GAMMA_BYTE;
-        mGrey = isStored ? Grey::OF_STORED : Grey::OF_LINEAR;
+        mLuma = isStored ? Luma::OF_STORED_VALUES : Luma::OF_LINEAR_LIGHT;
         mTable = &UNIT_DECODE;
     }
 }
 
 Planes RunReader::read(const std::uint8_t* pixels, std::size_t stride, std::size_t length, Run& run) const {
     mDecode(pixels, stride, length, *mTable, run);
-    switch (mGrey) {
-    case Grey::AS_READ: break;
-    case Grey::OF_LINEAR: takeGrey(run, length); break;
-    case Grey::OF_STORED: HWY_DYNAMIC_DISPATCH(greyOfStored)(run, length); break;
+    switch (mLuma) {
+    case Luma::NOT_NEEDED: break;
+    case Luma::OF_LINEAR_LIGHT: lumaIntoRed(run, length); break;
+    case Luma::OF_STORED_VALUES: HWY_DYNAMIC_DISPATCH(lumaFunctions)().ofStored(run, length); break;
     }
     if (mLacksAlpha) {
         std::fill_n(run.a, length, 1.0F);
@@ -428,14 +435,14 @@ Planes RunReader::read(const std::uint8_t* pixels, std::size_t stride, std::size
 }
 
 RunWriter::RunWriter(Format channels, Format target, Writing writing)
-    : mEncode(encoderOf(target, writing)), mTakesGrey(takesGrey(channels, target)),
+    : mEncode(getEncoder(target, writing)), mNeedsLuma(needsLuma(channels, target)),
       mIsGrey(pixelFormat(channels).isGrey()),
       mLacksAlpha(pixelFormat(target).hasAlpha() && !pixelFormat(channels).hasAlpha()) {
 }
 
 void RunWriter::write(Run& run, std::size_t length, std::uint8_t* pixels, std::size_t stride) const {
-    if (mTakesGrey) {
-        takeGrey(run, length);
+    if (mNeedsLuma) {
+        lumaIntoRed(run, length);
     }
     if (mLacksAlpha) {
         std::fill_n(run.a, length, 1.0F);
@@ -443,8 +450,8 @@ void RunWriter::write(Run& run, std::size_t length, std::uint8_t* pixels, std::s
     mEncode(mIsGrey ? Planes{run.r, run.r, run.r, run.a} : Planes{run.r, run.g, run.b, run.a}, length, pixels, stride);
 }
 
-void takeGrey(Run& run, std::size_t length) {
-    HWY_DYNAMIC_DISPATCH(greyOfLinear)(run, length);
+void lumaIntoRed(Run& run, std::size_t length) {
+    HWY_DYNAMIC_DISPATCH(lumaFunctions)().ofLinear(run, length);
 }
 
 } // namespace zqx::img::kernels

@@ -26,16 +26,16 @@ using EncodeRun = void (*)(const Planes& planes, std::size_t length, std::uint8_
 
 /// How pixels get to memory.
 enum class Writing {
-    THROUGH_CACHE,
-    PAST_CACHE, ///< for pictures that would not stay in the cache: what they replace is not read first
+    CACHED,
+    STREAMING, ///< by streaming stores, for pictures that would not stay in the cache: what they replace is not read
 };
 
 /// The better way to write a picture that is made from another.
-Writing writingOf(const Image& source, const Image& target);
+Writing chooseWriting(const Image& source, const Image& target);
 
 /// For a known format.
-DecodeRun decoderOf(Format format);
-EncodeRun encoderOf(Format format, Writing writing = Writing::THROUGH_CACHE);
+DecodeRun getDecoder(Format format);
+EncodeRun getEncoder(Format format, Writing writing = Writing::CACHED);
 
 /// Whether any byte belongs to both images.
 bool shareMemory(const Image& a, const Image& b);
@@ -51,11 +51,11 @@ public:
     Planes read(const std::uint8_t* pixels, std::size_t stride, std::size_t length, Run& run) const;
 
 private:
-    enum class Grey { AS_READ, OF_LINEAR, OF_STORED };
+    enum class Luma { NOT_NEEDED, OF_LINEAR_LIGHT, OF_STORED_VALUES };
 
     DecodeRun mDecode;
     const ByteTable* mTable;
-    Grey mGrey = Grey::AS_READ;
+    Luma mLuma = Luma::NOT_NEEDED;
     bool mIsGrey;
     bool mLacksAlpha;
 };
@@ -71,12 +71,12 @@ public:
 
 private:
     EncodeRun mEncode;
-    bool mTakesGrey;
+    bool mNeedsLuma;
     bool mIsGrey;
     bool mLacksAlpha;
 };
 
-/// Luma of linear light, in place of the red plane.
-void takeGrey(Run& run, std::size_t length);
+/// Puts the luma of linear light in place of the red plane.
+void lumaIntoRed(Run& run, std::size_t length);
 
 } // namespace zqx::img::kernels

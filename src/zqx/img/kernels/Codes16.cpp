@@ -54,6 +54,35 @@ bool isAlpha(std::size_t channel) {
     return channel == RGBA - 1;
 }
 
+/// Where the float pixels of a row are.
+template <typename Byte>
+struct Pixels {
+    Byte* first;
+    std::size_t stride;
+};
+
+void decodeRow(const Decoder& decoded, const std::uint16_t* code, Pixels<std::uint8_t> pixels, std::size_t width,
+               std::size_t channels) {
+    std::uint8_t* pixel = pixels.first;
+    for (std::size_t x = 0; x < width; ++x, pixel += pixels.stride) {
+        for (std::size_t channel = 0; channel < channels; ++channel, ++code) {
+            const float value = isAlpha(channel) ? decodeUnit16(*code) : decoded[*code];
+            encodeElement<Encoding::FLOAT>(value, pixel, channel);
+        }
+    }
+}
+
+void encodeRow(const Encoder& encode, Pixels<const std::uint8_t> pixels, std::uint16_t* code, std::size_t width,
+               std::size_t channels) {
+    const std::uint8_t* pixel = pixels.first;
+    for (std::size_t x = 0; x < width; ++x, pixel += pixels.stride) {
+        for (std::size_t channel = 0; channel < channels; ++channel, ++code) {
+            const float value = decodeElement<Encoding::FLOAT>(pixel, channel);
+            *code = isAlpha(channel) ? encodeUnit16(value) : encode(value);
+        }
+    }
+}
+
 } // namespace
 
 float decode16(std::uint16_t code) {
@@ -72,31 +101,29 @@ std::uint16_t encodeUnit16(float v) {
     return v < 1.0F ? static_cast<std::uint16_t>(MAX_CODE * static_cast<double>(v) + 0.5) : CODES - 1;
 }
 
+void decodeCodes16(std::span<const std::uint16_t> codes, std::size_t channels, float* values) {
+    decodeRow(decoder(), codes.data(), {reinterpret_cast<std::uint8_t*>(values), channels * sizeof(float)},
+              codes.size() / channels, channels);
+}
+
+void encodeCodes16(std::span<const float> values, std::size_t channels, std::uint16_t* codes) {
+    encodeRow(encoder(), {reinterpret_cast<const std::uint8_t*>(values.data()), channels * sizeof(float)}, codes,
+              values.size() / channels, channels);
+}
+
 void decodeCodes16(const SampleView<const std::uint16_t>& source, const Image& target) {
-    const Decoder& decoded = decoder();
+    const Decoder& table = decoder();
     forEachRow(source.height, [&](std::size_t y) {
-        const std::uint16_t* code = source.row(y);
-        auto* pixel = static_cast<std::uint8_t*>(target.getRowPtr(y));
-        for (std::size_t x = 0; x < source.width; ++x, pixel += target.getBytePixelStride()) {
-            for (std::size_t channel = 0; channel < source.channels; ++channel, ++code) {
-                const float value = isAlpha(channel) ? decodeUnit16(*code) : decoded[*code];
-                encodeElement<Encoding::FLOAT>(value, pixel, channel);
-            }
-        }
+        decodeRow(table, source.row(y), {static_cast<std::uint8_t*>(target.getRowPtr(y)), target.getBytePixelStride()},
+                  source.width, source.channels);
     });
 }
 
 void encodeCodes16(const Image& source, const SampleView<std::uint16_t>& target) {
-    const Encoder& encode = encoder();
+    const Encoder& table = encoder();
     forEachRow(target.height, [&](std::size_t y) {
-        const auto* pixel = static_cast<const std::uint8_t*>(source.getRowPtr(y));
-        std::uint16_t* code = target.row(y);
-        for (std::size_t x = 0; x < target.width; ++x, pixel += source.getBytePixelStride()) {
-            for (std::size_t channel = 0; channel < target.channels; ++channel, ++code) {
-                const float value = decodeElement<Encoding::FLOAT>(pixel, channel);
-                *code = isAlpha(channel) ? encodeUnit16(value) : encode(value);
-            }
-        }
+        encodeRow(table, {static_cast<const std::uint8_t*>(source.getRowPtr(y)), source.getBytePixelStride()},
+                  target.row(y), target.width, target.channels);
     });
 }
 

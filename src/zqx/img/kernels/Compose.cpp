@@ -59,7 +59,7 @@ void placeOver(const Image& source, const Image& target, float ground) {
         return;
     }
     const RunReader reader(source.getFormat(), Image::RGBA32F);
-    const RunWriter writer(Image::RGBA32F, target.getFormat(), Writing::THROUGH_CACHE);
+    const RunWriter writer(Image::RGBA32F, target.getFormat(), Writing::CACHED);
     const std::size_t from = source.getBytePixelStride();
     const std::size_t to = target.getBytePixelStride();
     forEachRow(source.getHeight(), [&](std::size_t y) {

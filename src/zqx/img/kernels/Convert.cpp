@@ -28,7 +28,7 @@ void lookUpRows(const RowLayout& row, const Image& source, const Image& target) 
 
 void convertRows(const RowLayout& row, const Image& source, const Image& target) {
     const RunReader reader(row.source, row.target);
-    const EncodeRun encode = encoderOf(row.target, writingOf(source, target));
+    const EncodeRun encode = getEncoder(row.target, chooseWriting(source, target));
     forEachRow(source.getHeight(), [&](std::size_t y) {
         const auto* from = static_cast<const std::uint8_t*>(source.getRowPtr(y));
         auto* to = static_cast<std::uint8_t*>(target.getRowPtr(y));

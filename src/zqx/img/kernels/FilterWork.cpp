@@ -18,7 +18,7 @@ bool haveSameLayout(const Image& a, const Image& b) {
            a.getByteRowStride() == b.getByteRowStride();
 }
 
-RowLayout rowOf(const Image& source, const Image& output, Treatment treatment) {
+RowLayout rowLayout(const Image& source, const Image& output, Treatment treatment) {
     const RowLayout pixels = pixelRow(source, output);
     return treatment == Treatment::OF_CHANNELS ? sampleRow(source, output).value_or(pixels) : pixels;
 }
@@ -44,9 +44,9 @@ std::optional<FilterWork> FilterWork::between(const Image& source, const Image& 
 }
 
 FilterWork::FilterWork(std::shared_ptr<Image> source, const Image& output, Format channels, Treatment treatment)
-    : mSource(std::move(source)), mOutput(output), mRow(rowOf(*mSource, output, treatment)),
+    : mSource(std::move(source)), mOutput(output), mRow(rowLayout(*mSource, output, treatment)),
       mChannels(mRow.step > 1 ? Image::GRAY32F : channels), mIsInPlace(shareMemory(*mSource, output)),
-      mReader(mRow.source, mChannels), mWriter(mChannels, mRow.target, writingOf(*mSource, output)) {
+      mReader(mRow.source, mChannels), mWriter(mChannels, mRow.target, chooseWriting(*mSource, output)) {
 }
 
 void FilterWork::read(std::size_t y, std::size_t first, std::size_t length, Run& run) const {

@@ -120,8 +120,8 @@ constexpr std::uint8_t encodeGamma(float v) {
 
 // The buckets of this encoder for vectors: one integer each, as several look-ups are slower than the arithmetic.
 
-inline constexpr std::uint32_t GAMMA_FIRST_BUCKET = bucketOfFloat(GAMMA_ENCODE_THRESHOLD[1]);
-inline constexpr std::uint32_t GAMMA_LAST_BUCKET = bucketOfFloat(1.0F);
+inline constexpr std::uint32_t GAMMA_FIRST_BUCKET = bucketIndex(GAMMA_ENCODE_THRESHOLD[1]);
+inline constexpr std::uint32_t GAMMA_LAST_BUCKET = bucketIndex(1.0F);
 inline constexpr std::size_t GAMMA_BUCKET_COUNT = GAMMA_LAST_BUCKET - GAMMA_FIRST_BUCKET + 2; // one for smaller floats
 
 /// Bits of a bucket's entry below the code: they hold the place within the bucket where the next code begins.

@@ -80,8 +80,8 @@ void expose(float* plane, std::size_t length, float factor) {
 // Long chains of dependent operations leave a processor waiting: so what takes logarithms or roots is done in several
 // short loops over a run, which stays in the first-level cache, and not in one.
 
-/// Logarithms in single precision.
-void takeLogarithms(float* plane, std::size_t length) {
+/// log2(c + CONTRAST_OFFSET) in single precision.
+void log2InPlace(float* plane, std::size_t length) {
     const F64 d;
     const HalfF32 df;
     const auto offset = hn::Set(df, CONTRAST_OFFSET);
@@ -91,7 +91,7 @@ void takeLogarithms(float* plane, std::size_t length) {
 }
 
 /// 2^((l + 1) * exponent - 1) of logarithms l, limited.
-void takePowers(float* plane, std::size_t length, float exponent) {
+void contrastFromLog2InPlace(float* plane, std::size_t length, float exponent) {
     const F64 d;
     const HalfF32 df;
     const auto offset = hn::Set(df, CONTRAST_OFFSET);
@@ -109,8 +109,8 @@ void takePowers(float* plane, std::size_t length, float exponent) {
 
 /// A power curve through (0.5, 0.5), evaluated as 0.5 * (2c)^exponent in the logarithmic domain.
 void applyContrast(float* plane, std::size_t length, float exponent) {
-    takeLogarithms(plane, length);
-    takePowers(plane, length, exponent);
+    log2InPlace(plane, length);
+    contrastFromLog2InPlace(plane, length, exponent);
 }
 
 HWY_INLINE hn::Vec<F32> adjustHighlight(hn::Vec<F32> c, float highlight) {
@@ -174,8 +174,8 @@ void applyMatrix(Run& run, std::size_t length, const Matrix3& matrix) {
     }
 }
 
-/// CIE 1976 lightness of relative luminance, which it takes the place of.
-void takeLightness(const float* luminance, std::size_t length, float* lightness) {
+/// CIE 1976 lightness of relative luminance.
+void computeLightness(const float* luminance, std::size_t length, float* lightness) {
     const F64 d;
     const HalfF32 df;
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
@@ -187,7 +187,7 @@ void takeLightness(const float* luminance, std::size_t length, float* lightness)
 }
 
 /// XYZ in the planes into lightness and the chroma plane of CIE 1976 L*u*v*.
-void takeChroma(Run& run, std::size_t length, const float* lightness) {
+void xyzToLuvInPlace(Run& run, std::size_t length, const float* lightness) {
     const F64 d;
     const HalfF32 df;
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
@@ -206,7 +206,7 @@ void takeChroma(Run& run, std::size_t length, const float* lightness) {
 }
 
 /// Turns the chroma plane. Chroma beyond the range of floats leaves no colour, as it would in polar coordinates.
-void turnChroma(Run& run, std::size_t length, float cosine, float sine) {
+void rotateChromaInPlace(Run& run, std::size_t length, float cosine, float sine) {
     const F32 d;
     const auto c = hn::Set(d, cosine);
     const auto s = hn::Set(d, sine);
@@ -223,7 +223,7 @@ void turnChroma(Run& run, std::size_t length, float cosine, float sine) {
 
 /// L*u*v* in the planes into XYZ, with the intermediate terms of the usual formulas (B. Lindbloom, Luv to XYZ)
 /// multiplied out: one division. A colour of u' = 0 is left without a value by those formulas, and so it is here.
-void luvToXyz(Run& run, std::size_t length) {
+void luvToXyzInPlace(Run& run, std::size_t length) {
     const F64 d;
     const HalfF32 df;
     const auto nothing = hn::Set(d, std::numeric_limits<double>::quiet_NaN());
@@ -248,17 +248,17 @@ void luvToXyz(Run& run, std::size_t length) {
 }
 
 /// Turns the hue angle of CIE LCh(uv), keeping lightness and chroma. Black has no hue: its 0/0 is left to stand.
-void turnHue(Run& run, std::size_t length, float cosine, float sine) {
+void rotateHue(Run& run, std::size_t length, float cosine, float sine) {
     alignas(64) float lightness[RUN_LENGTH];
     applyMatrix(run, length, RGB_TO_XYZ);
-    takeLightness(run.g, length, lightness);
-    takeChroma(run, length, lightness);
-    turnChroma(run, length, cosine, sine);
-    luvToXyz(run, length);
+    computeLightness(run.g, length, lightness);
+    xyzToLuvInPlace(run, length, lightness);
+    rotateChromaInPlace(run, length, cosine, sine);
+    luvToXyzInPlace(run, length);
     applyMatrix(run, length, XYZ_TO_RGB);
 }
 
-HWY_INLINE hn::Vec<F32> lumaOf(const Triple<F32>& color) {
+HWY_INLINE hn::Vec<F32> luma(const Triple<F32>& color) {
     constexpr float WEIGHTS[] = {LUMA_RED, LUMA_GREEN, LUMA_BLUE};
     return dot(F32(), WEIGHTS, color);
 }
@@ -273,7 +273,7 @@ void saturate(Run& run, std::size_t length, float saturation) {
     const auto factor = hn::Set(d, saturation);
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
         const Triple<F32> color = loadColor(d, run, i);
-        const auto y = lumaOf(color);
+        const auto y = luma(color);
         storeColor(d, {mix(y, color.x, factor), mix(y, color.y, factor), mix(y, color.z, factor)}, run, i);
     }
 }
@@ -284,7 +284,7 @@ void findEntries(const Run& run, std::size_t length, std::int32_t* entries) {
     const hn::RebindToSigned<F32> di;
     const auto one = hn::Set(d, 1.0F);
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
-        const auto y = lumaOf(loadColor(d, run, i));
+        const auto y = luma(loadColor(d, run, i));
         const auto limited = hn::IfThenElse(hn::Lt(y, one), y, one);
         const auto code = hn::IfThenElseZero(hn::Gt(y, hn::Zero(d)), hn::Mul(hn::Set(d, 255.0F), limited));
         hn::Store(hn::ShiftLeft<2>(hn::ConvertTo(di, code)), di, entries + i);
@@ -324,7 +324,7 @@ void gradeColor(Run& run, std::size_t length, const Settings& settings) {
         applyMatrix(run, length, *params.whiteBalance);
     }
     if (params.hue != 0.0F) {
-        turnHue(run, length, settings.hueCosine, settings.hueSine);
+        rotateHue(run, length, settings.hueCosine, settings.hueSine);
     }
     saturate(run, length, params.saturation);
     if (params.gradientMapIntensity != 0.0F) {
@@ -336,7 +336,7 @@ void decodePower(float* plane, std::size_t length) {
     const F64 d;
     const HalfF32 df;
     for (std::size_t i = 0; i < length; i += hn::Lanes(d)) {
-        hn::Store(powerOfStored(d, hn::Load(df, plane + i)), df, plane + i);
+        hn::Store(decodeStored(d, hn::Load(df, plane + i)), df, plane + i);
     }
 }
 
@@ -364,7 +364,7 @@ Steps chosenSteps() {
 class GradedReader {
 public:
     GradedReader(Format format, const Settings& settings)
-        : mSettings(settings), mGradeChannel(chosenSteps().gradeChannel), mDecode(decoderOf(format)),
+        : mSettings(settings), mGradeChannel(chosenSteps().gradeChannel), mDecode(getDecoder(format)),
           mTable(linearLightTable(format)), mFormat(pixelFormat(format)) {
         if (!mFormat.isFloat()) {
             mGradeChannel(mTable.data(), mTable.size(), settings);
@@ -414,7 +414,7 @@ void forEachPlane(std::vector<float>& values, const Kernel& kernel) {
 template <typename Element>
 void bakeTable(Format format, std::vector<float> levels, Element* table, const Settings& settings) {
     const std::size_t size = levels.size();
-    const EncodeRun encode = encoderOf(format);
+    const EncodeRun encode = getEncoder(format);
     const auto grade = chosenSteps().gradeColor;
     const auto gradeLevels = chosenSteps().gradeChannel;
     forEachPlane(levels, [&](float* plane, std::size_t length) { gradeLevels(plane, length, settings); });
@@ -452,7 +452,7 @@ void gradePixels(const Image& source, const Image& destination, const ColorGradi
     }
     const Settings settings(params);
     const GradedReader reader(source.getFormat(), settings);
-    const EncodeRun encode = encoderOf(destination.getFormat(), writingOf(source, destination));
+    const EncodeRun encode = getEncoder(destination.getFormat(), chooseWriting(source, destination));
     const auto grade = chosenSteps().gradeColor;
     forEachRow(source.getHeight(), [&](std::size_t y) {
         const auto* from = static_cast<const std::uint8_t*>(source.getRowPtr(y));

@@ -69,7 +69,7 @@ HWY_INLINE hn::Vec<hn::Rebind<float, D>> roundToFloat(D d, hn::Vec<D> v) {
 /// log2 of doubles that are positive, finite and not subnormal. Absolute error below 1e-13.
 /// What is outside the domain gives any number.
 template <class D, class V>
-HWY_INLINE V log2OfPositive(D d, V x) {
+HWY_INLINE V log2Positive(D d, V x) {
     const hn::RebindToUnsigned<D> du;
     // x = 2^exponent * mantissa, the mantissa between the roots of 1/2 and 2. Conversions between integers and doubles
     // are slow: the exponent becomes one as the last bits of 2^52.
@@ -99,7 +99,7 @@ HWY_INLINE V log2OfPositive(D d, V x) {
 template <class D, class VF>
 HWY_INLINE hn::Vec<D> log2(D d, VF x) {
     const auto wide = hn::PromoteTo(d, x);
-    const auto logarithm = log2OfPositive(d, wide);
+    const auto logarithm = log2Positive(d, wide);
     const auto infinity = hn::Set(d, std::numeric_limits<double>::infinity());
     const auto notPositive = hn::IfThenElse(hn::Eq(wide, hn::Zero(d)), hn::Neg(infinity),
                                             hn::Set(d, std::numeric_limits<double>::quiet_NaN()));
@@ -142,7 +142,7 @@ HWY_INLINE V exp2(D d, V x) {
 /// The linear light of stored values: their power 2.2, with the exponent in single precision, rounded to single
 /// precision.
 template <class D, class VF>
-HWY_INLINE VF powerOfStored(D d, VF stored) {
+HWY_INLINE VF decodeStored(D d, VF stored) {
     return roundToFloat(d, exp2(d, hn::Mul(hn::Set(d, static_cast<double>(DECODING_EXPONENT)), log2(d, stored))));
 }
 

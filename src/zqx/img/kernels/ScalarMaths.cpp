@@ -121,7 +121,7 @@ constexpr std::array<Pair, STEPS> POWERS = [] {
 }();
 
 /// 2^(steps / STEPS) * e^r of a small r.
-double expOf(int steps, const Pair& r) {
+double expFromTable(int steps, const Pair& r) {
     constexpr double REST[] = {1.0 / 2.0, 1.0 / 6.0, 1.0 / 24.0, 1.0 / 120.0, 1.0 / 720.0};
     const double more = r.high + (r.high * r.high * polynomial(r.high, REST) + r.low); // e^r - 1
     const int place = steps & (STEPS - 1);
@@ -130,7 +130,7 @@ double expOf(int steps, const Pair& r) {
 }
 
 /// e^x of a pair, for any x but infinity and NaN.
-double expOf(const Pair& x) {
+double expPair(const Pair& x) {
     constexpr double MOST = 710.0;   // the results are beyond all doubles
     constexpr double LEAST = -746.0; // the results are nearer to 0 than to any double
     constexpr double STEPS_PER_UNIT = STEPS * 0x1.71547652b82fep+0;
@@ -144,7 +144,7 @@ double expOf(const Pair& x) {
     constexpr double STEP_REST = 0x1.a39ef35793c76p-33 / STEPS;
     const double steps = std::floor(x.high * STEPS_PER_UNIT + 0.5);
     const Pair rest = sum(x.high - steps * STEP_START, -steps * STEP_REST);
-    return expOf(static_cast<int>(steps), sum(rest, Pair{x.low, 0.0}));
+    return expFromTable(static_cast<int>(steps), sum(rest, Pair{x.low, 0.0}));
 }
 
 /// The places of the table of logarithms lie between the roots of 1/2 and of 2.
@@ -174,7 +174,7 @@ constexpr std::array<Place, LAST_PLACE - FIRST_PLACE + 1> PLACES = [] {
 }();
 
 /// The natural logarithm of a positive and finite double.
-Pair logOf(double x) {
+Pair logPair(double x) {
     // x = 2^exponent * mantissa, the mantissa between the roots of 1/2 and 2.
     constexpr std::uint64_t ROOT_OF_HALF = 0x3fe6a09e667f3bcd;
     constexpr std::uint64_t ONE = 0x3ff0000000000000;
@@ -208,12 +208,12 @@ bool isOdd(double whole) {
 
 /// x^y of a positive x that is neither 1 nor infinite, and a finite y.
 double powOfPositive(double x, double y) {
-    const Pair logarithm = logOf(x);
+    const Pair logarithm = logPair(x);
     const double estimate = y * logarithm.high;
     if (!(std::fabs(estimate) < 1000.0)) {
         return estimate > 0.0 ? INFINITE : 0.0;
     }
-    return expOf(product(logarithm, y));
+    return expPair(product(logarithm, y));
 }
 
 /// An angle as what it is away from the nearest quarter of a turn, at most an eighth, and the number of the quarter.
@@ -235,7 +235,7 @@ Angle reduce(double x) {
     return {rest, static_cast<unsigned>(static_cast<int>(quarters)) % 4U};
 }
 
-Pair sineOf(const Pair& r) {
+Pair sinePair(const Pair& r) {
     constexpr double REST[] = {
         1.0 / 120.0,        -1.0 / 5040.0,          1.0 / 362880.0,          -1.0 / 39916800.0,
         1.0 / 6227020800.0, -1.0 / 1307674368000.0, 1.0 / 355687428096000.0, -1.0 / 121645100408832000.0};
@@ -245,7 +245,7 @@ Pair sineOf(const Pair& r) {
     return sum(r, sum(cubic, Pair{rest, 0.0}));
 }
 
-Pair cosineOf(const Pair& r) {
+Pair cosinePair(const Pair& r) {
     constexpr double REST[] = {
         -1.0 / 720.0,         1.0 / 40320.0,          -1.0 / 3628800.0,          1.0 / 479001600.0,
         -1.0 / 87178291200.0, 1.0 / 20922789888000.0, -1.0 / 6402373705728000.0, 1.0 / 2432902008176640000.0};
@@ -257,9 +257,9 @@ Pair cosineOf(const Pair& r) {
 }
 
 /// The sine of an angle that is so many quarters further.
-double sineOf(const Angle& angle, unsigned quarters) {
+double sineAfter(const Angle& angle, unsigned quarters) {
     const unsigned quarter = (angle.quarter + quarters) % 4U;
-    const Pair value = quarter % 2U == 0U ? sineOf(angle.rest) : cosineOf(angle.rest);
+    const Pair value = quarter % 2U == 0U ? sinePair(angle.rest) : cosinePair(angle.rest);
     return quarter < 2U ? value.high : -value.high;
 }
 
@@ -273,7 +273,7 @@ double exp(double x) {
     if (std::isnan(x)) {
         return x;
     }
-    return std::isinf(x) ? (x > 0.0 ? INFINITE : 0.0) : expOf({x, 0.0});
+    return std::isinf(x) ? (x > 0.0 ? INFINITE : 0.0) : expPair({x, 0.0});
 }
 
 double exp2(double x) {
@@ -282,19 +282,19 @@ double exp2(double x) {
         return x > 0.0 ? INFINITE : x < 0.0 ? 0.0 : x;
     }
     const double steps = std::floor(x * STEPS + 0.5);
-    return expOf(static_cast<int>(steps), product(LN_2, x - steps / STEPS));
+    return expFromTable(static_cast<int>(steps), product(LN_2, x - steps / STEPS));
 }
 
 double log(double x) {
     if (!(x > 0.0)) { // also NaN
         return x == 0.0 ? -INFINITE : NOT_A_NUMBER;
     }
-    return std::isinf(x) ? x : logOf(x).high;
+    return std::isinf(x) ? x : logPair(x).high;
 }
 
 double log10(double x) {
     const bool isOrdinary = x > 0.0 && !std::isinf(x);
-    return isOrdinary ? product(logOf(x), PER_LN_10).high : log(x);
+    return isOrdinary ? product(logPair(x), PER_LN_10).high : log(x);
 }
 
 double pow(double x, double y) {
@@ -329,11 +329,11 @@ double sin(double x) {
     if (x == 0.0) {
         return x; // keeps its sign
     }
-    return hasValue(x) ? sineOf(reduce(x), 0) : NOT_A_NUMBER;
+    return hasValue(x) ? sineAfter(reduce(x), 0) : NOT_A_NUMBER;
 }
 
 double cos(double x) {
-    return hasValue(x) ? sineOf(reduce(x), 1) : NOT_A_NUMBER;
+    return hasValue(x) ? sineAfter(reduce(x), 1) : NOT_A_NUMBER;
 }
 
 double tan(double x) {
@@ -344,8 +344,8 @@ double tan(double x) {
         return NOT_A_NUMBER;
     }
     const Angle angle = reduce(x);
-    const Pair sine = sineOf(angle.rest);
-    const Pair cosine = cosineOf(angle.rest);
+    const Pair sine = sinePair(angle.rest);
+    const Pair cosine = cosinePair(angle.rest);
     return angle.quarter % 2U == 0U ? quotient(sine, cosine).high : quotient({-cosine.high, -cosine.low}, sine).high;
 }
 

@@ -15,7 +15,7 @@ namespace zqx::img::kernels {
 /// that follow each other.
 inline constexpr int BUCKET_SHIFT = 16;
 
-constexpr std::uint32_t bucketOfFloat(float positive) {
+constexpr std::uint32_t bucketIndex(float positive) {
     return std::bit_cast<std::uint32_t>(positive) >> BUCKET_SHIFT;
 }
 
@@ -36,7 +36,7 @@ public:
         }
         mThresholds[Codes] = std::numeric_limits<float>::infinity();
         std::size_t code = 0;
-        for (std::uint32_t bucket = bucketOfFloat(mThresholds[1]); bucket < BUCKETS; ++bucket) {
+        for (std::uint32_t bucket = bucketIndex(mThresholds[1]); bucket < BUCKETS; ++bucket) {
             while (std::bit_cast<float>(bucket << BUCKET_SHIFT) >= mThresholds[code + 1]) {
                 ++code;
             }
@@ -59,13 +59,13 @@ public:
     }
 
 private:
-    static constexpr std::uint32_t BUCKETS = bucketOfFloat(1.0F) + 1;
+    static constexpr std::uint32_t BUCKETS = bucketIndex(1.0F) + 1;
     static constexpr bool HAS_BUCKETS_OF_MANY = Codes > 256;
     /// Codes at both ends of a bucket are rounded down, and the curve lies above their chord.
     static constexpr int MOST_MISSING = HAS_BUCKETS_OF_MANY ? 2 : 1;
 
     constexpr std::uint32_t guess(float v) const {
-        const std::uint32_t bucket = bucketOfFloat(v);
+        const std::uint32_t bucket = bucketIndex(v);
         const std::uint32_t first = mFirstCodes[bucket];
         if constexpr (HAS_BUCKETS_OF_MANY) {
             const std::uint32_t within = std::bit_cast<std::uint32_t>(v) & ((1U << BUCKET_SHIFT) - 1U);

@@ -20,7 +20,7 @@ template <std::size_t Size>
 using Pixel = std::array<std::uint8_t, Size>;
 
 template <std::size_t Size>
-Pixel<Size>* rowOf(const Image& image, std::size_t y) {
+Pixel<Size>* getRow(const Image& image, std::size_t y) {
     return static_cast<Pixel<Size>*>(image.getRowPtr(y));
 }
 
@@ -61,8 +61,8 @@ void prefetchRows(const std::uint8_t* first, std::ptrdiff_t step, std::size_t ro
 }
 
 /// Fills the target tile by tile; column(y) tells which source column lands in target row y.
-template <std::size_t Size, typename ColumnOf>
-void fillFromColumns(const Image& target, const ColumnOf& columnOf) {
+template <std::size_t Size, typename GetColumn>
+void fillFromColumns(const Image& target, const GetColumn& getColumn) {
     constexpr std::size_t EDGE = TILE_EDGE<Size>;
     const std::size_t width = target.getWidth();
     const std::size_t height = target.getHeight();
@@ -72,16 +72,16 @@ void fillFromColumns(const Image& target, const ColumnOf& columnOf) {
     forEachRow((height + EDGE - 1) / EDGE, [&](std::size_t band) {
         const std::size_t beginY = band * EDGE;
         const std::size_t endY = std::min(beginY + EDGE, height);
-        const Column leftmost{std::min(columnOf(beginY).first, columnOf(endY - 1).first), columnOf(beginY).step};
+        const Column leftmost{std::min(getColumn(beginY).first, getColumn(endY - 1).first), getColumn(beginY).step};
         for (std::size_t startX = 0; startX < width; startX += EDGE) {
             const std::size_t endX = std::min(startX + EDGE, width);
             if (endX < width) {
                 prefetchRows(leftmost.at(endX), leftmost.step, std::min(EDGE, width - endX), (endY - beginY) * Size);
             }
             for (std::size_t y = beginY; y < endY; ++y) {
-                const Column column = columnOf(y);
+                const Column column = getColumn(y);
                 const std::uint8_t* from = column.at(startX);
-                Pixel<Size>* row = rowOf<Size>(target, y);
+                Pixel<Size>* row = getRow<Size>(target, y);
                 for (std::size_t x = startX; x < endX; ++x, from += column.step) {
                     std::memcpy(row + x, from, Size);
                 }
@@ -142,7 +142,7 @@ void mirrorByFours(Pixel<Size>*& left, Pixel<Size>*& right) {
 void mirrorColumns(const Image& image) {
     withPixelSize(image.getFormat(), [&]<std::size_t Size>() {
         forEachRow(image.getHeight(), [&](std::size_t y) {
-            Pixel<Size>* left = rowOf<Size>(image, y);
+            Pixel<Size>* left = getRow<Size>(image, y);
             Pixel<Size>* right = left + image.getWidth();
             mirrorByFours<Size>(left, right);
             while (left + 1 < right) {
@@ -164,7 +164,7 @@ void turnClockwise(const Image& source, const Image& target) {
     const auto step = static_cast<std::ptrdiff_t>(source.getByteRowStride());
     withPixelSize(source.getFormat(), [&]<std::size_t Size>() {
         fillFromColumns<Size>(target, [&](std::size_t y) {
-            const auto* bottom = rowOf<Size>(source, source.getHeight() - 1) + y;
+            const auto* bottom = getRow<Size>(source, source.getHeight() - 1) + y;
             return Column{bottom->data(), -step};
         });
     });
@@ -173,8 +173,8 @@ void turnClockwise(const Image& source, const Image& target) {
 void turnAround(const Image& source, const Image& target) {
     withPixelSize(source.getFormat(), [&]<std::size_t Size>() {
         forEachRow(source.getHeight(), [&](std::size_t y) {
-            const auto* row = rowOf<Size>(source, y);
-            std::reverse_copy(row, row + source.getWidth(), rowOf<Size>(target, source.getHeight() - 1 - y));
+            const auto* row = getRow<Size>(source, y);
+            std::reverse_copy(row, row + source.getWidth(), getRow<Size>(target, source.getHeight() - 1 - y));
         });
     });
 }
@@ -183,7 +183,7 @@ void turnCounterClockwise(const Image& source, const Image& target) {
     const auto step = static_cast<std::ptrdiff_t>(source.getByteRowStride());
     withPixelSize(source.getFormat(), [&]<std::size_t Size>() {
         fillFromColumns<Size>(target, [&](std::size_t y) {
-            const auto* top = rowOf<Size>(source, 0) + (source.getWidth() - 1 - y);
+            const auto* top = getRow<Size>(source, 0) + (source.getWidth() - 1 - y);
             return Column{top->data(), step};
         });
     });

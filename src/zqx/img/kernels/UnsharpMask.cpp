@@ -95,7 +95,7 @@ void sharpenLuminance(const Image& source, const Image& output, const std::vecto
     const auto readLuminance = [&](std::size_t y, std::size_t first, std::size_t length, Run& run) {
         work->read(y, first, length, run);
         if (!isGrey) {
-            takeGrey(run, length);
+            lumaIntoRed(run, length);
         }
     };
     const auto write = [&](std::size_t y, std::size_t first, std::size_t length, Run& blurred) {

@@ -2,13 +2,14 @@
 #include <zqx/tools/ContactSheet.h>
 
 #include <algorithm>
-#include <cmath>
+#include <array>
+#include <cstdint>
 #include <limits>
-#include <memory>
 #include <utility>
 
 #include <zqx/img/Color.h>
 
+#include "kernels/Compose.h"
 #include "zqx/pictures/files/Error.h"
 
 namespace zqx::tools {
@@ -56,19 +57,6 @@ std::size_t bestColumns(std::size_t cells, std::size_t cellWidth, std::size_t ce
     return best;
 }
 
-/// Blends straight alpha over the ground, in linear light.
-void putOnGround(img::Image& pixels) {
-    const float ground = img::srgb2linear(ContactSheet::GROUND);
-    auto* pixel = static_cast<img::Color*>(pixels.getDataPtr());
-    for (std::size_t i = 0; i < pixels.getWidth() * pixels.getHeight(); ++i, ++pixel) {
-        const float alpha = std::clamp(pixel->a, 0.0F, 1.0F);
-        if (alpha < 1.0F) { // what is opaque keeps every bit
-            const auto over = [&](float value) { return alpha * value + (1.0F - alpha) * ground; };
-            *pixel = {over(pixel->r), over(pixel->g), over(pixel->b), 1.0F};
-        }
-    }
-}
-
 } // namespace
 
 ContactSheet::ContactSheet(const std::vector<std::string>& labels, unsigned pictureWidth, unsigned pictureHeight,
@@ -86,9 +74,8 @@ ContactSheet::ContactSheet(const std::vector<std::string>& labels, unsigned pict
         throw UsageError("--size", "too large for a sheet of this many pictures; choose a smaller size");
     }
     mSheet = PixelBuffer(width, height, SampleLayout::RGB8);
-    for (std::size_t y = 0; y < height; ++y) {
-        std::fill_n(static_cast<unsigned char*>(mSheet.image().getRowPtr(y)), 3 * width, GROUND);
-    }
+    constexpr std::array<std::uint8_t, 3> PIXEL = {GROUND, GROUND, GROUND};
+    img::kernels::fillRectangle(mSheet.image(), {0, 0, width, height}, PIXEL);
     for (std::size_t number = 0; number < labels.size(); ++number) {
         drawLabel(number, labels[number], painter);
     }
@@ -121,13 +108,7 @@ void ContactSheet::place(std::size_t number, const img::Image& picture) {
     Corner corner = cellCorner(number);
     corner.x += (mCellWidth - mPictureWidth) / 2;
     img::Image area = areaAt(corner, mPictureWidth, mPictureHeight);
-    if (hasAlpha(layoutOf(picture))) {
-        const std::shared_ptr<img::Image> pixels = picture.convertTo(img::Image::RGBA32F);
-        putOnGround(*pixels);
-        area.convertFrom(*pixels);
-    } else {
-        area.convertFrom(picture);
-    }
+    img::kernels::placeOver(picture, area, img::srgb2linear(GROUND));
 }
 
 PixelBuffer ContactSheet::take() {

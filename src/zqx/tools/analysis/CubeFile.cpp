@@ -2,14 +2,15 @@
 #include <zqx/tools/CubeFile.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
 
-#include "kernels/ScalarMaths.h"
+#include "kernels/Lattice.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
+#include "zqx/text/Cleaning.h"
+#include "zqx/text/Numbers.h"
 
 namespace zqx::tools {
 
@@ -17,44 +18,17 @@ using namespace pictures;
 
 namespace {
 
-constexpr double GAMMA = 2.2; // of the encoded formats
-
-std::vector<float> bakeEncoded(const img::ColorGrading& grading, std::size_t size) {
-    std::vector<float> axis(size);
-    for (std::size_t i = 0; i < size; ++i) {
-        axis[i] =
-            static_cast<float>(img::kernels::maths::pow(static_cast<double>(i) / static_cast<double>(size - 1), GAMMA));
-    }
-    std::vector<float> table(3 * size * size * size);
-    for (std::size_t i = 0; i < table.size(); i += 3) {
-        const std::size_t point = i / 3;
-        table[i] = axis[point % size];
-        table[i + 1] = axis[point / size % size];
-        table[i + 2] = axis[point / size / size];
-    }
-    img::Image lattice(table.data(), size * size, size, img::Image::RGB32F, 0);
-    grading.apply(lattice, lattice);
-    for (float& value : table) {
-        value =
-            static_cast<float>(img::kernels::maths::pow(std::clamp(static_cast<double>(value), 0.0, 1.0), 1.0 / GAMMA));
-    }
-    return table;
-}
-
 /// Plain decimals that read back as the same float; not every reader of the format knows exponents.
-void appendNumber(std::string& text, float value) {
-    char digits[128];
+void appendNumber(std::string& line, float value) {
     const float finite =
         std::isnan(value) ? 0.0F
                           : std::clamp(value, std::numeric_limits<float>::lowest(), std::numeric_limits<float>::max());
-    text.append(digits, std::to_chars(digits, digits + sizeof digits, finite, std::chars_format::fixed).ptr);
+    line += text::shortestDecimal(finite);
 }
 
 /// The format has no escapes: what would end the line or the title is replaced.
 std::string titleLine(const std::string& name, const CubeOptions& options) {
-    std::string title = options.title.empty() ? toName(toPath(name).stem()) : options.title;
-    std::ranges::replace_if(
-        title, [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
+    std::string title = text::inOneLine(options.title.empty() ? toName(toPath(name).stem()) : options.title);
     std::ranges::replace(title, '"', '\'');
     return "TITLE \"" + title + "\"\n";
 }
@@ -74,11 +48,15 @@ void writePoints(OutputFile& file, const std::vector<float>& table) {
 } // namespace
 
 std::vector<float> bakeLattice(const img::ColorGrading& grading, std::size_t size, bool linear) {
-    if (!linear) {
-        return bakeEncoded(grading, size);
-    }
     std::vector<float> table(3 * size * size * size);
-    grading.generate3DLUT_RGB32F(size, table.data());
+    if (linear) {
+        grading.generate3DLUT_RGB32F(size, table.data());
+    } else {
+        img::kernels::fillEncodedLattice(size, table);
+        img::Image lattice(table.data(), size * size, size, img::Image::RGB32F, 0);
+        grading.apply(lattice, lattice);
+        img::kernels::encodeInPlace(table);
+    }
     return table;
 }
 
