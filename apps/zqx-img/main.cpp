@@ -1,6 +1,5 @@
 // The command line program: runs the chosen command, and turns whatever goes wrong into a line and an exit code.
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <memory>
@@ -15,26 +14,24 @@
 
 #include "commands/CommandLine.h"
 #include "help/CommandLineProblem.h"
-#include "terminal/Terminal.h"
+#include "terminal/Interrupts.h"
+#include "terminal/Output.h"
+#include "terminal/System.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/files/Interrupts.h"
+#include "zqx/tools/parameters/Remarks.h"
 
 namespace {
 
 using namespace zqx::app;
 using namespace zqx::pictures;
+using zqx::tools::RemarksError;
 
 constexpr int SUCCESS = 0;
 constexpr int FAILURE = 1;
 constexpr int INVALID_COMMAND_LINE = 2;
 
-/// Prints each line of the text with the name of the program, without allocating memory, which may be what is missing.
-int complain(std::string_view text, int code) {
-    while (!text.empty()) {
-        const std::string_view line = text.substr(0, text.find('\n'));
-        std::fprintf(stderr, "zqx-img: %.*s\n", static_cast<int>(line.size()), line.data());
-        text.remove_prefix(std::min(text.size(), line.size() + 1));
-    }
+int complainAndReturn(int code, std::string_view text) {
+    complain(text);
     return code;
 }
 
@@ -47,10 +44,17 @@ std::vector<const char*> commandLine(int argc, char** argv) {
     return words;
 }
 
+/// The last line is advice of the program's own; line breaks before it are in words of the user's.
+int complainOfCommandLine(const std::string& problem) {
+    const std::size_t end = problem.rfind('\n');
+    complain(std::string_view(problem).substr(0, end));
+    return complainAndReturn(INVALID_COMMAND_LINE, std::string_view(problem).substr(end + 1));
+}
+
 /// Help and version arrive as exceptions, too.
 int answer(const CLI::App& program, const CLI::ParseError& error, const std::vector<const char*>& words) {
     if (error.get_exit_code() != 0) {
-        return complain(describeProblem(program, error, words), INVALID_COMMAND_LINE);
+        return complainOfCommandLine(describeProblem(program, error, words));
     }
     std::ostringstream text;
     program.exit(error, text, text);
@@ -61,7 +65,7 @@ int answer(const CLI::App& program, const CLI::ParseError& error, const std::vec
 int parseAndRun(CLI::App& program, const std::vector<const char*>& words) {
     try {
         program.parse(static_cast<int>(words.size()), words.data());
-        return std::fflush(stdout) == 0 ? SUCCESS : complain("standard output: could not be written", FAILURE);
+        return SUCCESS;
     } catch (const CLI::ParseError& error) {
         return answer(program, error, words);
     }
@@ -72,19 +76,25 @@ int run(CLI::App& program, const std::vector<const char*>& words) {
         return parseAndRun(program, words);
     } catch (const ExitCode& code) {
         return code.value;
+    } catch (const RemarksError& error) {
+        complain(error.what());
+        std::ranges::for_each(error.remarks(), complain);
+        return FAILURE;
     } catch (const UsageError& error) {
-        return complain(error.what(), INVALID_COMMAND_LINE);
+        return complainAndReturn(INVALID_COMMAND_LINE, error.what());
     } catch (const Error& error) {
-        return complain(error.what(), FAILURE);
+        return complainAndReturn(FAILURE, error.what());
     } catch (const std::bad_alloc&) {
-        return complain("out of memory; close other programs or use a smaller picture", FAILURE);
+        return complainAndReturn(FAILURE, "out of memory; close other programs or use a smaller picture");
     } catch (const std::exception& error) {
-        return complain(std::string("unexpected failure: ") + error.what(), FAILURE);
+        return complainAndReturn(FAILURE, std::string("unexpected failure: ") + error.what());
     }
 }
 
 int runProgram(int argc, char** argv) {
+    prepareStandardStreams();
     watchForInterrupts();
+    const WarningListener listener(printWarning);
     qutil::Log::setReportingLevel(0); // failures of components are reported in the words of the program
     const std::unique_ptr<CLI::App> program = makeCommandLine();
     return run(*program, commandLine(argc, argv));
@@ -96,6 +106,6 @@ int main(int argc, char** argv) {
     try {
         return runProgram(argc, argv);
     } catch (...) {
-        return complain("unexpected failure", FAILURE);
+        return complainAndReturn(FAILURE, "unexpected failure");
     }
 }

@@ -1,6 +1,5 @@
 // apply: checks the options as a whole and hands them to the run.
 #include <algorithm>
-#include <csignal>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -21,9 +20,9 @@
 #include "options/ReadingOptions.h"
 #include "options/Validators.h"
 #include "options/WritingOptions.h"
+#include "terminal/Interrupts.h"
 #include "terminal/RunReport.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/files/Interrupts.h"
 #include "zqx/text/Amounts.h"
 #include "zqx/tools/batch/BatchRun.h"
 #include "zqx/tools/batch/Threads.h"
@@ -107,12 +106,6 @@ void work(const ApplyOptions& options, const ApplySettings& settings, const std:
     runBatch(plan, options.comparison, settings, split, gate, report);
 }
 
-void ignoreBrokenPipes() {
-#if !defined(_WIN32)
-    std::signal(SIGPIPE, SIG_IGN); // a reader that goes away must not make us leave half a file
-#endif
-}
-
 void runApply(const ApplyOptions& options) {
     checkOutputOptions(options);
     const InputList found = findInputs(options);
@@ -123,7 +116,6 @@ void runApply(const ApplyOptions& options) {
     }
     const ApplySettings settings{options.adjustments.makePipeline(), loading, options.encoding,
                                  options.noClobber ? OutputFile::Existing::KEEP : OutputFile::Existing::REPLACE};
-    ignoreBrokenPipes();
     RunReport report(options.report, plan.size() + found.failures.size(), found.unreadable);
     const LastWords lastWords([&report] { report.concludeInterrupted(); });
     for (const auto& [name, reason] : found.failures) {
@@ -164,6 +156,9 @@ A picture that fails does not stop the others. An interrupted run (Ctrl-C) leave
 
 Colour profile, Exif, XMP, IPTC and comments are copied to OUTPUT as far as its format can store them; a warning names
 what it cannot, and --strip leaves them out. Thumbnails are dropped, since they show the picture as it was.
+
+Lines for people show control characters of file names, and bytes that are not UTF-8, as escapes such as \x1B, also in
+pipes; programs should read --json, which is valid UTF-8 with U+FFFD for such bytes.
 
 Examples:
   zqx-img apply in.jpg -o out.jpg --set exposure=0.5 --set shadow=0.3 --quality 95

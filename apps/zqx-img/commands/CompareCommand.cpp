@@ -3,7 +3,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,19 +10,20 @@
 
 #include <CLI/CLI.hpp>
 
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
-#include <zqx/tools/MemoryGate.h>
-
 #include <zqx/tools/Compare.h>
+#include <zqx/tools/MemoryGate.h>
 
 #include "commands/Commands.h"
 #include "commands/ResultFile.h"
 #include "options/MemoryOption.h"
 #include "options/ReadingOptions.h"
+#include "terminal/Output.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/Error.h"
+#include "zqx/text/Json.h"
+#include "zqx/text/Numbers.h"
+#include "zqx/text/Width.h"
 
 namespace zqx::app {
 
@@ -107,13 +107,11 @@ struct Report {
     bool isEqual() const { return largest() <= tolerance; }
 };
 
-std::string inDigits(double value, const char* format = "%.6g") {
+std::string inDigits(double value) {
     if (std::isinf(value)) {
         return value > 0.0 ? "infinite" : "-infinite";
     }
-    char text[64];
-    std::snprintf(text, sizeof text, format, value);
-    return text;
+    return text::significant(value);
 }
 
 /// "0.0117647", and the steps of the scale where it has some.
@@ -124,8 +122,8 @@ std::string inSteps(double normalised, ComparisonScale scale) {
 
 void printText(const CompareOptions& options, const Report& report) {
     const Comparison& found = report.found;
-    const auto line = [](const char* label, const std::string& text) {
-        std::printf("%-19s %s\n", label, text.c_str());
+    const auto line = [](const char* label, const std::string& value) {
+        printLine(text::padded(label, 19) + " " + value);
     };
     for (const auto& [file, picture] :
          {std::pair(options.files[0], &report.a), std::pair(options.files[1], &report.b)}) {
@@ -140,73 +138,53 @@ void printText(const CompareOptions& options, const Report& report) {
     }
     line("largest difference", largest);
     line("mean difference", inSteps(report.mean(), report.found.scale));
-    line("PSNR", inDigits(report.found.psnr, "%.2f") + (std::isinf(report.found.psnr) ? "" : " dB"));
-    line("differing pixels",
-         std::to_string(found.differingPixels) + " of " + inDigits(static_cast<double>(report.found.pixels), "%.0f"));
+    line("PSNR",
+         std::isinf(report.found.psnr) ? inDigits(report.found.psnr) : text::fixed(report.found.psnr, 2) + " dB");
+    line("differing pixels", std::to_string(found.differingPixels) + " of " + std::to_string(report.found.pixels));
     line("result", found.largest == 0.0 ? "equal" : report.isEqual() ? "equal within the tolerance" : "different");
 }
 
-using JsonWriter = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
-
-void member(JsonWriter& writer, const char* name, const std::string& value) {
-    writer.Key(name);
-    writer.String(value.c_str(), static_cast<rapidjson::SizeType>(value.size()));
+void describe(text::JsonWriter& json, const char* name, const std::string& file, const Picture& picture) {
+    json.key(name);
+    json.beginObject();
+    json.member("file", file);
+    json.member("width", picture.width());
+    json.member("height", picture.height());
+    json.member("form", nameOf(picture.stored));
+    json.endObject();
 }
 
-/// JSON has no infinity: null stands for it.
-void member(JsonWriter& writer, const char* name, double value) {
-    writer.Key(name);
-    std::isfinite(value) ? writer.Double(value) : writer.Null();
-}
-
-void member(JsonWriter& writer, const char* name, std::uint64_t value) {
-    writer.Key(name);
-    writer.Uint64(value);
-}
-
-void describe(JsonWriter& writer, const char* name, const std::string& file, const Picture& picture) {
-    writer.Key(name);
-    writer.StartObject();
-    member(writer, "file", file);
-    member(writer, "width", std::uint64_t{picture.width()});
-    member(writer, "height", std::uint64_t{picture.height()});
-    member(writer, "form", std::string(nameOf(picture.stored)));
-    writer.EndObject();
-}
-
-void writeFindings(JsonWriter& writer, const Report& report) {
-    member(writer, "scale", std::string(report.found.scale.encoded ? "stored" : "linear"));
-    member(writer, "tolerance", report.tolerance);
-    member(writer, "largest", report.largest());
-    writer.Key("largestAt");
+void writeFindings(text::JsonWriter& json, const Report& report) {
+    json.member("scale", report.found.scale.encoded ? "stored" : "linear");
+    json.member("tolerance", report.tolerance);
+    json.member("largest", report.largest());
+    json.key("largestAt");
     if (report.found.largest > 0.0) {
-        writer.StartObject();
-        member(writer, "x", std::uint64_t{report.found.x});
-        member(writer, "y", std::uint64_t{report.found.y});
-        member(writer, "channel", std::string(channelName(report.found.channel, channelsOf(report.a))));
-        writer.EndObject();
+        json.beginObject();
+        json.member("x", report.found.x);
+        json.member("y", report.found.y);
+        json.member("channel", channelName(report.found.channel, channelsOf(report.a)));
+        json.endObject();
     } else {
-        writer.Null();
+        json.null();
     }
-    member(writer, "mean", report.mean());
-    member(writer, "psnr", report.found.psnr);
-    member(writer, "differingPixels", report.found.differingPixels);
+    json.member("mean", report.mean());
+    json.member("psnr", report.found.psnr);
+    json.member("differingPixels", report.found.differingPixels);
 }
 
 void printJson(const CompareOptions& options, const Picture& a, const Picture& b, const char* result,
                const Report* report) {
-    rapidjson::StringBuffer buffer;
-    JsonWriter writer(buffer);
-    writer.SetIndent(' ', 2);
-    writer.StartObject();
-    member(writer, "result", std::string(result));
-    describe(writer, "a", options.files[0], a);
-    describe(writer, "b", options.files[1], b);
+    text::JsonWriter json({.indent = 2});
+    json.beginObject();
+    json.member("result", result);
+    describe(json, "a", options.files[0], a);
+    describe(json, "b", options.files[1], b);
     if (report != nullptr) {
-        writeFindings(writer, *report);
+        writeFindings(json, *report);
     }
-    writer.EndObject();
-    std::puts(buffer.GetString());
+    json.endObject();
+    print(json.text() + "\n");
 }
 
 void runCompare(const CompareOptions& options) {
@@ -221,7 +199,7 @@ void runCompare(const CompareOptions& options) {
         if (options.json) {
             printJson(options, a, b, "incomparable", nullptr);
         } else {
-            std::puts(reason->c_str());
+            printLine(*reason);
         }
         throw ExitCode{INCOMPARABLE};
     }

@@ -8,7 +8,7 @@
 
 #include "commands/Commands.h"
 #include "options/Validators.h"
-#include "terminal/Terminal.h"
+#include "terminal/Output.h"
 
 namespace zqx::app {
 

@@ -6,8 +6,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
 #include <zqx/tools/MemoryGate.h>
 
 #include "commands/Commands.h"
@@ -18,10 +16,13 @@
 #include "options/ReadingOptions.h"
 #include "options/ShowOption.h"
 #include "terminal/HistogramText.h"
+#include "terminal/Output.h"
 #include "terminal/Terminal.h"
 #include "zqx/pictures/codecs/Alpha.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/files/Error.h"
+#include "zqx/text/Cleaning.h"
+#include "zqx/text/Json.h"
 #include "zqx/tools/analysis/Render.h"
 #include "zqx/tools/parameters/ParameterTable.h"
 
@@ -42,49 +43,36 @@ struct HistogramOptions {
     bool json = false;
 };
 
-std::string fileNameOf(const std::string& name) {
-    const std::u8string last = toPath(name).filename().u8string();
-    return {last.begin(), last.end()};
-}
-
 std::string subtitleOf(const Picture& picture) {
     return std::to_string(picture.width()) + " x " + std::to_string(picture.height()) + ", " + nameOf(picture.stored);
 }
 
 std::string toJson(const Histogram& histogram, const std::string& name, const Picture& picture) {
-    rapidjson::StringBuffer buffer;
-    rapidjson::PrettyWriter writer(buffer);
-    writer.SetFormatOptions(rapidjson::kFormatSingleLineArray);
-    writer.StartObject();
-    writer.Key("file");
-    writer.String(name.c_str());
-    writer.Key("width");
-    writer.Uint(picture.width());
-    writer.Key("height");
-    writer.Uint(picture.height());
-    writer.Key("channels");
-    writer.StartObject();
+    text::JsonWriter json({.indent = 4, .arraysInOneLine = true});
+    json.beginObject();
+    json.member("file", name);
+    json.member("width", picture.width());
+    json.member("height", picture.height());
+    json.key("channels");
+    json.beginObject();
     for (std::size_t i = 0; i < histogram.present().size(); ++i) {
         const ChannelCounts& counts = histogram.present()[i];
-        writer.Key(histogram.names()[i].data());
-        writer.StartObject();
-        writer.Key("bins");
-        writer.StartArray();
+        json.key(histogram.names()[i]);
+        json.beginObject();
+        json.key("bins");
+        json.beginArray();
         for (const std::uint64_t count : counts.bins) {
-            writer.Uint64(count);
+            json.value(count);
         }
-        writer.EndArray();
-        writer.Key("below");
-        writer.Uint64(counts.below);
-        writer.Key("above");
-        writer.Uint64(counts.above);
-        writer.Key("nan");
-        writer.Uint64(counts.nan);
-        writer.EndObject();
+        json.endArray();
+        json.member("below", counts.below);
+        json.member("above", counts.above);
+        json.member("nan", counts.nan);
+        json.endObject();
     }
-    writer.EndObject();
-    writer.EndObject();
-    return std::string(buffer.GetString(), buffer.GetSize()) + "\n";
+    json.endObject();
+    json.endObject();
+    return json.text() + "\n";
 }
 
 void checkOptions(const HistogramOptions& options) {
@@ -107,7 +95,7 @@ void runHistogram(const HistogramOptions& options) {
     straightenAlpha(source);
     connect(pipeline, source);
     const Histogram histogram = countValues(render(pipeline, source, source.pixels.layout()).image());
-    const std::string title = harmless(fileNameOf(options.input));
+    const std::string title = text::printable(toName(toPath(options.input).filename()));
     if (!options.output.empty() || options.showing.wanted()) {
         const PixelBuffer chart = drawChart(histogram, title, subtitleOf(source));
         if (!options.output.empty()) {
@@ -118,7 +106,7 @@ void runHistogram(const HistogramOptions& options) {
         }
     } else if (!options.json) {
         print(drawAsText(histogram, title + "  " + subtitleOf(source),
-                         {terminalSize().columns, showsUnicode(), wantsColor()}));
+                         {terminalSize(StandardStream::OUTPUT).columns, showsUnicode(), wantsColor()}));
     }
     if (options.json) {
         print(toJson(histogram, options.input, source));

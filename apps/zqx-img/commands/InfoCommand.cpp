@@ -1,22 +1,22 @@
 // info: what a picture file contains, from its header where the format allows that.
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
 
 #include "commands/Commands.h"
 #include "options/ReadingOptions.h"
-#include "terminal/Terminal.h"
+#include "terminal/Output.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/Metadata.h"
 #include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
 #include "zqx/pictures/metadata/ExifSummary.h"
 #include "zqx/pictures/metadata/MetadataReader.h"
+#include "zqx/text/Json.h"
+#include "zqx/text/Numbers.h"
+#include "zqx/text/Width.h"
 
 namespace zqx::app {
 
@@ -25,21 +25,6 @@ using namespace pictures;
 namespace {
 
 constexpr double METRES_PER_INCH = 0.0254;
-
-/// Valid UTF-8, whatever bytes a file or its name hold: others become the replacement character.
-std::string toUtf8(const std::string& text) {
-    constexpr unsigned REPLACEMENT = 0xFFFD;
-    const std::string padded = text + std::string(4, '\0'); // decoding reads to the end of what a first byte announces
-    rapidjson::StringBuffer result;
-    for (std::size_t i = 0; i < text.size();) {
-        rapidjson::StringStream source(padded.c_str() + i);
-        unsigned codepoint = 0;
-        const bool valid = rapidjson::UTF8<>::Decode(source, &codepoint);
-        rapidjson::UTF8<>::Encode(result, valid ? codepoint : REPLACEMENT);
-        i += valid ? source.Tell() : 1;
-    }
-    return {result.GetString(), result.GetSize()};
-}
 
 struct Info {
     std::string name;
@@ -72,16 +57,16 @@ std::vector<Size> metadataSizes(const Metadata& metadata) {
             {"XMP", "xmp", metadata.xmp.size()}};
 }
 
-void print(const char* label, const std::string& value) {
-    std::printf("%-15s %s\n", label, value.c_str());
+void printValue(const char* label, const std::string& value) {
+    printLine(text::padded(label, 15) + " " + value);
 }
 
 void printResolution(Resolution resolution) {
     const auto [x, y] = resolution;
-    char text[96];
-    std::snprintf(text, sizeof text, "%u x %u dots per metre (%.0f x %.0f dpi)", x, y, x * METRES_PER_INCH,
-                  y * METRES_PER_INCH);
-    print("resolution", x == 0 && y == 0 ? "not given" : text);
+    const std::string words = std::to_string(x) + " x " + std::to_string(y) + " dots per metre (" +
+                              text::fixed(x * METRES_PER_INCH, 0) + " x " + text::fixed(y * METRES_PER_INCH, 0) +
+                              " dpi)";
+    printValue("resolution", x == 0 && y == 0 ? "not given" : words);
 }
 
 void printMetadata(const Metadata& metadata) {
@@ -94,97 +79,78 @@ void printMetadata(const Metadata& metadata) {
     if (const std::size_t count = commentsIn(metadata.comments).size(); count > 0) {
         list += (list.empty() ? "" : ", ") + std::to_string(count) + (count == 1 ? " comment" : " comments");
     }
-    print("metadata", list.empty() ? "none" : list);
+    printValue("metadata", list.empty() ? "none" : list);
 }
 
 void printText(const Info& info) {
     const PixelDescription& pixels = info.pixels;
-    print("file", harmless(info.name));
-    print("format", std::string(nameOf(info.format)) + " (" + descriptionOf(info.format) + ")");
-    print("size", std::to_string(pixels.width) + " x " + std::to_string(pixels.height));
-    print("bits per pixel", std::to_string(pixels.bitsPerPixel));
-    print("samples", pixels.samples);
-    print("colour", pixels.color);
-    print("transparency", pixels.transparent ? "yes" : "no");
+    printValue("file", info.name);
+    printValue("format", std::string(nameOf(info.format)) + " (" + descriptionOf(info.format) + ")");
+    printValue("size", std::to_string(pixels.width) + " x " + std::to_string(pixels.height));
+    printValue("bits per pixel", std::to_string(pixels.bitsPerPixel));
+    printValue("samples", pixels.samples);
+    printValue("colour", pixels.color);
+    printValue("transparency", pixels.transparent ? "yes" : "no");
     printResolution(info.metadata.blocks.resolution);
     const std::size_t profile = info.metadata.blocks.icc.size();
-    print("colour profile", profile > 0 ? std::to_string(profile) + " bytes" : "none");
+    printValue("colour profile", profile > 0 ? std::to_string(profile) + " bytes" : "none");
     if (const int orientation = info.metadata.orientation; orientation != UPRIGHT) {
-        print("orientation", std::to_string(orientation) + " (" + describeOrientation(orientation) + ")");
+        printValue("orientation", std::to_string(orientation) + " (" + describeOrientation(orientation) + ")");
     }
     printMetadata(info.metadata.blocks);
     for (const ExifField& field : info.exif.fields) {
-        print(field.label, field.value);
+        printValue(field.label, field.value);
     }
     if (info.exif.hasPosition) {
-        print("GPS position", "yes, the file says where the picture was taken (--strip exif removes it)");
+        printValue("GPS position", "yes, the file says where the picture was taken (--strip exif removes it)");
     }
 }
 
-using JsonWriter = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
-
-void writeText(JsonWriter& json, const char* key, const std::string& value) {
-    json.Key(key);
-    json.String(toUtf8(value).c_str());
-}
-
-void writeNumber(JsonWriter& json, const char* key, std::uint64_t value) {
-    json.Key(key);
-    json.Uint64(value);
-}
-
-void writeFlag(JsonWriter& json, const char* key, bool value) {
-    json.Key(key);
-    json.Bool(value);
-}
-
-void writeMetadata(JsonWriter& json, const Info& info) {
-    json.Key("metadata"); // sizes in bytes
-    json.StartObject();
-    writeNumber(json, "icc", info.metadata.blocks.icc.size());
+void writeMetadata(text::JsonWriter& json, const Info& info) {
+    json.key("metadata"); // sizes in bytes
+    json.beginObject();
+    json.member("icc", info.metadata.blocks.icc.size());
     for (const auto& [label, key, bytes] : metadataSizes(info.metadata.blocks)) {
-        writeNumber(json, key, bytes);
+        json.member(key, bytes);
     }
-    json.EndObject();
-    json.Key("comments");
-    json.StartArray();
+    json.endObject();
+    json.key("comments");
+    json.beginArray();
     for (const auto& [keyword, text] : commentsIn(info.metadata.blocks.comments)) {
-        json.StartObject();
-        writeText(json, "keyword", keyword);
-        writeText(json, "text", text);
-        json.EndObject();
+        json.beginObject();
+        json.member("keyword", keyword);
+        json.member("text", text);
+        json.endObject();
     }
-    json.EndArray();
-    json.Key("exif");
-    json.StartObject();
+    json.endArray();
+    json.key("exif");
+    json.beginObject();
     for (const ExifField& field : info.exif.fields) {
-        writeText(json, field.key, field.value);
+        json.member(field.key, field.value);
     }
-    writeFlag(json, "gpsPosition", info.exif.hasPosition);
-    json.EndObject();
+    json.member("gpsPosition", info.exif.hasPosition);
+    json.endObject();
 }
 
 void printJson(const Info& info) {
     const PixelDescription& pixels = info.pixels;
     const Resolution resolution = info.metadata.blocks.resolution;
-    rapidjson::StringBuffer text;
-    JsonWriter json(text);
-    json.StartObject();
-    writeText(json, "file", info.name);
-    writeText(json, "format", nameOf(info.format));
-    writeNumber(json, "width", pixels.width);
-    writeNumber(json, "height", pixels.height);
-    writeNumber(json, "bitsPerPixel", pixels.bitsPerPixel);
-    writeText(json, "samples", pixels.samples);
-    writeText(json, "colour", pixels.color);
-    writeFlag(json, "transparency", pixels.transparent);
-    writeNumber(json, "dotsPerMetreX", resolution.x);
-    writeNumber(json, "dotsPerMetreY", resolution.y);
-    json.Key("orientation");
-    json.Int(info.metadata.orientation);
+    text::JsonWriter json({.indent = 4});
+    json.beginObject();
+    json.member("file", info.name);
+    json.member("format", nameOf(info.format));
+    json.member("width", pixels.width);
+    json.member("height", pixels.height);
+    json.member("bitsPerPixel", pixels.bitsPerPixel);
+    json.member("samples", pixels.samples);
+    json.member("colour", pixels.color);
+    json.member("transparency", pixels.transparent);
+    json.member("dotsPerMetreX", resolution.x);
+    json.member("dotsPerMetreY", resolution.y);
+    json.member("orientation", info.metadata.orientation);
     writeMetadata(json, info);
-    json.EndObject();
-    std::printf("%s\n", text.GetString());
+    json.endObject();
+    print(json.text() + "\n");
 }
 
 struct InfoOptions {

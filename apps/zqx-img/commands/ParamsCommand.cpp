@@ -5,7 +5,7 @@
 
 #include "commands/Commands.h"
 #include "options/ParameterOptions.h"
-#include "terminal/Terminal.h"
+#include "terminal/Output.h"
 #include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/OutputFile.h"

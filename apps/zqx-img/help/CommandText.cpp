@@ -7,6 +7,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "zqx/text/Width.h"
+
 namespace zqx::app {
 
 namespace {
@@ -111,25 +113,6 @@ std::string argumentOf(const OptionText& option) {
     return option.required ? name : "[" + name + "]";
 }
 
-/// Words in lines that end before the width, all but the first line indented.
-std::string wrapped(const std::string& text, std::size_t indent) {
-    std::string result;
-    std::size_t column = indent;
-    std::istringstream words(text);
-    for (std::string word; words >> word;) {
-        if (column > indent && column + 1 + word.size() > WIDTH) {
-            result += "\n" + std::string(indent, ' ');
-            column = indent;
-        } else if (column > indent) {
-            result += ' ';
-            ++column;
-        }
-        result += word;
-        column += word.size();
-    }
-    return result;
-}
-
 std::string row(const std::string& name, const std::string& description) {
     std::string line = "  " + name;
     if (line.size() + 2 > COLUMN) {
@@ -137,7 +120,7 @@ std::string row(const std::string& name, const std::string& description) {
     } else {
         line.resize(COLUMN, ' ');
     }
-    return line + wrapped(description, COLUMN) + "\n";
+    return line + text::wrapped(description, WIDTH, COLUMN) + "\n";
 }
 
 std::string rowsOf(const std::vector<OptionText>& options, const std::string& group) {
@@ -170,7 +153,7 @@ public:
         const CommandText command = describe(*app);
         // A command's name arrives with its parents in front.
         const std::size_t space = name.rfind(' ');
-        std::string help = wrapped(command.description, 0) +
+        std::string help = text::wrapped(command.description, WIDTH, 0) +
                            "\n\nUsage: " + usageOf(command, space == std::string::npos ? "" : name.substr(0, space)) +
                            "\n";
         for (const std::string& group : groupsOf(command.options)) {

@@ -7,6 +7,7 @@
 
 #include "drawing/Drawing.h"
 #include "options/Validators.h"
+#include "terminal/Output.h"
 #include "terminal/Terminal.h"
 #include "zqx/pictures/files/Error.h"
 
@@ -45,7 +46,7 @@ void ShowOption::addTo(CLI::App& command) {
 }
 
 void ShowOption::check() const {
-    if (protocol == BEST && !isTerminal()) {
+    if (protocol == BEST && !isTerminal(StandardStream::OUTPUT)) {
         throw UsageError("--show", "standard output is not a terminal; give -o FILE, or name a protocol, as in "
                                    "--show=sixel");
     }
@@ -55,7 +56,7 @@ void ShowOption::show(const img::Image& image) const {
     const std::shared_ptr<img::Image> pixels = image.convertTo(img::Image::SRGBA8);
     print(encodeForTerminal({static_cast<const unsigned char*>(pixels->getDataPtr()),
                              static_cast<unsigned>(pixels->getWidth()), static_cast<unsigned>(pixels->getHeight()),
-                             terminalSize(), protocolOf(protocol), showsUnicode()}));
+                             terminalSize(StandardStream::OUTPUT), protocolOf(protocol), showsUnicode()}));
 }
 
 } // namespace zqx::app

@@ -3,11 +3,11 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 #include <optional>
 #include <string_view>
 
 #include "help/Suggestions.h"
+#include "zqx/text/Numbers.h"
 
 namespace zqx::app {
 
@@ -47,12 +47,11 @@ CLI::Validator wholeNumber(std::uint32_t least, std::uint32_t most) {
 }
 
 CLI::Validator seconds(double least, double most) {
-    char range[64];
-    std::snprintf(range, sizeof range, "%g to %.0f", least, most);
-    return {[=, words = std::string(range)](const std::string& text) -> std::string {
+    const std::string range = text::significant(least) + " to " + text::fixed(most, 0);
+    return {[=](const std::string& text) -> std::string {
                 const std::optional<double> number = parseNumber<double>(text);
                 const bool allowed = number && *number >= least && *number <= most; // no comparison is true of NaN
-                return allowed ? "" : quoted(text) + " is not a number of seconds from " + words;
+                return allowed ? "" : quoted(text) + " is not a number of seconds from " + range;
             },
             ""};
 }

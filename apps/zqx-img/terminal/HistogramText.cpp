@@ -4,8 +4,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <vector>
+
+#include "zqx/text/Width.h"
 
 namespace zqx::app {
 
@@ -17,12 +18,6 @@ namespace {
 constexpr std::size_t GUTTER = 7; // "green" and what separates it from the bars
 constexpr std::size_t LUMA_ROWS = 7;
 constexpr std::size_t COLOR_ROWS = 3;
-
-std::string padded(std::string_view text, std::size_t width, bool right = false) {
-    std::string cell(text);
-    cell.insert(right ? 0 : cell.size(), std::string(width > cell.size() ? width - cell.size() : 0, ' '));
-    return cell;
-}
 
 /// The characters of a bar: what is full, and the steps below.
 struct Bars {
@@ -60,7 +55,7 @@ std::string panel(std::string_view name, const std::vector<double>& bins, double
             line += bars.levels[std::clamp(level, row * full, (row + 1) * full) - row * full];
         }
         line.erase(line.find_last_not_of(' ') + 1);
-        text += padded(row == rows - 1 ? name : "", line.empty() && row != rows - 1 ? 0 : GUTTER) +
+        text += text::padded(row == rows - 1 ? name : "", line.empty() && row != rows - 1 ? 0 : GUTTER) +
                 (line.empty() ? "" : inColor(name, line, style)) + "\n";
     }
     return text;
@@ -89,9 +84,9 @@ std::string axis(std::size_t columns, const TextStyle& style) {
 std::string clippingTable(const Histogram& histogram) {
     constexpr std::size_t CELL = 13;
     const auto row = [&](std::string_view name, const std::vector<std::string>& cells) {
-        std::string line = padded(name, GUTTER);
+        std::string line = text::padded(name, GUTTER);
         for (std::size_t i = 0; i < (histogram.outOfRange ? cells.size() : 2); ++i) {
-            line += padded(cells[i], CELL, true);
+            line += text::padded(cells[i], CELL, text::Align::RIGHT);
         }
         return line + "\n";
     };

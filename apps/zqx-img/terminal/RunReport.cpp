@@ -1,15 +1,10 @@
 // One lock around all that is printed, so that lines of several threads stay whole and out of the progress line.
 #include "terminal/RunReport.h"
 
-#include <cstdio>
-
-#include "zqx/pictures/files/Interrupts.h"
-
-#if defined(_WIN32)
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
+#include "terminal/Output.h"
+#include "terminal/System.h"
+#include "zqx/pictures/files/LockWithin.h"
+#include "zqx/text/Cleaning.h"
 
 namespace zqx::app {
 
@@ -20,17 +15,9 @@ namespace {
 
 using Status = PictureRecord::Status;
 
-bool isOutputATerminal() {
-#if defined(_WIN32)
-    return _isatty(_fileno(stdout)) != 0;
-#else
-    return isatty(STDOUT_FILENO) != 0;
-#endif
-}
-
 /// Records and the line would be drawn over each other.
 bool wantsProgress(const ReportOptions& options, std::size_t pictures) {
-    return pictures > 1 && !options.quiet && !options.dryRun && !(options.json && isOutputATerminal());
+    return pictures > 1 && !options.quiet && !options.dryRun && !(options.json && isTerminal(StandardStream::OUTPUT));
 }
 
 } // namespace
@@ -80,7 +67,8 @@ void RunReport::printForPeople(const PictureRecord& record) {
     const bool skipped = record.status == Status::SKIPPED;
     if (mOptions.dryRun && record.status != Status::FAILED) {
         const std::string remark = skipped ? "skipped: " + record.reason : record.reason;
-        printRecord(record.input + " -> " + record.output + (remark.empty() ? "" : " (" + remark + ")"));
+        printRecord(
+            text::printable(record.input + " -> " + record.output + (remark.empty() ? "" : " (" + remark + ")")));
     } else if (skipped && (mOptions.verbose || (mPictures == 1 && !mOptions.quiet))) {
         print(record.input + " -> " + record.output + ": skipped: " + record.reason);
     }
@@ -136,17 +124,15 @@ double RunReport::seconds() const {
 
 void RunReport::print(const std::string& line) {
     mProgress.clear();
-    const std::string text = line + "\n";
-    std::fwrite(text.data(), 1, text.size(), stderr);
+    writeErrorLine(line);
 }
 
 /// A line for standard output, whole at once: what is left in a buffer would be lost at an interruption.
 void RunReport::printRecord(const std::string& line) {
-    if (isOutputATerminal()) {
+    if (isTerminal(StandardStream::OUTPUT)) {
         mProgress.clear();
     }
-    const std::string text = line + "\n";
-    mHeard = mHeard && std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+    mHeard = mHeard && writeOutput(line + "\n");
 }
 
 ProgressState RunReport::state() const {

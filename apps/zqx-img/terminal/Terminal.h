@@ -1,29 +1,16 @@
-// The terminal that standard output may be.
+// The terminal that a stream may be: how large it is, and what may be drawn on it.
 #pragma once
 
-#include <string>
-
+#include "terminal/System.h"
 #include "terminal/TerminalPicture.h"
 
 namespace zqx::app {
 
-/// True when standard output is read by a person and not by a file or another program.
-bool isTerminal();
-
 /// The size of the terminal; where it does not tell, 80 by 24 characters of 10 by 20 pixels. COLUMNS and LINES in the
 /// environment have precedence.
-TerminalSize terminalSize();
+TerminalSize terminalSize(StandardStream stream);
 
-/// True when the terminal shows UTF-8, going by the locale.
-bool showsUnicode();
-
-/// True on a terminal whose user has not asked for text without colours (NO_COLOR).
+/// True when standard output is a terminal whose user has not asked for text without colours (NO_COLOR).
 bool wantsColor();
-
-/// Text without the control characters that a terminal would obey.
-std::string harmless(std::string text);
-
-/// Writes to standard output. @throws Error
-void print(const std::string& text);
 
 } // namespace zqx::app

@@ -2,9 +2,10 @@
 #include "zqx/text/Amounts.h"
 
 #include <charconv>
-#include <cstdio>
 #include <limits>
 #include <system_error>
+
+#include "zqx/text/Numbers.h"
 
 namespace zqx::text {
 
@@ -62,9 +63,7 @@ std::string roundedSize(std::uint64_t bytes) {
     for (; size >= 1024.0; size /= 1024.0) {
         ++unit;
     }
-    char text[32];
-    std::snprintf(text, sizeof text, unit > 0 && size < 10.0 ? "%.1f %s" : "%.0f %s", size, UNITS[unit]);
-    return text;
+    return fixed(size, unit > 0 && size < 10.0 ? 1 : 0) + " " + UNITS[unit];
 }
 
 } // namespace zqx::text

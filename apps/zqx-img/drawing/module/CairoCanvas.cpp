@@ -1,12 +1,14 @@
-// Drawing with Cairo. Its simple text interface is enough for labels; GLib helps with UTF-8, which Cairo refuses to
-// draw when it is damaged.
+// Drawing with Cairo. Its simple text interface is enough for labels, once they are valid UTF-8: of anything else it
+// draws nothing at all.
 #include "drawing/module/CairoCanvas.h"
 
 #include <new>
 #include <string>
 
 #include <cairo.h>
-#include <glib.h>
+
+#include "zqx/text/Cleaning.h"
+#include "zqx/text/Utf8.h"
 
 namespace zqx::app::drawing {
 
@@ -16,19 +18,6 @@ struct Release {
     void operator()(cairo_t* context) const { cairo_destroy(context); }
     void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
 };
-
-/// Text that can be drawn: UTF-8 throughout, in one line.
-std::string printable(std::string_view text) {
-    gchar* valid = g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
-    std::string result;
-    for (const gchar* letter = valid; *letter != '\0'; letter = g_utf8_next_char(letter)) {
-        if (g_unichar_iscntrl(g_utf8_get_char(letter)) == 0) {
-            result.append(letter, static_cast<const gchar*>(g_utf8_next_char(letter)));
-        }
-    }
-    g_free(valid);
-    return result;
-}
 
 class CairoCanvas : public Canvas {
 public:
@@ -64,12 +53,12 @@ public:
         cairo_stroke(mContext.get());
     }
 
-    bool drawText(Point place, std::string_view text, const Lettering& lettering) override {
+    bool drawText(Point place, std::string_view label, const Lettering& lettering) override {
         use(lettering.ink);
         cairo_select_font_face(mContext.get(), "sans-serif", CAIRO_FONT_SLANT_NORMAL,
                                lettering.bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
         cairo_set_font_size(mContext.get(), lettering.size);
-        const std::string whole = printable(text);
+        const std::string whole = text::printable(label);
         const std::string line = shortened(whole, lettering.longest);
         const double length = lengthOf(line);
         switch (lettering.align) {
@@ -104,7 +93,7 @@ private:
         }
         constexpr const char* ELLIPSIS = "\xE2\x80\xA6";
         while (!line.empty() && lengthOf(line + ELLIPSIS) > longest) {
-            line.resize(static_cast<std::size_t>(g_utf8_prev_char(line.c_str() + line.size()) - line.c_str()));
+            line.resize(text::prefix(line, line.size() - 1).size());
         }
         return line + ELLIPSIS;
     }

@@ -6,9 +6,6 @@
 
 namespace zqx::app {
 
-using namespace pictures;
-using namespace tools;
-
 namespace {
 
 enum class Kind { NOTHING, FILES, FOLDERS, ADJUSTMENT, WORDS };

@@ -6,9 +6,6 @@
 
 namespace zqx::app {
 
-using namespace pictures;
-using namespace tools;
-
 namespace {
 
 /// Text as roff: hyphens that are typed are no typographic hyphens, and no line may begin with a request.

@@ -2,8 +2,6 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <fstream>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -13,18 +11,19 @@
 #include "help/CommandText.h"
 #include "help/manual/Completions.h"
 #include "help/manual/ManualPage.h"
+#include "zqx/pictures/files/OutputFile.h"
 #include "zqx/tools/parameters/ParameterTable.h"
 
 namespace {
 
 using namespace zqx::app;
+using namespace zqx::tools;
 
 void write(const std::filesystem::path& file, const std::string& text) {
     std::filesystem::create_directories(file.parent_path());
-    std::ofstream stream(file, std::ios::binary);
-    if (!(stream << text) || !stream.flush()) {
-        throw std::runtime_error(file.string() + ": could not be written");
-    }
+    zqx::pictures::OutputFile output(zqx::pictures::toName(file));
+    output.write(text);
+    output.commit();
 }
 
 std::vector<std::string> adjustmentNames() {

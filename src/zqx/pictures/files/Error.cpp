@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "zqx/text/Cleaning.h"
+
 namespace zqx::pictures {
 
 namespace {
@@ -12,12 +14,12 @@ thread_local std::function<void(const std::string&)> tListener;
 
 } // namespace
 
-void warn(const std::string& subject, const std::string& text) {
-    const std::string line = subject + ": " + text;
+void warn(const std::string& subject, const std::string& remark) {
+    const std::string line = subject + ": " + remark;
     if (tListener) {
         tListener(line);
     } else {
-        std::fprintf(stderr, "zqx-img: warning: %s\n", line.c_str());
+        std::fprintf(stderr, "zqx-img: warning: %s\n", text::printable(line).c_str());
     }
 }
 

@@ -1,4 +1,5 @@
-// What can go wrong in the program, as exceptions that carry the whole line for the user, and warnings.
+// What can go wrong, as exceptions that carry the whole line for the user, and warnings. Names of files stand in both
+// as they are, any bytes: who shows a line cleans it (zqx/text/Cleaning.h).
 #pragma once
 
 #include <functional>
@@ -14,7 +15,7 @@ public:
     Error(const std::string& subject, const std::string& text) : std::runtime_error(subject + ": " + text) {}
 };
 
-/// A command line that cannot be meant: exit code 2.
+/// An invalid command line: exit code 2.
 class UsageError : public Error {
 public:
     using Error::Error;
@@ -27,7 +28,7 @@ struct ExitCode {
 
 /// Tells the user about something that was done, but not quite as asked: on standard error, or to the thread's
 /// listener.
-void warn(const std::string& subject, const std::string& text);
+void warn(const std::string& subject, const std::string& remark);
 
 /// Takes the warnings of the calling thread for as long as it lives, in place of standard error.
 class WarningListener {

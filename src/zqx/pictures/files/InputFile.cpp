@@ -1,4 +1,4 @@
-// Reading through the standard library's streams, so that file names are UTF-8 on every system.
+// One stream serves all readers; positions and kinds of files are the open file's, never those of its name.
 #include "zqx/pictures/files/InputFile.h"
 
 #include <algorithm>
@@ -11,47 +11,56 @@
 
 namespace zqx::pictures {
 
-namespace fs = std::filesystem;
+namespace {
 
-fs::path toPath(const std::string& name) {
-    return {std::u8string(name.begin(), name.end())};
+/// What keeps a file of some kind from being read; nothing for those that can be.
+const char* obstacle(FileKind kind, InputFile::Source source) {
+    switch (kind) {
+    case FileKind::DIRECTORY: return "is a directory, name a file";
+    case FileKind::SOCKET: return "is a socket, name a file";
+    case FileKind::DEVICE: return "is a device, name a file";
+    case FileKind::PIPE:
+        return source == InputFile::Source::FILE_OR_PIPE
+                   ? nullptr
+                   : "is a pipe, from which pictures cannot be read; save what comes out of it to a file first";
+    case FileKind::REGULAR: break;
+    }
+    return nullptr;
 }
 
-InputFile::InputFile(const std::string& name) : mName(name) {
+} // namespace
+
+InputFile::InputFile(const std::string& name, Source source) : mName(name) {
     std::error_code failure;
-    const fs::file_status status = fs::status(toPath(name), failure);
-    if (status.type() == fs::file_type::not_found) {
+    mFile = openForReading(name, failure);
+    if (failure == std::errc::no_such_file_or_directory || failure == std::errc::not_a_directory) {
         throw Error(name, "there is no such file, check the name");
     }
     if (failure) {
-        throw Error(name, "cannot be reached (" + failure.message() + ")");
+        throw Error(name, "cannot be opened (" + failure.message() + "), check its permissions");
     }
-    if (fs::is_directory(status)) {
-        throw Error(name, "is a directory, name a file");
-    }
-    errno = 0;
-    if (mFile.open(toPath(name), std::ios::in | std::ios::binary) == nullptr) {
-        throw Error(name, "cannot be opened (" + std::generic_category().message(errno) + "), check its permissions");
+    if (const char* reason = obstacle(mFile.kind, source)) {
+        throw Error(name, reason);
     }
 }
 
 std::string InputFile::readText(std::size_t limit) {
+    if (mFile.kind == FileKind::PIPE) {
+        waitForInput(mFile.stream.get());
+    }
     std::string text;
     char block[65536];
-    for (std::streamsize count = 0; (count = mFile.sgetn(block, sizeof block)) > 0;) {
-        text.append(block, static_cast<std::size_t>(count));
+    for (std::size_t count = 0; (count = std::fread(block, 1, sizeof block, mFile.stream.get())) > 0;) {
+        text.append(block, count);
         if (text.size() > limit) {
             throw Error(mName,
                         "is larger than " + std::to_string(limit >> 20) + " MiB, which is too large for a document");
         }
     }
+    if (std::ferror(mFile.stream.get()) != 0) {
+        throw Error(mName, "could not be read to its end (" + std::generic_category().message(errno) + ")");
+    }
     return text;
-}
-
-std::uint64_t InputFile::size() const {
-    std::error_code failure;
-    const std::uintmax_t size = fs::file_size(toPath(mName), failure);
-    return failure ? 0 : size;
 }
 
 std::string InputFile::readAt(std::uint64_t offset, std::size_t count) {
@@ -61,26 +70,22 @@ std::string InputFile::readAt(std::uint64_t offset, std::size_t count) {
 }
 
 std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> bytes) {
-    if (offset > static_cast<std::uint64_t>(std::numeric_limits<std::streamoff>::max())) {
+    std::FILE* stream = mFile.stream.get();
+    if (offset > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()) ||
+        !seekStream(stream, static_cast<std::int64_t>(offset), SEEK_SET)) {
         return 0;
     }
-    try {
-        const bool reached = mFile.pubseekpos(static_cast<std::streamoff>(offset), std::ios::in) >= 0;
-        const auto count = static_cast<std::streamsize>(bytes.size());
-        return reached ? static_cast<std::size_t>(std::max<std::streamsize>(0, mFile.sgetn(bytes.data(), count))) : 0;
-    } catch (const std::ios_base::failure& failure) { // which a buffer throws where the system fails to read
-        mReadFailure = failure.code();
-        return 0;
+    errno = 0;
+    const std::size_t count = std::fread(bytes.data(), 1, bytes.size(), stream);
+    if (count < bytes.size() && std::ferror(stream) != 0) {
+        mReadFailure = {errno != 0 ? errno : EIO, std::generic_category()};
+        std::clearerr(stream);
     }
+    return count;
 }
 
 InputFile openPicture(const std::string& name) {
-    std::error_code failure;
-    const fs::file_type type = fs::status(toPath(name), failure).type();
-    if (type == fs::file_type::fifo || type == fs::file_type::socket) {
-        throw Error(name, "is a pipe, from which pictures cannot be read, name a file");
-    }
-    return InputFile(name);
+    return InputFile(name, InputFile::Source::FILE_ONLY);
 }
 
 } // namespace zqx::pictures

@@ -1,32 +1,35 @@
-// A file opened for reading: whole as text, or anywhere in it.
+// A file opened for reading, once: whole as text, or anywhere in it.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <span>
 #include <string>
 #include <system_error>
 
+#include "zqx/pictures/files/FileNames.h"
+#include "zqx/pictures/files/FileSystem.h"
+
 namespace zqx::pictures {
 
-/// The path of a UTF-8 file name, on every system.
-std::filesystem::path toPath(const std::string& name);
-
-/// A file that is there and can be read.
+/// Holds an open file, so that all that is asked of it is asked of the same file, whatever becomes of its name.
 class InputFile {
 public:
-    /// @throws Error naming the file when it is missing, a directory, or cannot be read
-    explicit InputFile(const std::string& name);
+    /// What may be behind a name. From a pipe, such as the shell's <(command), one reads once and in order.
+    enum class Source { FILE_OR_PIPE, FILE_ONLY };
+
+    /// Opens without waiting for anybody. @throws Error naming the file when it is missing, cannot be read, or is a
+    /// directory, a socket, a device, or a pipe where a file is wanted
+    explicit InputFile(const std::string& name, Source source = Source::FILE_OR_PIPE);
 
     const std::string& name() const { return mName; }
 
-    /// The whole content. @throws Error when there is more than the limit
+    /// The whole content, waiting for it where it comes from a pipe. @throws Error when there is more than the limit,
+    /// or when it cannot be read to its end
     std::string readText(std::size_t limit);
 
-    /// Bytes in the file; 0 where it is none of fixed size.
-    std::uint64_t size() const;
+    /// Bytes in the file when it was opened; 0 for a pipe.
+    std::uint64_t size() const { return mFile.size; }
 
     /// Up to so many bytes from a place in the file; fewer where it ends.
     std::string readAt(std::uint64_t offset, std::size_t count);
@@ -39,12 +42,12 @@ public:
 
 private:
     std::string mName;
-    std::filebuf mFile;
+    OpenedFile mFile;
     std::error_code mReadFailure;
 };
 
-/// Opens a picture. Opening a pipe would wait for somebody who writes to it, and nobody can go back in it.
-/// @throws Error also for pipes and sockets
+/// Opens a picture, in which decoders go back and forth.
+/// @throws Error as the constructor, also for pipes
 InputFile openPicture(const std::string& name);
 
 } // namespace zqx::pictures

@@ -1,142 +1,20 @@
 // Atomic output: a temporary file in the target's directory, renamed over the target at the very end.
-// Everything that differs between operating systems is in the first half of this file.
 #include "zqx/pictures/files/OutputFile.h"
 
 #include <cerrno>
+#include <filesystem>
+#include <optional>
+#include <set>
 #include <system_error>
+#include <vector>
 
-#include "zqx/pictures/files/InputFile.h"
-#include "zqx/pictures/files/Interrupts.h"
-
-#if defined(_WIN32)
-#define NOMINMAX
-#include <fcntl.h>
-#include <io.h>
-#include <random>
-#include <windows.h>
-#else
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-#endif
+#include "zqx/pictures/files/TemporaryFiles.h"
 
 namespace zqx::pictures {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string directoryOf(const std::string& target) {
-    const fs::path parent = toPath(target).parent_path();
-    return parent.empty() ? "." : toName(parent);
-}
-
-#if defined(_WIN32)
-
-std::FILE* createBeside(const std::string& target, std::string& temporary) {
-    std::random_device random;
-    temporary = directoryOf(target) + "/.zqx-img-" + std::to_string(random()) + std::to_string(random());
-    return _wfopen(toPath(temporary).c_str(), L"wbx");
-}
-
-void removeFile(const std::string& name) {
-    _wunlink(toPath(name).c_str());
-}
-bool storeDurably(std::FILE* stream) {
-    return std::fflush(stream) == 0 && _commit(_fileno(stream)) == 0;
-}
-bool isWritable(const std::string& name, bool) {
-    return _waccess(toPath(name).c_str(), 2) == 0;
-}
-std::error_code renameToNew(const std::string& from, const std::string& to) {
-    const bool done = MoveFileExW(toPath(from).c_str(), toPath(to).c_str(), 0) != 0;
-    return done ? std::error_code() : std::error_code(static_cast<int>(GetLastError()), std::system_category());
-}
-
-#else
-
-/// There is no way to read the mask without setting it, which other threads would notice: once, then.
-mode_t newFileMask() {
-    static const mode_t mask = [] {
-        const mode_t present = umask(0);
-        umask(present);
-        return present;
-    }();
-    return mask;
-}
-
-mode_t permissionsFor(const std::string& target) {
-    struct stat present {};
-    if (stat(target.c_str(), &present) == 0) {
-        return present.st_mode & 0777;
-    }
-    return 0666 & ~newFileMask();
-}
-
-std::FILE* createBeside(const std::string& target, std::string& temporary) {
-    temporary = directoryOf(target) + "/.zqx-img-XXXXXX";
-    const int descriptor = mkostemp(temporary.data(), O_CLOEXEC);
-    if (descriptor < 0) {
-        temporary.clear();
-        return nullptr;
-    }
-    std::FILE* stream = fchmod(descriptor, permissionsFor(target)) == 0 ? fdopen(descriptor, "wb") : nullptr;
-    if (stream == nullptr) {
-        const int reason = errno;
-        close(descriptor);
-        errno = reason;
-    }
-    return stream;
-}
-
-void removeFile(const std::string& name) {
-    unlink(name.c_str());
-}
-bool storeDurably(std::FILE* stream) {
-    return std::fflush(stream) == 0 && fsync(fileno(stream)) == 0;
-}
-bool isWritable(const std::string& name, bool directory) {
-    return faccessat(AT_FDCWD, name.c_str(), directory ? W_OK | X_OK : W_OK, AT_EACCESS) == 0;
-}
-
-std::error_code lastError() {
-    return {errno, std::generic_category()};
-}
-
-/// Renames over a file that was made just for that: the name is ours from then on. Others may see it empty meanwhile.
-std::error_code renameOverPlaceholder(const std::string& from, const std::string& to) {
-    const int placeholder = open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (placeholder < 0) {
-        return lastError();
-    }
-    close(placeholder);
-    if (rename(from.c_str(), to.c_str()) == 0) {
-        return {};
-    }
-    const std::error_code failure = lastError();
-    unlink(to.c_str());
-    return failure;
-}
-
-std::error_code renameToNew(const std::string& from, const std::string& to) {
-#if defined(RENAME_NOREPLACE)
-    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
-        return {};
-    }
-    if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP) { // which file systems that cannot do it say
-        return lastError();
-    }
-#endif
-    return renameOverPlaceholder(from, to);
-}
-
-#endif
-
-std::error_code renameOver(const std::string& from, const std::string& to) {
-    std::error_code failure;
-    fs::rename(toPath(from), toPath(to), failure);
-    return failure;
-}
 
 /// Follows links at the target's name, also to a file that does not exist yet: writing through a link keeps the link.
 std::string resolveLinks(const std::string& name) {
@@ -174,7 +52,7 @@ std::string checkTarget(const std::string& name) {
     if (fs::exists(status) && !isWritable(target, false)) {
         throw Error(name, "is write-protected, choose another name or change its permissions");
     }
-    const std::string directory = directoryOf(target);
+    const std::string directory = folderOf(target);
     const fs::file_status place = fs::status(toPath(directory), failure);
     if (place.type() == fs::file_type::not_found) {
         throw Error(name, "cannot be written because there is no directory " + directory + ", create it first");
@@ -189,11 +67,160 @@ std::string checkTarget(const std::string& name) {
     return target;
 }
 
+/// Creates a file under a name that nobody has.
+Stream createTemporary(const std::string& target, std::string& name, std::error_code& failure) {
+    constexpr int MAX_ATTEMPTS = 100;
+    Stream stream;
+    for (int i = 0; !stream && i < MAX_ATTEMPTS; ++i) {
+        failure.clear();
+        name = makeTemporaryName(folderOf(target));
+        stream = createFile(name, target, failure);
+        if (failure != std::errc::file_exists) {
+            break;
+        }
+    }
+    return stream;
+}
+
 } // namespace
 
-std::string toName(const fs::path& path) {
-    const std::u8string name = path.u8string();
-    return {name.begin(), name.end()};
+/// Files that are put in place one after the other, each with what it takes to undo that. Lives while nobody else makes
+/// or removes temporary files.
+class OutputFile::Placement {
+public:
+    explicit Placement(TemporaryFiles& temporaries) : mTemporaries(temporaries) {}
+    Placement(const Placement&) = delete;
+    Placement& operator=(const Placement&) = delete;
+
+    /// The files that were replaced lose the second names that they had been given to be brought back by.
+    ~Placement() {
+        for (const Step& step : mSteps) {
+            if (!step.backup.empty()) {
+                removeFile(step.backup);
+                mTemporaries.forget(step.backup);
+            }
+        }
+    }
+
+    std::error_code place(OutputFile& file, bool mayBeUndone) {
+        Step step{&file, {}, {}, true};
+        std::error_code failure;
+        if (file.mExisting == OutputFile::Existing::KEEP) {
+            failure = renameToNew(file.mTemporary, file.mTarget);
+        } else {
+            if (mayBeUndone) {
+                keepReplaced(step);
+            }
+            failure = renameOver(file.mTemporary, file.mTarget);
+        }
+        if (!failure) {
+            mTemporaries.forget(file.mTemporary);
+            file.mTemporary.clear();
+            step.placed = true;
+        }
+        mSteps.push_back(std::move(step));
+        return failure;
+    }
+
+    /// Brings back what was replaced, and removes what was new. @return what that was not possible for, by name
+    std::vector<std::string> undo() {
+        std::vector<std::string> lost;
+        for (Step& step : mSteps) {
+            if (!step.placed) {
+                continue;
+            }
+            if (step.isNew) {
+                removeFile(step.file->mTarget);
+            } else if (step.backup.empty() || renameOver(step.backup, step.file->mTarget)) {
+                lost.push_back(step.file->mName);
+            } else {
+                mTemporaries.forget(step.backup);
+                step.backup.clear();
+            }
+        }
+        return lost;
+    }
+
+private:
+    struct Step {
+        OutputFile* file;
+        std::string backup; // a second name of the file that is replaced
+        UseLock backupLock;
+        bool isNew;
+        bool placed = false;
+    };
+
+    void keepReplaced(Step& step) {
+        const std::string& target = step.file->mTarget;
+        std::error_code failure;
+        step.isNew = !fs::exists(toPath(target), failure) && !failure;
+        if (step.isNew) {
+            return;
+        }
+        const std::string backup = makeTemporaryName(folderOf(target));
+        if (!linkFile(target, backup)) {
+            step.backup = backup;
+            step.backupLock = UseLock(backup);
+            mTemporaries.add(backup);
+        }
+    }
+
+    TemporaryFiles& mTemporaries;
+    std::vector<Step> mSteps;
+};
+
+namespace {
+
+std::string listOf(const std::vector<std::string>& names) {
+    std::string list;
+    for (const std::string& name : names) {
+        list += (list.empty() ? "" : " and ") + name;
+    }
+    return list;
+}
+
+[[noreturn]] void throwNotPlaced(const std::string& name, const std::error_code& failure,
+                                 const std::vector<std::string>& lost) {
+    if (failure == std::errc::file_exists && lost.empty()) {
+        throw FileExists(name);
+    }
+    const std::string outcome = lost.empty()
+                                    ? "nothing was changed"
+                                    : "but " + listOf(lost) + " had been replaced already and could not be restored";
+    throw Error(name, "could not be put in place (" + failure.message() + "), " + outcome);
+}
+
+/// A name may get lost when the power fails, although the file is stored, for as long as its folder is not.
+void storeFolders(std::span<const std::string> targets) {
+    std::set<std::string> folders;
+    for (const std::string& target : targets) {
+        folders.insert(folderOf(target));
+    }
+    for (const std::string& folder : folders) {
+        if (const std::error_code failure = storeFolder(folder)) {
+            warn(folder, "the folder could not be stored durably (" + failure.message() + ")");
+        }
+    }
+}
+
+} // namespace
+
+/// Why a file could not be put in place, and which ones were and stay there.
+struct OutputFile::Refusal {
+    std::string name;
+    std::error_code reason;
+    std::vector<std::string> lost;
+};
+
+std::optional<OutputFile::Refusal> OutputFile::placeAll(std::span<OutputFile* const> files) {
+    TemporaryFiles temporaries;
+    Placement placement(temporaries);
+    for (OutputFile* file : files) {
+        if (const std::error_code failure = placement.place(*file, file != files.back())) {
+            return Refusal{file->mName, failure, placement.undo()};
+        }
+    }
+    return std::nullopt;
 }
 
 void OutputFile::check(const std::string& name) {
@@ -202,17 +229,15 @@ void OutputFile::check(const std::string& name) {
 
 OutputFile::OutputFile(const std::string& name, Existing existing)
     : mName(name), mTarget(checkTarget(name)), mExisting(existing) {
+    removeStaleTemporaries(folderOf(mTarget));
     TemporaryFiles temporaries;
-    mStream = createBeside(mTarget, mTemporary);
-    if (mStream != nullptr) {
-        temporaries.add(mTemporary);
-        return;
+    std::error_code failure;
+    mStream = createTemporary(mTarget, mTemporary, failure);
+    if (!mStream) {
+        throw Error(mName, "cannot be created (" + failure.message() + ")");
     }
-    const int reason = errno;
-    if (!mTemporary.empty()) {
-        removeFile(mTemporary);
-    }
-    throw Error(mName, "cannot be created (" + describe(reason) + ")");
+    temporaries.add(mTemporary);
+    mLock = UseLock(mStream.get());
 }
 
 OutputFile::~OutputFile() {
@@ -220,10 +245,7 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::discard() {
-    if (mStream != nullptr) {
-        std::fclose(mStream);
-        mStream = nullptr;
-    }
+    mStream.reset();
     if (!mTemporary.empty()) {
         TemporaryFiles temporaries;
         removeFile(mTemporary);
@@ -240,41 +262,48 @@ void OutputFile::noteFailure() {
 
 void OutputFile::write(std::string_view bytes) {
     errno = 0;
-    if (std::fwrite(bytes.data(), 1, bytes.size(), mStream) != bytes.size()) {
+    if (std::fwrite(bytes.data(), 1, bytes.size(), mStream.get()) != bytes.size()) {
         noteFailure();
     }
 }
 
-void OutputFile::commit() {
+/// Closes the stream in any case.
+void OutputFile::store() {
     errno = 0;
-    if (!hasFailed() && !storeDurably(mStream)) {
+    if (!hasFailed() && !storeDurably(mStream.get())) {
         noteFailure();
     }
-    std::FILE* stream = mStream;
-    mStream = nullptr;
     errno = 0;
-    if (std::fclose(stream) != 0) {
+    if (std::fclose(mStream.release()) != 0) {
         noteFailure();
     }
     if (hasFailed()) {
         discard();
         throw Error(mName, "could not be written (" + describe(mFailure) + "), nothing was changed");
     }
-    std::error_code failure;
-    {
-        TemporaryFiles temporaries;
-        failure = mExisting == Existing::KEEP ? renameToNew(mTemporary, mTarget) : renameOver(mTemporary, mTarget);
-        if (!failure) {
-            temporaries.forget(mTemporary);
-            mTemporary.clear();
-            return;
+}
+
+void OutputFile::commit() {
+    OutputFile* const file = this;
+    commitTogether({&file, 1});
+}
+
+void OutputFile::commitTogether(std::span<OutputFile* const> files) {
+    std::vector<std::string> targets;
+    for (OutputFile* file : files) {
+        file->store();
+        targets.push_back(file->mTarget);
+    }
+    if (const std::optional<Refusal> refusal = placeAll(files)) {
+        for (OutputFile* file : files) {
+            file->discard();
         }
+        throwNotPlaced(refusal->name, refusal->reason, refusal->lost);
     }
-    discard();
-    if (failure == std::errc::file_exists) {
-        throw FileExists(mName);
+    for (OutputFile* file : files) {
+        file->mLock = UseLock(); // what is in place is nobody's temporary file
     }
-    throw Error(mName, "could not be put in place (" + failure.message() + "), nothing was changed");
+    storeFolders(targets);
 }
 
 } // namespace zqx::pictures

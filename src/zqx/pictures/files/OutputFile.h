@@ -1,17 +1,16 @@
 // A file that appears whole under its name or not at all.
 #pragma once
 
-#include <cstdio>
-#include <filesystem>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/files/FileNames.h"
+#include "zqx/pictures/files/FileSystem.h"
 
 namespace zqx::pictures {
-
-/// The UTF-8 name of a path, on every system.
-std::string toName(const std::filesystem::path& path);
 
 /// A file that was to be kept is there already.
 class FileExists : public Error {
@@ -21,8 +20,9 @@ public:
 
 /// Collects output in a new file beside the target, and gives it the target's name when all of it is safely stored.
 ///
-/// Until commit() the target is untouched; an output that is not committed leaves nothing behind. A link at the
-/// target's name stays, what it points to is replaced; a replaced file passes its permissions on.
+/// Until commit() the target is untouched; an output that is not committed leaves nothing behind, and what a killed
+/// process leaves, a later one removes (removeStaleTemporaries). A link at the target's name stays, what it points to
+/// is replaced; a replaced file passes its permissions on.
 class OutputFile {
 public:
     /// What becomes of a file that has the target's name already.
@@ -47,15 +47,26 @@ public:
     /// @throws Error when any byte could not be stored, FileExists when there is a file now that is to be kept
     void commit();
 
+    /// Commits files that belong together: all of them, or none as far as the file system allows. Where a file that has
+    /// been replaced cannot be brought back, which takes a file system without hard links, the error says which.
+    /// @throws as commit()
+    static void commitTogether(std::span<OutputFile* const> files);
+
 private:
+    class Placement;
+    struct Refusal;
+
+    static std::optional<Refusal> placeAll(std::span<OutputFile* const> files);
     void noteFailure();
+    void store();
     void discard();
 
     std::string mName;      // as the user wrote it, for messages
     std::string mTarget;    // links resolved
     std::string mTemporary; // empty once renamed
     Existing mExisting;
-    std::FILE* mStream = nullptr;
+    Stream mStream;
+    UseLock mLock;    // longer than the stream is open
     int mFailure = 0; // errno of the first write that failed
 };
 

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <csignal>
-#include <cstdio>
 #include <system_error>
 
 #include <unistd.h>
@@ -17,6 +16,8 @@
 #include "zqx/pictures/isolation/PictureTransfer.h"
 #include "zqx/pictures/isolation/SharedMemory.h"
 #include "zqx/text/Amounts.h"
+#include "zqx/text/Cleaning.h"
+#include "zqx/text/Numbers.h"
 
 namespace zqx::pictures {
 
@@ -55,9 +56,7 @@ const char* nameOf(int signal) {
 }
 
 [[noreturn]] void throwTooLong(const std::string& name, const ReadOptions& options) {
-    char seconds[32];
-    std::snprintf(seconds, sizeof seconds, "%g", options.decodeSeconds);
-    throw Error(name, std::string("took longer than the ") + seconds +
+    throw Error(name, "took longer than the " + text::significant(options.decodeSeconds) +
                           " s that decoding may take; --decode-time raises that");
 }
 
@@ -68,7 +67,8 @@ const char* nameOf(int signal) {
 
 /// The line without the subject in front, which is added again: nobody else's is believed.
 std::string withoutSubject(const std::string& line, const std::string& name) {
-    return line.starts_with(name + ": ") ? line.substr(name.size() + 2) : line;
+    const std::string subject = text::inOneLine(name) + ": "; // as texts arrive
+    return line.starts_with(subject) ? line.substr(subject.size()) : line;
 }
 
 std::string decoderOf(const Transfer& transfer) {

@@ -14,6 +14,9 @@
 
 #include <unistd.h>
 
+#include "zqx/text/Cleaning.h"
+#include "zqx/text/Utf8.h"
+
 namespace zqx::pictures {
 
 namespace {
@@ -197,13 +200,7 @@ SampleLayout layoutNumbered(std::uint32_t number) {
 
 /// A terminal must not obey what a file makes another process say.
 std::string harmlessText(std::span<const std::byte> bytes) {
-    std::string text(reinterpret_cast<const char*>(bytes.data()), std::min(bytes.size(), MAX_TEXT));
-    for (char& c : text) {
-        if (static_cast<unsigned char>(c) < ' ' || c == '\x7F') {
-            c = ' ';
-        }
-    }
-    return text;
+    return text::inOneLine(text::prefix({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, MAX_TEXT));
 }
 
 bool readMember(Block kind, std::span<const std::byte> bytes, Metadata& metadata) {

@@ -4,16 +4,15 @@
 #include <utility>
 
 #include "zqx/pictures/metadata/Exiv2Library.h"
+#include "zqx/text/Cleaning.h"
 
 namespace zqx::pictures {
 
 namespace {
 
-/// Text from a file may hold control characters that a terminal would obey, and any number of trailing blanks.
-std::string cleaned(std::string text) {
-    std::erase_if(text, [](unsigned char c) { return c < ' ' || c == 0x7F; });
-    text.erase(text.find_last_not_of(' ') + 1);
-    return text;
+/// Text from a file may hold controls that a terminal would obey, and any number of trailing blanks.
+std::string cleaned(const std::string& value) {
+    return text::withoutTrailingSpaces(text::inOneLine(value));
 }
 
 using Finder = Exiv2::ExifData::const_iterator (*)(const Exiv2::ExifData&);

@@ -1,8 +1,9 @@
 // The parts of Exiv2 that belong to the whole process: its log and its XMP toolkit.
 #include "zqx/pictures/metadata/Exiv2Library.h"
 
-#include <algorithm>
 #include <mutex>
+
+#include "zqx/text/Cleaning.h"
 
 namespace zqx::pictures {
 
@@ -48,10 +49,7 @@ bool complainedOf(std::string_view kind) {
 }
 
 std::string wordsOf(const std::exception& failure) {
-    std::string words(failure.what());
-    std::ranges::replace_if(
-        words, [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
-    return words;
+    return text::inOneLine(failure.what());
 }
 
 long long numberOf(const Exiv2::Exifdatum& tag) {

@@ -2,7 +2,6 @@
 #include <zqx/tools/CubeFile.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -10,6 +9,8 @@
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
+#include "zqx/text/Cleaning.h"
+#include "zqx/text/Numbers.h"
 
 namespace zqx::tools {
 
@@ -18,19 +19,16 @@ using namespace pictures;
 namespace {
 
 /// Plain decimals that read back as the same float; not every reader of the format knows exponents.
-void appendNumber(std::string& text, float value) {
-    char digits[128];
+void appendNumber(std::string& line, float value) {
     const float finite =
         std::isnan(value) ? 0.0F
                           : std::clamp(value, std::numeric_limits<float>::lowest(), std::numeric_limits<float>::max());
-    text.append(digits, std::to_chars(digits, digits + sizeof digits, finite, std::chars_format::fixed).ptr);
+    line += text::shortestDecimal(finite);
 }
 
 /// The format has no escapes: what would end the line or the title is replaced.
 std::string titleLine(const std::string& name, const CubeOptions& options) {
-    std::string title = options.title.empty() ? toName(toPath(name).stem()) : options.title;
-    std::ranges::replace_if(
-        title, [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
+    std::string title = text::inOneLine(options.title.empty() ? toName(toPath(name).stem()) : options.title);
     std::ranges::replace(title, '"', '\'');
     return "TITLE \"" + title + "\"\n";
 }

@@ -3,12 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <iterator>
 
 #include <zqx/pictures/SampleLayout.h>
 
 #include "kernels/ValueCounts.h"
+#include "zqx/text/Numbers.h"
 
 namespace zqx::tools {
 
@@ -69,9 +69,7 @@ std::string percentage(std::uint64_t count, std::uint64_t pixels) {
     if (count > 0 && share < 0.01) {
         return "< 0.01 %"; // a few are not none
     }
-    char text[32];
-    std::snprintf(text, sizeof text, "%.2f %%", share);
-    return text;
+    return text::fixed(share, 2) + " %";
 }
 
 } // namespace zqx::tools

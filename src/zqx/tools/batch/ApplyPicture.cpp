@@ -2,7 +2,9 @@
 // the largest pictures are those that count.
 #include "zqx/tools/batch/ApplyPicture.h"
 
+#include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -64,9 +66,10 @@ public:
             write(target);
         }
         // Only now, so that a failure with the second picture leaves the first one as it was, too.
-        for (const Target& target : mTargets) {
-            target.file->commit();
-        }
+        std::vector<OutputFile*> files;
+        std::ranges::transform(mTargets, std::back_inserter(files),
+                               [](const Target& target) { return target.file.get(); });
+        OutputFile::commitTogether(files);
         mWatch.addTo(mResult.seconds.store);
         mResult.depth = nameOf(mTargets.front().layout);
         return mResult;

@@ -8,6 +8,7 @@
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
+#include "zqx/text/Width.h"
 
 namespace zqx::tools {
 
@@ -81,10 +82,7 @@ std::string NameTemplate::expandPiece(const Piece& piece, const Input& input, st
     case Field::STEM: return toName(path.stem());
     case Field::EXTENSION: return path.has_extension() ? toName(path.extension()).substr(1) : std::string();
     case Field::FOLDER: return input.folder;
-    case Field::NUMBER: {
-        const std::string digits = std::to_string(number);
-        return std::string(piece.width - std::min(piece.width, digits.size()), '0') + digits;
-    }
+    case Field::NUMBER: return text::padded(std::to_string(number), piece.width, text::Align::RIGHT, '0');
     case Field::TEXT: break;
     }
     return piece.text;

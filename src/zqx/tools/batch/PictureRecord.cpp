@@ -1,19 +1,15 @@
 // Records in words and in JSON.
 #include <zqx/tools/PictureRecord.h>
 
-#include <cstdint>
-#include <cstdio>
-
-#include <rapidjson/encodings.h>
-#include <rapidjson/memorystream.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
+#include "zqx/text/Json.h"
+#include "zqx/text/Numbers.h"
 
 namespace zqx::tools {
 
 namespace {
 
-using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
+constexpr text::JsonLayout ONE_LINE{.decimals = 6};
+
 using Status = PictureRecord::Status;
 
 const char* toString(Status status) {
@@ -26,50 +22,17 @@ const char* toString(Status status) {
     return "planned";
 }
 
-/// File names may be any bytes; JSON is text.
-std::string toValidUtf8(const std::string& text) {
-    rapidjson::MemoryStream in(text.data(), text.size());
-    rapidjson::StringBuffer out;
-    while (in.Tell() < text.size()) {
-        const std::size_t start = in.Tell();
-        std::uint32_t code = 0;
-        if (rapidjson::UTF8<>::Decode(in, &code) && in.Tell() <= text.size()) {
-            rapidjson::UTF8<>::Encode(out, code);
-        } else {
-            rapidjson::UTF8<>::Encode(out, 0xFFFD);
-            in.src_ = in.begin_ + start + 1; // what follows may begin a character
-        }
-    }
-    return {out.GetString(), out.GetSize()};
-}
-
-void write(Writer& writer, const char* key, const std::string& text) {
-    const std::string valid = toValidUtf8(text);
-    writer.Key(key);
-    writer.String(valid.data(), static_cast<rapidjson::SizeType>(valid.size()));
-}
-
-void write(Writer& writer, const char* key, double number) {
-    writer.Key(key);
-    writer.Double(number);
-}
-
-void write(Writer& writer, const char* key, std::size_t number) {
-    writer.Key(key);
-    writer.Uint64(number);
-}
-
-void writeResult(Writer& writer, const ApplyResult& result) {
-    write(writer, "width", std::size_t{result.width});
-    write(writer, "height", std::size_t{result.height});
-    write(writer, "depth", result.depth);
-    writer.Key("seconds");
-    writer.StartObject();
-    write(writer, "decode", result.seconds.decode);
-    write(writer, "adjust", result.seconds.adjust);
-    write(writer, "encode", result.seconds.encode);
-    write(writer, "store", result.seconds.store);
-    writer.EndObject();
+void writeResult(text::JsonWriter& json, const ApplyResult& result) {
+    json.member("width", result.width);
+    json.member("height", result.height);
+    json.member("depth", result.depth);
+    json.key("seconds");
+    json.beginObject();
+    json.member("decode", result.seconds.decode);
+    json.member("adjust", result.seconds.adjust);
+    json.member("encode", result.seconds.encode);
+    json.member("store", result.seconds.store);
+    json.endObject();
 }
 
 } // namespace
@@ -84,79 +47,71 @@ void RunTotals::count(Status status) {
 }
 
 std::string toJson(const PictureRecord& record) {
-    rapidjson::StringBuffer buffer;
-    Writer writer(buffer);
-    writer.SetMaxDecimalPlaces(6);
-    writer.StartObject();
-    write(writer, "input", record.input);
+    text::JsonWriter json(ONE_LINE);
+    json.beginObject();
+    json.member("input", record.input);
     if (!record.output.empty()) {
-        write(writer, "output", record.output);
+        json.member("output", record.output);
     }
-    write(writer, "status", std::string(toString(record.status)));
+    json.member("status", toString(record.status));
     if (!record.reason.empty()) {
-        write(writer, "reason", record.reason);
+        json.member("reason", record.reason);
     }
     if (record.status == Status::WRITTEN) {
-        writeResult(writer, record.result);
+        writeResult(json, record.result);
     }
-    writer.Key("warnings");
-    writer.StartArray();
+    json.key("warnings");
+    json.beginArray();
     for (const std::string& warning : record.warnings) {
-        const std::string valid = toValidUtf8(warning);
-        writer.String(valid.data(), static_cast<rapidjson::SizeType>(valid.size()));
+        json.value(warning);
     }
-    writer.EndArray();
-    writer.EndObject();
-    return buffer.GetString();
+    json.endArray();
+    json.endObject();
+    return json.text();
 }
 
 std::string toJson(const RunTotals& totals, double seconds, bool interrupted) {
-    rapidjson::StringBuffer buffer;
-    Writer writer(buffer);
-    writer.SetMaxDecimalPlaces(6);
-    writer.StartObject();
-    writer.Key("summary");
-    writer.StartObject();
-    write(writer, "written", totals.written);
-    write(writer, "failed", totals.failed);
-    write(writer, "skipped", totals.skipped);
-    write(writer, "planned", totals.planned);
-    writer.Key("unreadable");
-    writer.StartObject();
+    text::JsonWriter json(ONE_LINE);
+    json.beginObject();
+    json.key("summary");
+    json.beginObject();
+    json.member("written", totals.written);
+    json.member("failed", totals.failed);
+    json.member("skipped", totals.skipped);
+    json.member("planned", totals.planned);
+    json.key("unreadable");
+    json.beginObject();
     for (const auto& [extension, count] : totals.unreadable) {
-        write(writer, std::string(1, '.').append(toValidUtf8(extension)).c_str(), count);
+        json.member("." + extension, count);
     }
-    writer.EndObject();
-    write(writer, "seconds", seconds);
-    writer.Key("interrupted");
-    writer.Bool(interrupted);
-    writer.EndObject();
-    writer.EndObject();
-    return buffer.GetString();
+    json.endObject();
+    json.member("seconds", seconds);
+    json.member("interrupted", interrupted);
+    json.endObject();
+    json.endObject();
+    return json.text();
 }
 
 std::string describe(const ApplyResult& result) {
     const double megapixels = 1e-6 * static_cast<double>(result.width) * static_cast<double>(result.height);
-    char text[256];
-    std::snprintf(text, sizeof text,
-                  "%u x %u, %s, decode %.3f, adjust %.3f, encode %.3f, store %.3f s, %.1f megapixels/s", result.width,
-                  result.height, result.depth.c_str(), result.seconds.decode, result.seconds.adjust,
-                  result.seconds.encode, result.seconds.store,
-                  megapixels / (result.seconds.total() > 0.0 ? result.seconds.total() : 1.0));
-    return text;
+    const StageTimes& seconds = result.seconds;
+    const auto stage = [](const char* name, double duration) {
+        return ", " + std::string(name) + " " + text::fixed(duration, 3);
+    };
+    return std::to_string(result.width) + " x " + std::to_string(result.height) + ", " + result.depth +
+           stage("decode", seconds.decode) + stage("adjust", seconds.adjust) + stage("encode", seconds.encode) +
+           stage("store", seconds.store) + " s, " +
+           text::fixed(megapixels / (seconds.total() > 0.0 ? seconds.total() : 1.0), 1) + " megapixels/s";
 }
 
 std::string describe(const RunTotals& totals, double seconds) {
     const std::size_t worked = totals.written + totals.failed;
-    char text[160];
-    std::snprintf(text, sizeof text, "%zu written, %zu failed, %zu skipped in %.1f s", totals.written, totals.failed,
-                  totals.skipped, seconds);
-    std::string line(text);
-    if (worked > 0 && seconds > 0.0) {
-        std::snprintf(text, sizeof text, " (%.1f pictures/s)", static_cast<double>(worked) / seconds);
-        line += text;
-    }
-    return line;
+    const std::string line = std::to_string(totals.written) + " written, " + std::to_string(totals.failed) +
+                             " failed, " + std::to_string(totals.skipped) + " skipped in " + text::fixed(seconds, 1) +
+                             " s";
+    return worked == 0 || seconds <= 0.0
+               ? line
+               : line + " (" + text::fixed(static_cast<double>(worked) / seconds, 1) + " pictures/s)";
 }
 
 } // namespace zqx::tools

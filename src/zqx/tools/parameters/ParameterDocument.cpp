@@ -8,10 +8,10 @@
 #include <string_view>
 
 #include <rapidjson/document.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
 
 #include "zqx/pictures/files/Error.h"
+#include "zqx/text/Json.h"
+#include "zqx/text/Utf8.h"
 #include "zqx/tools/parameters/Remarks.h"
 #include "zqx/tools/parameters/Spelling.h"
 
@@ -65,14 +65,10 @@ DocumentMember makeRoot() {
 
 /// "line 3, column 14" of a byte, counted from 1 in characters.
 std::string lineAndColumn(const std::string& text, std::size_t offset) {
-    std::size_t line = 1;
-    std::size_t column = 1;
-    for (const char byte : std::string_view(text).substr(0, offset)) {
-        const bool continuesCharacter = (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-        line += byte == '\n';
-        column = byte == '\n' ? 1 : column + !continuesCharacter;
-    }
-    return "line " + std::to_string(line) + ", column " + std::to_string(column);
+    const std::string_view before = std::string_view(text).substr(0, offset);
+    const auto line = 1 + std::ranges::count(before, '\n');
+    const std::string_view lastLine = before.substr(before.rfind('\n') + 1);
+    return "line " + std::to_string(line) + ", column " + std::to_string(1 + text::countCharacters(lastLine));
 }
 
 const char* describe(rapidjson::ParseErrorCode code) {
@@ -196,18 +192,8 @@ std::string printable(std::string_view name) {
     if (!name.empty() && name.size() <= LONGEST && std::ranges::all_of(name, isPlain)) {
         return std::string(name);
     }
-    std::size_t length = std::min(name.size(), LONGEST);
-    while (length < name.size() && length > 0 && (static_cast<unsigned char>(name[length]) & 0xC0U) == 0x80U) {
-        --length; // not within a character
-    }
-    rapidjson::StringBuffer quoted;
-    rapidjson::Writer<rapidjson::StringBuffer, rapidjson::UTF8<>, rapidjson::ASCII<>> writer(quoted);
-    writer.String(name.data(), static_cast<rapidjson::SizeType>(length));
-    std::string text = quoted.GetString();
-    for (std::size_t place = 0; (place = text.find('\x7F')) != std::string::npos;) { // for JSON a letter like others
-        text.replace(place, 1, "\\u007F");
-    }
-    return length < name.size() ? text + "..." : text;
+    const std::string_view shown = text::prefix(name, LONGEST);
+    return text::jsonString(shown, text::Charset::ASCII) + (shown.size() < name.size() ? "..." : "");
 }
 
 std::string joinPath(const std::string& path, std::string_view name) {
@@ -398,44 +384,43 @@ public:
 
     std::string write() {
         writeObject(documentRoot());
-        return mText.GetString();
+        return mJson.text();
     }
 
 private:
     void writeObject(const DocumentMember& object) {
-        mWriter.StartObject();
+        mJson.beginObject();
         for (const DocumentMember& member : object.members) {
             if (member.kind == MemberKind::OBJECT) {
-                mWriter.Key(member.name.c_str());
+                mJson.key(member.name);
                 writeObject(member);
             } else if (member.kind == MemberKind::VERSION) {
-                mWriter.Key(member.name.c_str());
-                mWriter.Int(DOCUMENT_VERSION);
+                mJson.key(member.name);
+                mJson.value(DOCUMENT_VERSION);
             } else if (member.kind == MemberKind::PARAMETER && mMerged.given(*member.parameter)) {
-                mWriter.Key(member.name.c_str());
+                mJson.key(member.name);
                 writeValue(member.parameter->kind, mMerged.given(*member.parameter)->numbers);
             }
         }
-        mWriter.EndObject();
+        mJson.endObject();
     }
 
     void writeValue(Kind kind, const std::array<float, 4>& numbers) {
         switch (kind) {
-        case Kind::NUMBER: mWriter.Double(static_cast<double>(numbers[0])); break;
-        case Kind::SWITCH: mWriter.Bool(numbers[0] != 0.0F); break;
+        case Kind::NUMBER: mJson.value(static_cast<double>(numbers[0])); break;
+        case Kind::SWITCH: mJson.value(numbers[0] != 0.0F); break;
         case Kind::COLOR:
-            mWriter.StartArray();
+            mJson.beginArray();
             for (const float number : numbers) {
-                mWriter.Double(static_cast<double>(number));
+                mJson.value(static_cast<double>(number));
             }
-            mWriter.EndArray();
+            mJson.endArray();
             break;
         }
     }
 
     const MergedDocument& mMerged;
-    rapidjson::StringBuffer mText;
-    rapidjson::Writer<rapidjson::StringBuffer> mWriter{mText};
+    text::JsonWriter mJson;
 };
 
 const DocumentMember& documentRoot() {

@@ -4,12 +4,11 @@
 #include <algorithm>
 #include <cctype>
 #include <limits>
-#include <sstream>
 
 #include <rapidjson/document.h>
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
 
+#include "zqx/text/Json.h"
+#include "zqx/text/Width.h"
 #include "zqx/tools/parameters/ParameterDocument.h"
 #include "zqx/tools/parameters/ParameterTable.h"
 
@@ -19,15 +18,9 @@ namespace {
 
 using Kind = Parameter::Kind;
 using MemberKind = DocumentMember::Kind;
-using Writer = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
 
 constexpr std::size_t WIDEST_LINE = 100;
-
-std::string padded(std::string_view text, std::size_t width) {
-    std::string cell(text);
-    cell.resize(std::max(width, cell.size()), ' ');
-    return cell;
-}
+constexpr text::JsonLayout DOCUMENT{.indent = 4};
 
 std::string capitalised(std::string_view words) {
     std::string text(words);
@@ -35,35 +28,21 @@ std::string capitalised(std::string_view words) {
     return text;
 }
 
-std::string wrapped(const std::string& text, std::size_t indent) {
-    std::string lines;
-    std::size_t used = WIDEST_LINE; // the first word begins a line, too
-    std::istringstream words(text);
-    for (std::string word; words >> word;) {
-        if (used + 1 + word.size() > WIDEST_LINE) {
-            lines += lines.empty() ? "" : "\n";
-            lines += std::string(indent, ' ');
-            used = indent;
-        } else {
-            lines += ' ';
-            ++used;
+/// A value as it stands in a document.
+void copy(text::JsonWriter& json, const rapidjson::Value& value) {
+    if (value.IsArray()) {
+        json.beginArray();
+        for (const rapidjson::Value& element : value.GetArray()) {
+            copy(json, element);
         }
-        lines += word;
-        used += word.size();
+        json.endArray();
+    } else if (value.IsBool()) {
+        json.value(value.GetBool());
+    } else if (value.IsInt64()) {
+        json.value(value.GetInt64());
+    } else {
+        json.value(value.GetDouble());
     }
-    return lines + "\n";
-}
-
-void writeText(Writer& writer, const char* key, std::string_view text) {
-    writer.Key(key);
-    writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-}
-
-/// The shortest spelling: 0.5, and 5 rather than 5.0.
-void writeNumber(Writer& writer, const char* key, double number) {
-    const std::string digits = formatNumber(number);
-    writer.Key(key);
-    writer.RawValue(digits.data(), digits.size(), rapidjson::kNumberType);
 }
 
 /// The document of a new pipeline, which has every default in its place.
@@ -71,15 +50,15 @@ class NeutralDocument {
 public:
     NeutralDocument() { mDocument.Parse(img::ImageProcessingPipeline(0).saveParams().c_str()); }
 
-    void writeDefault(Writer& writer, std::string_view path) const {
+    void writeDefault(text::JsonWriter& json, std::string_view path) const {
         const rapidjson::Value* value = &mDocument;
         while (!path.empty()) {
             const std::size_t end = std::min(path.find('.'), path.size());
             value = &(*value)[std::string(path.substr(0, end)).c_str()];
             path.remove_prefix(std::min(end + 1, path.size()));
         }
-        writer.Key("default");
-        value->Accept(writer);
+        json.key("default");
+        copy(json, *value);
     }
 
 private:
@@ -95,31 +74,33 @@ const char* toString(Kind kind) {
     return "number";
 }
 
-void explainAsJson(Writer& writer, const Parameter& parameter, const NeutralDocument& neutral) {
-    writer.StartObject();
-    writeText(writer, "name", parameter.name);
-    writeText(writer, "path", parameter.path);
-    writeText(writer, "kind", toString(parameter.kind));
+void explainAsJson(text::JsonWriter& json, const Parameter& parameter, const NeutralDocument& neutral) {
+    json.beginObject();
+    json.member("name", parameter.name);
+    json.member("path", parameter.path);
+    json.member("kind", toString(parameter.kind));
     if (parameter.kind == Kind::NUMBER) {
-        writeNumber(writer, "minimum", parameter.minimum);
-        writeNumber(writer, "maximum", parameter.maximum);
-        writeText(writer, "unit", parameter.unit);
+        json.key("minimum");
+        json.shortNumber(parameter.minimum);
+        json.key("maximum");
+        json.shortNumber(parameter.maximum);
+        json.member("unit", parameter.unit);
     }
-    neutral.writeDefault(writer, parameter.path);
-    writeText(writer, "meaning", parameter.meaning);
-    writeText(writer, "details", parameter.details);
-    writer.EndObject();
+    neutral.writeDefault(json, parameter.path);
+    json.member("meaning", parameter.meaning);
+    json.member("details", parameter.details);
+    json.endObject();
 }
 
 class SchemaWriter {
 public:
     std::string write() {
-        mWriter.StartObject();
-        writeText(mWriter, "$schema", "https://json-schema.org/draft/2020-12/schema");
-        writeText(mWriter, "title", "Parameter document of zqx-img");
+        mJson.beginObject();
+        mJson.member("$schema", "https://json-schema.org/draft/2020-12/schema");
+        mJson.member("title", "Parameter document of zqx-img");
         writeMember(documentRoot());
-        mWriter.EndObject();
-        return mText.GetString();
+        mJson.endObject();
+        return mJson.text();
     }
 
 private:
@@ -128,44 +109,44 @@ private:
         case MemberKind::OBJECT: writeObject(member); break;
         case MemberKind::PARAMETER: writeParameter(*member.parameter); break;
         case MemberKind::VERSION:
-            writeText(mWriter, "description", member.meaning);
-            writeText(mWriter, "type", "integer");
-            mWriter.Key("const");
-            mWriter.Int(DOCUMENT_VERSION);
+            mJson.member("description", member.meaning);
+            mJson.member("type", "integer");
+            mJson.key("const");
+            mJson.value(DOCUMENT_VERSION);
             break;
         case MemberKind::SCHEMA:
-            writeText(mWriter, "description", member.meaning);
-            writeText(mWriter, "type", "string");
+            mJson.member("description", member.meaning);
+            mJson.member("type", "string");
             break;
         }
     }
 
     void writeObject(const DocumentMember& object) {
-        writeText(mWriter, "description", object.meaning);
-        writeText(mWriter, "type", "object");
-        mWriter.Key("properties");
-        mWriter.StartObject();
+        mJson.member("description", object.meaning);
+        mJson.member("type", "object");
+        mJson.key("properties");
+        mJson.beginObject();
         for (const DocumentMember& member : object.members) {
-            mWriter.Key(member.name.c_str());
-            mWriter.StartObject();
+            mJson.key(member.name);
+            mJson.beginObject();
             writeMember(member);
-            mWriter.EndObject();
+            mJson.endObject();
         }
-        mWriter.EndObject();
+        mJson.endObject();
         writeRequired(object);
         writeDependent(object);
-        mWriter.Key("additionalProperties");
-        mWriter.Bool(false);
+        mJson.key("additionalProperties");
+        mJson.value(false);
     }
 
     /// The version, and the objects on the way to it.
     void writeRequired(const DocumentMember& object) {
         for (const DocumentMember& member : object.members) {
             if (leadsToVersion(member)) {
-                mWriter.Key("required");
-                mWriter.StartArray();
-                mWriter.String(member.name.c_str());
-                mWriter.EndArray();
+                mJson.key("required");
+                mJson.beginArray();
+                mJson.value(member.name);
+                mJson.endArray();
             }
         }
     }
@@ -185,19 +166,19 @@ private:
         if (colors.empty()) {
             return;
         }
-        mWriter.Key("dependentRequired");
-        mWriter.StartObject();
+        mJson.key("dependentRequired");
+        mJson.beginObject();
         for (const std::string& color : colors) {
-            mWriter.Key(color.c_str());
-            mWriter.StartArray();
+            mJson.key(color);
+            mJson.beginArray();
             for (const std::string& other : colors) {
                 if (other != color) {
-                    mWriter.String(other.c_str());
+                    mJson.value(other);
                 }
             }
-            mWriter.EndArray();
+            mJson.endArray();
         }
-        mWriter.EndObject();
+        mJson.endObject();
     }
 
     void writeParameter(const Parameter& parameter) {
@@ -205,37 +186,38 @@ private:
         if (!parameter.unit.empty()) {
             description.append(" In ").append(parameter.unit).append(".");
         }
-        writeText(mWriter, "title", capitalised(parameter.meaning));
-        writeText(mWriter, "description", description);
+        mJson.member("title", capitalised(parameter.meaning));
+        mJson.member("description", description);
         switch (parameter.kind) {
         case Kind::NUMBER: writeNumberType(parameter.minimum, parameter.maximum); break;
-        case Kind::SWITCH: writeText(mWriter, "type", "boolean"); break;
+        case Kind::SWITCH: mJson.member("type", "boolean"); break;
         case Kind::COLOR: writeColorType(); break;
         }
-        mNeutral.writeDefault(mWriter, parameter.path);
+        mNeutral.writeDefault(mJson, parameter.path);
     }
 
     void writeNumberType(double minimum, double maximum) {
-        writeText(mWriter, "type", "number");
-        writeNumber(mWriter, "minimum", minimum);
-        writeNumber(mWriter, "maximum", maximum);
+        mJson.member("type", "number");
+        mJson.key("minimum");
+        mJson.shortNumber(minimum);
+        mJson.key("maximum");
+        mJson.shortNumber(maximum);
     }
 
     void writeColorType() {
-        writeText(mWriter, "type", "array");
-        mWriter.Key("items");
-        mWriter.StartObject();
+        mJson.member("type", "array");
+        mJson.key("items");
+        mJson.beginObject();
         writeNumberType(std::numeric_limits<float>::lowest(), std::numeric_limits<float>::max());
-        mWriter.EndObject();
+        mJson.endObject();
         for (const char* key : {"minItems", "maxItems"}) {
-            mWriter.Key(key);
-            mWriter.Int(4);
+            mJson.key(key);
+            mJson.value(4);
         }
     }
 
     NeutralDocument mNeutral;
-    rapidjson::StringBuffer mText;
-    Writer mWriter{mText};
+    text::JsonWriter mJson{DOCUMENT};
 };
 
 } // namespace
@@ -244,30 +226,32 @@ std::string explainParameters() {
     constexpr std::size_t INDENT = 4;
     const img::ImageProcessingPipeline neutral(0);
     const auto row = [](std::string_view name, std::string_view range, std::string_view value, std::string_view path) {
-        return padded(name, 20) + padded(range, 21) + padded(value, 9) + std::string(path) + "\n";
+        return text::padded(name, 20) + text::padded(range, 21) + text::padded(value, 9) + std::string(path) + "\n";
     };
     std::string text = row("name for --set", "range", "default", "member of the document");
     for (const Parameter& parameter : parameters()) {
         text += '\n';
         text += row(parameter.name, describeRange(parameter), formatValue(parameter, neutral), parameter.path);
-        text += wrapped(capitalised(parameter.meaning) + ". " + std::string(parameter.details), INDENT);
+        text +=
+            std::string(INDENT, ' ') +
+            text::wrapped(capitalised(parameter.meaning) + ". " + std::string(parameter.details), WIDEST_LINE, INDENT) +
+            "\n";
     }
     return text;
 }
 
 std::string explainParametersAsJson() {
     const NeutralDocument neutral;
-    rapidjson::StringBuffer text;
-    Writer writer(text);
-    writer.StartObject();
-    writer.Key("parameters");
-    writer.StartArray();
+    text::JsonWriter json(DOCUMENT);
+    json.beginObject();
+    json.key("parameters");
+    json.beginArray();
     for (const Parameter& parameter : parameters()) {
-        explainAsJson(writer, parameter, neutral);
+        explainAsJson(json, parameter, neutral);
     }
-    writer.EndArray();
-    writer.EndObject();
-    return text.GetString() + std::string("\n");
+    json.endArray();
+    json.endObject();
+    return json.text() + "\n";
 }
 
 std::string parameterSchema() {

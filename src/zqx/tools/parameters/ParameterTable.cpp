@@ -1,8 +1,8 @@
 // The table of adjustments. All that is said about one, anywhere, is said here.
 #include "zqx/tools/parameters/ParameterTable.h"
 
-#include <algorithm>
-#include <charconv>
+#include "zqx/text/Numbers.h"
+#include "zqx/text/Width.h"
 
 namespace zqx::tools {
 
@@ -135,19 +135,6 @@ constexpr Parameter PARAMETERS[] = {
                                                                    "mirror top and bottom", "After everything else."),
 };
 
-template <typename Number>
-std::string fewestDigits(Number value) {
-    char digits[64];
-    const auto [end, failure] = std::to_chars(digits, digits + sizeof digits, value);
-    return failure == std::errc() ? std::string(digits, end) : std::string();
-}
-
-std::string padded(std::string_view text, std::size_t width) {
-    std::string cell(text);
-    cell.resize(std::max(width, cell.size()), ' ');
-    return cell;
-}
-
 } // namespace
 
 std::span<const Parameter> parameters() {
@@ -155,11 +142,11 @@ std::span<const Parameter> parameters() {
 }
 
 std::string formatNumber(float value) {
-    return fewestDigits(value);
+    return text::shortest(value);
 }
 
 std::string formatNumber(double value) {
-    return fewestDigits(value);
+    return text::shortest(value);
 }
 
 std::string formatValue(const Parameter& parameter, const img::ImageProcessingPipeline& pipeline) {
@@ -184,11 +171,11 @@ std::string describeRange(const Parameter& parameter) {
 
 std::string describeParameters() {
     const Pipeline neutral(0);
-    std::string text =
-        "Adjustments for --set:\n  " + padded("name", 20) + padded("range", 20) + padded("default", 9) + "meaning\n";
+    std::string text = "Adjustments for --set:\n  " + text::padded("name", 20) + text::padded("range", 20) +
+                       text::padded("default", 9) + "meaning\n";
     for (const Parameter& parameter : PARAMETERS) {
-        text += "  " + padded(parameter.name, 20) + padded(describeRange(parameter), 20) +
-                padded(formatValue(parameter, neutral), 9) + std::string(parameter.meaning) + "\n";
+        text += "  " + text::padded(parameter.name, 20) + text::padded(describeRange(parameter), 20) +
+                text::padded(formatValue(parameter, neutral), 9) + std::string(parameter.meaning) + "\n";
     }
     return text;
 }

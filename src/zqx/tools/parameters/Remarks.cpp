@@ -1,7 +1,7 @@
 // Warnings, or one error in place of them all.
 #include "zqx/tools/parameters/Remarks.h"
 
-#include "zqx/pictures/files/Error.h"
+#include <utility>
 
 namespace zqx::tools {
 
@@ -16,14 +16,14 @@ void Remarks::add(const std::string& subject, const std::string& problem, const 
 }
 
 void Remarks::settle() const {
-    if (mLines.empty()) {
-        return;
+    if (!mLines.empty()) {
+        throw RemarksError(mLines);
     }
-    std::string text = "correct the following, or leave --strict out to go on with warnings";
-    for (const std::string& line : mLines) {
-        text += "\n" + line;
-    }
-    throw Error("--strict", text);
+}
+
+RemarksError::RemarksError(std::vector<std::string> remarks)
+    : Error("--strict", "correct the following, or leave --strict out to go on with warnings"),
+      mRemarks(std::move(remarks)) {
 }
 
 } // namespace zqx::tools

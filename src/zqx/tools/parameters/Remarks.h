@@ -4,7 +4,21 @@
 #include <string>
 #include <vector>
 
+#include "zqx/pictures/files/Error.h"
+
 namespace zqx::tools {
+
+/// Faults that were to be errors. what() tells what to do about them.
+class RemarksError : public pictures::Error {
+public:
+    explicit RemarksError(std::vector<std::string> remarks);
+
+    /// Each "subject: problem".
+    const std::vector<std::string>& remarks() const { return mRemarks; }
+
+private:
+    std::vector<std::string> mRemarks;
+};
 
 /// Warns of each fault at once or, when strict, collects them for one error.
 class Remarks {
@@ -15,7 +29,7 @@ public:
     /// @param consequence how the fault is handled; continues the sentence of the problem
     void add(const std::string& subject, const std::string& problem, const std::string& consequence);
 
-    /// @throws Error with one line for each fault, when strict and there are any
+    /// @throws RemarksError with all faults, when strict and there are any
     void settle() const;
 
 private:

@@ -1,8 +1,8 @@
 // FreeImage's words, which reach a program only through one function for the whole process.
 #include "zqx/pictures/codecs/freeimage/FreeImageMessages.h"
 
-#include <algorithm>
 #include <cstdarg>
+#include <string_view>
 
 #if defined(__unix__)
 #include <dlfcn.h>
@@ -10,16 +10,16 @@
 
 #include <FreeImage.h>
 
+#include "zqx/text/Cleaning.h"
+
 namespace zqx::pictures {
 
 namespace {
 
 thread_local std::string tMessages; // pictures are decoded by several threads
 
-void addMessage(std::string& messages, std::string line) {
-    std::ranges::replace_if(
-        line, [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
-    line.erase(line.find_last_not_of(' ') + 1);
+void addMessage(std::string& messages, std::string_view words) {
+    const std::string line = text::withoutTrailingSpaces(text::inOneLine(words));
     if (!line.empty()) {
         messages += (messages.empty() ? "" : "; ") + line;
     }
