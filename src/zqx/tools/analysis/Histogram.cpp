@@ -8,7 +8,6 @@
 #include <zqx/pictures/SampleLayout.h>
 
 #include "kernels/ValueCounts.h"
-
 #include "zqx/text/Numbers.h"
 
 namespace zqx::tools {
