@@ -10,7 +10,6 @@
 
 namespace zqx::app {
 
-using namespace pictures;
 using namespace tools;
 
 namespace {
