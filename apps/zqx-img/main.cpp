@@ -18,6 +18,7 @@
 #include "terminal/Terminal.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/Interrupts.h"
+#include "zqx/pictures/metadata/exiv2/Exiv2Codec.h"
 
 namespace {
 
@@ -85,6 +86,8 @@ int run(CLI::App& program, const std::vector<const char*>& words) {
 
 int runProgram(int argc, char** argv) {
     watchForInterrupts();
+    setWarningHandler([](const std::string& line) { complain("warning: " + line, SUCCESS); });
+    installExiv2();
     qutil::Log::setReportingLevel(0); // failures of components are reported in the words of the program
     const std::unique_ptr<CLI::App> program = makeCommandLine();
     return run(*program, commandLine(argc, argv));

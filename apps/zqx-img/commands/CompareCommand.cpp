@@ -22,9 +22,10 @@
 #include "commands/ResultFile.h"
 #include "options/MemoryOption.h"
 #include "options/ReadingOptions.h"
+#include "zqx/pictures/Writer.h"
 #include "zqx/pictures/codecs/Decode.h"
-#include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/files/OutputFile.h"
 
 namespace zqx::app {
 
@@ -218,8 +219,8 @@ void runCompare(const CompareOptions& options) {
         OutputFile::check(options.picture);
     }
     requireMemory({{options.files[0], options.files[1]}, {}}, options.memory);
-    Picture a = loadPicture(options.files[0], options.loading);
-    Picture b = loadPicture(options.files[1], options.loading);
+    Picture a = readPicture(options.files[0], options.loading);
+    Picture b = readPicture(options.files[1], options.loading);
     if (const std::optional<std::string> reason = obstacle(options, a, b)) {
         if (options.json) {
             printJson(options, a, b, "incomparable", nullptr);

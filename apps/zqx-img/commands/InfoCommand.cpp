@@ -15,8 +15,9 @@
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/Metadata.h"
 #include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
-#include "zqx/pictures/metadata/ExifSummary.h"
-#include "zqx/pictures/metadata/MetadataReader.h"
+#include "zqx/pictures/metadata/InstalledCodec.h"
+#include "zqx/pictures/metadata/Orientation.h"
+#include "zqx/pictures/metadata/exiv2/ExifSummary.h"
 
 namespace zqx::app {
 
@@ -45,16 +46,15 @@ struct Info {
     std::string name;
     FileFormat format;
     PixelDescription pixels;
-    SourceMetadata metadata;
+    FileMetadata metadata;
     ExifSummary exif;
 };
 
 Info inspect(const std::string& name, const Limits& limits) {
-    InputFile file = openPicture(name);
-    const FileFormat format = examine(file, limits).format; // some have to be decoded
-    Info info{name, format, {}, {}, {}};
-    info.pixels = describeByFreeImage(file, format);
-    info.metadata = readMetadata(name, format);
+    PictureFile file(name, limits);
+    identify(file, limits);
+    const FileFormat format = file.header.info.format; // some have to be decoded
+    Info info{name, format, describeByFreeImage(file.input, format), readMetadata(name, file.header), {}};
     completeMetadata(info.metadata, info.pixels.metadata);
     info.exif = summarizeExif(info.metadata.blocks.exif);
     return info;

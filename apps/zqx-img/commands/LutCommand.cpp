@@ -12,6 +12,7 @@
 #include "options/ParameterOptions.h"
 #include "options/Validators.h"
 #include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
 #include "zqx/tools/parameters/ParameterTable.h"
 
