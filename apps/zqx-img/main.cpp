@@ -18,6 +18,7 @@
 #include "terminal/Output.h"
 #include "terminal/System.h"
 #include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/metadata/exiv2/Exiv2Codec.h"
 #include "zqx/tools/parameters/Remarks.h"
 
 namespace {
@@ -94,7 +95,8 @@ int run(CLI::App& program, const std::vector<const char*>& words) {
 int runProgram(int argc, char** argv) {
     prepareStandardStreams();
     watchForInterrupts();
-    const WarningListener listener(printWarning);
+    setWarningHandler([](const std::string& line) { printWarning(line); });
+    installExiv2();
     qutil::Log::setReportingLevel(0); // failures of components are reported in the words of the program
     const std::unique_ptr<CLI::App> program = makeCommandLine();
     return run(*program, commandLine(argc, argv));

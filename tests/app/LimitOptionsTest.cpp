@@ -9,7 +9,8 @@
 #include <CLI/CLI.hpp>
 
 #include "options/ReadingOptions.h"
-#include "zqx/pictures/codecs/ReadOptions.h"
+#include "zqx/pictures/Reader.h"
+#include "zqx/pictures/codecs/Limits.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/isolation/IsolatedDecoder.h"
 #include "zqx/text/Amounts.h"
@@ -29,9 +30,9 @@ ReadOptions parse(std::vector<std::string> arguments) {
     return options;
 }
 
-std::string refusalOf(const PictureSize& size, const Limits& limits) {
+std::string refusalOf(std::uint64_t width, std::uint64_t height, const Limits& limits) {
     try {
-        checkPictureSize("a.png", size, limits);
+        checkPictureSize("a.png", width, height, limits);
     } catch (const Error& error) {
         return error.what();
     }
@@ -41,20 +42,20 @@ std::string refusalOf(const PictureSize& size, const Limits& limits) {
 } // namespace
 
 TEST(LimitsTest, WhatIsAsLargeAsAllowedIsRead) {
-    EXPECT_EQ(refusalOf({10, 20, 24}, {.width = 10, .height = 20, .pixels = 200}), "");
+    EXPECT_EQ(refusalOf(10, 20, {.width = 10, .height = 20, .pixels = 200}), "");
 }
 
 TEST(LimitsTest, EachRefusalNamesItsLimitAndItsOption) {
-    EXPECT_EQ(refusalOf({11, 20, 24}, {.width = 10, .height = 20, .pixels = 1000}),
+    EXPECT_EQ(refusalOf(11, 20, {.width = 10, .height = 20, .pixels = 1000}),
               "a.png: is 11 pixels wide, more than the 10 allowed; --max-width raises that");
-    EXPECT_EQ(refusalOf({10, 21, 24}, {.width = 10, .height = 20, .pixels = 1000}),
+    EXPECT_EQ(refusalOf(10, 21, {.width = 10, .height = 20, .pixels = 1000}),
               "a.png: is 21 pixels high, more than the 20 allowed; --max-height raises that");
-    EXPECT_EQ(refusalOf({10, 20, 24}, {.width = 10, .height = 20, .pixels = 199}),
+    EXPECT_EQ(refusalOf(10, 20, {.width = 10, .height = 20, .pixels = 199}),
               "a.png: has 200 pixels, more than the 199 allowed; --max-pixels raises that");
 }
 
 TEST(LimitsTest, PixelsAreCountedBeyond32Bits) {
-    EXPECT_EQ(refusalOf({65536, 65536, 8}, {.width = 100000, .height = 100000, .pixels = 4294967295U}),
+    EXPECT_EQ(refusalOf(65536, 65536, {.width = 100000, .height = 100000, .pixels = 4294967295U}),
               "a.png: has 4294967296 pixels, more than the 4294967295 allowed; --max-pixels raises that");
 }
 

@@ -185,6 +185,22 @@ INSTANTIATE_TEST_SUITE_P(EachFormat, CutShortTest,
                                            "jp2"),
                          [](const auto& test) { return std::string(test.param); });
 
+TEST_F(FailureTest, AnAnimationIsNotReplacedByItsFirstFrame) {
+    const std::string frame(",\0\0\0\0\1\0\1\0\0\2\2\x44\1\0", 15);
+    const std::string screen("GIF89a\1\0\1\0\x80\0\0\1\2\3\4\5\6", 19);
+    const std::string animation = screen + frame + frame + ";";
+    writeFile(at("a.gif"), animation);
+    fail(1, {"apply", at("a.gif"), "-o", at("a.gif")}, at("a.gif") + ": holds several pictures");
+    EXPECT_EQ(readFile(at("a.gif")), animation);
+    const Outcome outcome = zqxImg({"apply", at("a.gif"), "-o", at("b.gif")});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_NE(outcome.err.find("only the first is used"), std::string::npos) << outcome.err;
+}
+
+TEST_F(FailureTest, JpegXrIsNotOfferedForWriting) {
+    fail(2, {"apply", ZQX_SAMPLE, "-o", at("out.jxr")}, "JPEG-XR files can only be read");
+}
+
 TEST_F(FailureTest, DamagedContentIsToldInTheDecodersWords) {
     writePicture(at("in.png"), paint(64, 64, 24, motley));
     std::string content = readFile(at("in.png"));

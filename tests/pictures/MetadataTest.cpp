@@ -6,8 +6,7 @@
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/Encode.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/metadata/MetadataReader.h"
-#include "zqx/pictures/metadata/MetadataWriter.h"
+#include "zqx/pictures/metadata/exiv2/Exiv2Codec.h"
 
 #include <support/DirectoryTest.h>
 #include <support/Process.h>
@@ -29,6 +28,8 @@ std::vector<unsigned char> exifOfMaker() {
 
 class AppMetadataTest : public img::test::DirectoryTest {
 protected:
+    AppMetadataTest() { installExiv2(); }
+
     /// A picture whose file holds the metadata.
     std::string writePicture(const std::string& fileName, const Metadata& metadata) const {
         Picture picture;
@@ -46,7 +47,7 @@ TEST_F(AppMetadataTest, PacketThatNeedsNoChangeKeepsItsBytes) {
     Metadata metadata;
     metadata.xmp = XMP;
     for (const char* name : {"a.jpg", "a.png", "a.tif"}) {
-        EXPECT_EQ(loadPicture(writePicture(name, metadata), {}).metadata.xmp, XMP) << name;
+        EXPECT_EQ(readPicture(writePicture(name, metadata), {}).metadata.xmp, XMP) << name;
     }
 }
 
@@ -62,7 +63,7 @@ TEST_F(AppMetadataTest, BlocksOfManyThreadsDoNotMix) {
         metadata.exif = exifOfMaker();
         for (int round = 0; round < ROUNDS; ++round) {
             const char* extension = round % 2 == 0 ? ".jpg" : ".tif";
-            const Metadata read = loadPicture(writePicture(std::to_string(number) + extension, metadata), {}).metadata;
+            const Metadata read = readPicture(writePicture(std::to_string(number) + extension, metadata), {}).metadata;
             if (read.xmp != metadata.xmp || read.exif.empty()) {
                 ++wrong;
             }
@@ -83,7 +84,7 @@ TEST_F(AppMetadataTest, BlocksThatAreNoneLeaveThePictureAsItIs) {
     metadata.xmp = "no packet";
     std::string warnings;
     const WarningListener listener([&](const std::string& line) { warnings += line + "\n"; });
-    const Picture picture = loadPicture(writePicture("a.png", metadata), {});
+    const Picture picture = readPicture(writePicture("a.png", metadata), {});
     EXPECT_NE(warnings.find("left out"), std::string::npos) << warnings;
     EXPECT_EQ(picture.width(), 32U);
     EXPECT_TRUE(picture.metadata.xmp.empty());
@@ -102,7 +103,7 @@ TEST_F(AppMetadataTest, DamagedExifLeavesThePicture) {
             std::string damaged = file;
             damaged[i] = static_cast<char>(~damaged[i]);
             img::test::writeFile(at(name), damaged);
-            EXPECT_EQ(loadPicture(at(name), {}).width(), 32U) << name << ", byte " << i - start;
+            EXPECT_EQ(readPicture(at(name), {}).width(), 32U) << name << ", byte " << i - start;
         }
     }
 }

@@ -117,6 +117,18 @@ TEST_F(MemoryNeedTest, GrowsWithPixelsDepthAndOutputs) {
     EXPECT_NEAR(bytesPerPixel("bytes.png", {"out.png", "both.png"}), 5 * 3, TINY);
 }
 
+TEST_F(MemoryNeedTest, GifsGoByTheFrameThatIsDecodedAndNotByTheirScreen) {
+    const auto gif = [](const std::string& screen, const std::string& frame) {
+        return "GIF89a" + screen + std::string("\x80\0\0\1\2\3\4\5\6,\0\0\0\0", 14) + frame + std::string("\0", 1);
+    };
+    const std::string small("\1\0\1\0", 4);
+    const std::string large("\x88\x13\x88\x13", 4); // 5000 x 5000
+    img::test::writeFile(at("large.gif"), gif(small, large));
+    img::test::writeFile(at("small.gif"), gif(large, small));
+    EXPECT_GT(memoryNeed(at("large.gif"), {"out.png"}), 5000U * 5000U * 4U);
+    EXPECT_LT(memoryNeed(at("small.gif"), {"out.png"}), 5000U * 5000U);
+}
+
 TEST_F(MemoryNeedTest, UnknownFormatsGoByTheSizeOfTheFile) {
     img::test::writeFile(at("picture.sgi"), std::string(100000, 'x'));
     img::test::writeFile(at("camera.nef"), std::string(100000, 'x'));

@@ -18,8 +18,8 @@
 #include "options/MemoryOption.h"
 #include "options/ReadingOptions.h"
 #include "terminal/Output.h"
+#include "zqx/pictures/Writer.h"
 #include "zqx/pictures/codecs/Decode.h"
-#include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/text/Json.h"
 #include "zqx/text/Numbers.h"
@@ -193,8 +193,8 @@ void runCompare(const CompareOptions& options) {
         checkResultFile(options.picture, {options.files[0], options.files[1]});
     }
     requireMemory({{options.files[0], options.files[1]}, {}}, options.memory);
-    Picture a = loadPicture(options.files[0], options.loading);
-    Picture b = loadPicture(options.files[1], options.loading);
+    Picture a = readPicture(options.files[0], options.loading);
+    Picture b = readPicture(options.files[1], options.loading);
     if (const std::optional<std::string> reason = obstacle(options, a, b)) {
         if (options.json) {
             printJson(options, a, b, "incomparable", nullptr);

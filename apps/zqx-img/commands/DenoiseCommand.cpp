@@ -65,7 +65,7 @@ void forEachPixel(img::Image& image, const std::function<img::Color(const img::C
 }
 
 Picture loadGuide(const std::string& name, const Picture& color, const ReadOptions& loading) {
-    Picture guide = loadPicture(name, loading);
+    Picture guide = readPicture(name, loading);
     if (guide.width() != color.width() || guide.height() != color.height()) {
         const auto size = [](const Picture& picture) {
             return std::to_string(picture.width()) + " x " + std::to_string(picture.height());
@@ -156,7 +156,8 @@ void runDenoise(const DenoiseOptions& options) {
     checkResultFile(options.output, {options.albedo, options.normal});
     constexpr std::uint64_t WORKING_BYTES = 3 * 4 * sizeof(float); // what the denoiser itself takes has its own limits
     requireMemory({{options.color, options.albedo, options.normal}, {options.output}, WORKING_BYTES}, options.memory);
-    Picture source = loadPicture(options.color, options.loading);
+    checkReplacement(options.color, options.output);
+    Picture source = readPicture(options.color, options.loading);
     const SampleLayout layout = chooseLayout(options.output, format, source.stored);
     warnOfLosses(options.output, source, layout);
     prepareAlpha(source, format, layout, false); // renderers' colours are denoised as they lie in the file

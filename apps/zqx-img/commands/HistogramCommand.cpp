@@ -91,7 +91,7 @@ void runHistogram(const HistogramOptions& options) {
     checkOptions(options);
     img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
     requireMemory({{options.input}, {options.input}}, options.memory); // what is counted is a picture like the input
-    Picture source = loadPicture(options.input, options.loading);
+    Picture source = readPicture(options.input, options.loading);
     straightenAlpha(source);
     connect(pipeline, source);
     const Histogram histogram = countValues(render(pipeline, source, source.pixels.layout()).image());

@@ -15,8 +15,9 @@
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/Metadata.h"
 #include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
-#include "zqx/pictures/metadata/ExifSummary.h"
-#include "zqx/pictures/metadata/MetadataReader.h"
+#include "zqx/pictures/metadata/InstalledCodec.h"
+#include "zqx/pictures/metadata/Orientation.h"
+#include "zqx/pictures/metadata/exiv2/ExifSummary.h"
 #include "zqx/text/Json.h"
 #include "zqx/text/Numbers.h"
 #include "zqx/text/Width.h"
@@ -33,19 +34,18 @@ struct Info {
     std::string name;
     FileFormat format;
     PixelDescription pixels;
-    SourceMetadata metadata;
+    FileMetadata metadata;
     ExifSummary exif;
 };
 
 Info inspect(const std::string& name, const ReadOptions& options) {
     if (options.isolate.value_or(false)) {
-        static_cast<void>(loadPicture(name, options)); // what a damaged file does, it does to the other process first
+        static_cast<void>(readPicture(name, options)); // what a damaged file does, it does to the other process first
     }
-    InputFile file = openPicture(name);
-    const FileFormat format = examine(file, options.limits).format; // some have to be decoded
-    Info info{name, format, {}, {}, {}};
-    info.pixels = describeByFreeImage(file, format);
-    info.metadata = readMetadata(name, format);
+    PictureFile file(name, options.limits);
+    identify(file, options.limits);
+    const FileFormat format = file.header.info.format; // some have to be decoded
+    Info info{name, format, describeByFreeImage(file.input, format), readMetadata(name, file.header), {}};
     completeMetadata(info.metadata, info.pixels.metadata);
     info.exif = summarizeExif(info.metadata.blocks.exif);
     return info;

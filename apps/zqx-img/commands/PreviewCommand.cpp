@@ -21,10 +21,10 @@
 #include "options/ShowOption.h"
 #include "options/Validators.h"
 #include "options/WritingOptions.h"
+#include "zqx/pictures/Writer.h"
 #include "zqx/pictures/codecs/Alpha.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/Encode.h"
-#include "zqx/pictures/codecs/WriteOptions.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/tools/analysis/Render.h"
 #include "zqx/tools/analysis/SplitPicture.h"
@@ -56,7 +56,7 @@ struct PreviewOptions {
 /// Colours are averaged unpremultiplied.
 Picture loadStraight(const PreviewOptions& options) {
     requireMemory({{options.input}, {options.input}}, options.memory); // at most as large as the input
-    Picture picture = loadPicture(options.input, options.loading);
+    Picture picture = readPicture(options.input, options.loading);
     straightenAlpha(picture);
     return picture;
 }

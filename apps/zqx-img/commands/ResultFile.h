@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "zqx/pictures/Picture.h"
-#include "zqx/pictures/codecs/WriteOptions.h"
+#include "zqx/pictures/Writer.h"
 
 namespace zqx::app {
 

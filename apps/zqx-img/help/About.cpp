@@ -2,13 +2,13 @@
 #include "help/About.h"
 
 #include <CLI/Version.hpp>
-#include <exiv2/exiv2.hpp>
 #include <hwy/highway.h>
 #include <hwy/targets.h>
 #include <rapidjson/rapidjson.h>
 
 #include "Commit.h"
 #include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
+#include "zqx/pictures/metadata/exiv2/Exiv2Codec.h"
 
 namespace zqx::app {
 
@@ -25,7 +25,7 @@ std::string versionText() {
     }
     text += "\nkernels: " + simdTarget();
     text += std::string("\nlibraries: FreeImage ") + pictures::freeImageVersion() + ", Exiv2 " +
-            Exiv2::versionString() + ", RapidJSON " RAPIDJSON_VERSION_STRING + ", CLI11 " CLI11_VERSION;
+            pictures::exiv2Version() + ", RapidJSON " RAPIDJSON_VERSION_STRING + ", CLI11 " CLI11_VERSION;
 #if defined(__VERSION__)
     text += "\ncompiler: " __VERSION__;
 #endif

@@ -1,7 +1,7 @@
 // The options of every command that reads picture files.
 #pragma once
 
-#include "zqx/pictures/codecs/ReadOptions.h"
+#include "zqx/pictures/Reader.h"
 
 namespace CLI {
 class App;

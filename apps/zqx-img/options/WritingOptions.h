@@ -1,7 +1,7 @@
 // The options of every command that writes picture files.
 #pragma once
 
-#include "zqx/pictures/codecs/WriteOptions.h"
+#include "zqx/pictures/Writer.h"
 
 namespace CLI {
 class App;

@@ -7,7 +7,7 @@
 /// @ingroup pictures
 
 #if defined(_WIN32)
-#if defined(ZQX_PICTURES_STATIC)
+#if defined(ZQX_STATIC_LIBRARIES)
 #define ZQX_PICTURES_EXPORT
 #elif defined(ZQX_PICTURES_BUILDING)
 #define ZQX_PICTURES_EXPORT __declspec(dllexport)

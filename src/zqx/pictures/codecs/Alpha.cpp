@@ -45,6 +45,11 @@ void premultiply(img::Image& image, bool keepLight) {
     });
 }
 
+/// Other pictures are never premultiplied.
+bool isRgbaFloat(const img::Image& image) {
+    return image.getFormat() == img::Image::RGBA32F;
+}
+
 bool holdsPremultiplied(FileFormat format) {
     return format == FileFormat::EXR;
 }
@@ -52,7 +57,7 @@ bool holdsPremultiplied(FileFormat format) {
 } // namespace
 
 void straightenAlpha(Picture& picture) {
-    if (picture.alpha == AlphaKind::PREMULTIPLIED) {
+    if (picture.alpha == AlphaKind::PREMULTIPLIED && isRgbaFloat(picture.image())) {
         unpremultiply(picture.image());
         picture.alpha = AlphaKind::UNPREMULTIPLIED;
     }
@@ -61,7 +66,7 @@ void straightenAlpha(Picture& picture) {
 void prepareAlpha(Picture& source, FileFormat format, SampleLayout layout, bool recolored) {
     if (hasAlpha(layout) && (recolored || !holdsPremultiplied(format))) {
         straightenAlpha(source);
-    } else if (source.alpha == AlphaKind::UNPREMULTIPLIED) {
+    } else if (source.alpha == AlphaKind::UNPREMULTIPLIED && isRgbaFloat(source.image())) {
         premultiply(source.image(), true);
         source.alpha = AlphaKind::PREMULTIPLIED;
     }

@@ -3,46 +3,82 @@
 
 #include <utility>
 
+#include "zqx/pictures/codecs/Limits.h"
 #include "zqx/pictures/codecs/Metadata.h"
 #include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
+#include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/isolation/IsolatedDecoder.h"
-#include "zqx/pictures/metadata/MetadataReader.h"
+#include "zqx/pictures/metadata/InstalledCodec.h"
+#include "zqx/pictures/metadata/Orientation.h"
 
 namespace zqx::pictures {
 
-Picture loadPicture(const std::string& name, const ReadOptions& options) {
-    return options.isolate.value_or(false) ? decodeIsolated(name, options) : decodePicture(name, options.limits);
-}
+namespace {
 
-Findings examine(InputFile& file, const Limits& limits, const FindingsListener& listener) {
-    const auto tell = [&](const Findings& findings) {
-        if (listener) {
-            listener(findings);
-        }
-    };
-    checkFileSize(file.name(), file.size(), limits);
-    Findings findings;
-    findings.format = detectFormat(file);
-    tell(findings);
-    findings.size = sizeFromHeader(file, findings.format);
-    if (findings.size) {
-        checkPictureSize(file.name(), *findings.size, limits);
+void warnOfWhatIsLost(const std::string& name, const Header& header) {
+    if (header.info.severalPictures) {
+        warn(name, "holds several pictures, of which only the first is used");
     }
-    tell(findings);
-    return findings;
+    for (const std::string& what : header.lost) {
+        warn(name, "holds " + what + ", which cannot be carried over");
+    }
 }
 
-Picture decodePicture(const std::string& name, const Limits& limits, const FindingsListener& listener) {
-    InputFile file = openPicture(name);
-    const FileFormat format = examine(file, limits, listener).format;
-    Picture picture = decodeByFreeImage(file, format, limits);
-    SourceMetadata source = readMetadata(name, format);
+Picture decode(PictureFile& file, const Limits& limits, const HeaderListener& listener) {
+    identify(file, limits, listener);
+    warnOfWhatIsLost(file.name(), file.header);
+    Picture picture = decodeByFreeImage(file.input, file.header, limits);
+    const FileFormat format = file.header.info.format;
+    FileMetadata source = readMetadata(file.name(), file.header);
     if (format != FileFormat::RAW) { // whose decoder turns them itself
         turnUpright(picture, source.orientation);
     }
     completeMetadata(source, picture.metadata);
     picture.metadata = std::move(source.blocks);
     return picture;
+}
+
+} // namespace
+
+Picture readPicture(const std::string& name, const ReadOptions& options) {
+    if (options.isolate.value_or(false)) {
+        return decodeIsolated(name, options);
+    }
+    return decodePicture(name, options.limits);
+}
+
+Picture readPicture(PictureFile& file, const ReadOptions& options) {
+    return options.isolate.value_or(false) ? decodeIsolated(file.name(), options) : decode(file, options.limits, {});
+}
+
+HeaderInfo examinePicture(const std::string& name) {
+    InputFile file = openPicture(name);
+    const HeaderInfo info = probe(file).info;
+    if (info.format == FileFormat::UNKNOWN) {
+        throw Error(name, "is not a picture in a known format");
+    }
+    return info;
+}
+
+Picture decodePicture(const std::string& name, const Limits& limits, const HeaderListener& listener) {
+    PictureFile file(name, limits);
+    return decode(file, limits, listener);
+}
+
+void identify(PictureFile& file, const Limits& limits, const HeaderListener& listener) {
+    const auto tell = [&](const HeaderInfo& info) {
+        if (listener) {
+            listener(info);
+        }
+    };
+    HeaderInfo known;
+    known.format = detectFormat(file.input);
+    tell(known);
+    if (known.format != file.header.info.format || !isProbed(known.format)) {
+        file.header = readHeader(file.input, known.format);
+        checkPictureSize(file.name(), file.header.info.width, file.header.info.height, limits);
+    }
+    tell(file.header.info);
 }
 
 } // namespace zqx::pictures

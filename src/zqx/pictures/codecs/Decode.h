@@ -2,34 +2,24 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 
-#include "zqx/pictures/FileFormat.h"
-#include "zqx/pictures/Picture.h"
-#include "zqx/pictures/bytes/PictureSize.h"
-#include "zqx/pictures/codecs/ReadOptions.h"
-#include "zqx/pictures/files/InputFile.h"
+#include "zqx/pictures/Reader.h"
+#include "zqx/pictures/codecs/PictureFile.h"
 
 namespace zqx::pictures {
 
-/// Decodes a file upright and brings it into the working layout that keeps most of it, warning of what is lost. Where
-/// the options say so, another process does that.
-/// @throws Error naming the file
-Picture loadPicture(const std::string& name, const ReadOptions& options);
+/// readPicture() for a file that is open already.
+Picture readPicture(PictureFile& file, const ReadOptions& options);
 
-/// What is known of a file before its pixels are decoded.
-struct Findings {
-    FileFormat format = FileFormat::UNKNOWN;
-    std::optional<PictureSize> size; ///< within the limits
-};
-/// Is told twice: when the format is known, and when the header was read.
-using FindingsListener = std::function<void(const Findings&)>;
+/// Is told what is known of a file before its pixels are decoded: once the format, once all of it.
+using HeaderListener = std::function<void(const HeaderInfo&)>;
 
-/// loadPicture() in this process.
-Picture decodePicture(const std::string& name, const Limits& limits, const FindingsListener& listener = {});
+/// Decodes a file in this process.
+Picture decodePicture(const std::string& name, const Limits& limits, const HeaderListener& listener = {});
 
-/// What can be known before the pixels are decoded. @throws Error where that is enough for a refusal
-Findings examine(InputFile& file, const Limits& limits, const FindingsListener& listener = {});
+/// Asks the decoders what a file is and reads its header again where it is not what it looked like.
+/// @throws Error where that is enough for a refusal
+void identify(PictureFile& file, const Limits& limits, const HeaderListener& listener = {});
 
 } // namespace zqx::pictures

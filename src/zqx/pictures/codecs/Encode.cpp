@@ -12,7 +12,7 @@
 #include "zqx/pictures/codecs/Metadata.h"
 #include "zqx/pictures/codecs/freeimage/FreeImageEncoder.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/metadata/MetadataWriter.h"
+#include "zqx/pictures/metadata/InstalledCodec.h"
 
 namespace zqx::pictures {
 
@@ -66,8 +66,8 @@ void warnOfLostDepth(const std::string& name, const Picture& source, SampleLayou
     if (depth < bitsPerChannel(source.stored)) {
         loss = "has " + std::to_string(depth) + " bits per channel, " +
                (floats ? "values beyond 0 to 1 are lost and the rest is rounded" : "the picture's 16 are cut to that");
-    } else if (outputFormat(name) == FileFormat::HDR && bitsPerChannel(source.stored) > 8 &&
-               !fitsSharedExponent(source.image())) {
+    } else if (outputFormat(name) == FileFormat::HDR && source.image().hasFloatFormat() &&
+               bitsPerChannel(source.stored) > 8 && !fitsSharedExponent(source.image())) {
         loss = "keeps 8 bits of each value";
     } else {
         return;
@@ -89,7 +89,7 @@ PixelBuffer inWorkingFormat(PixelBuffer pixels, SampleLayout layout) {
 } // namespace
 
 void warnOfLosses(const std::string& name, const Picture& source, SampleLayout layout) {
-    if (hasAlpha(source.stored) && !hasAlpha(layout) && isTransparent(source.image())) {
+    if (hasAlpha(source.pixels.layout()) && !hasAlpha(layout) && isTransparent(source.image())) {
         warn(name, std::string("this format has no transparency, the picture becomes opaque, choose ") +
                        (isFloat(source.stored) ? ".exr or .tif" : ".png or .tif") + " to keep it");
     }

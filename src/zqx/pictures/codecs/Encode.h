@@ -5,7 +5,7 @@
 
 #include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/Picture.h"
-#include "zqx/pictures/codecs/WriteOptions.h"
+#include "zqx/pictures/Writer.h"
 #include "zqx/pictures/files/OutputFile.h"
 
 namespace zqx::pictures {

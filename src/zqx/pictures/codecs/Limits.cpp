@@ -20,16 +20,16 @@ void checkFileSize(const std::string& name, std::uint64_t bytes, const Limits& l
     }
 }
 
-void checkPictureSize(const std::string& name, const PictureSize& size, const Limits& limits) {
-    if (size.width > limits.width) {
-        refuse(name, "is " + std::to_string(size.width) + " pixels wide", std::to_string(limits.width), "--max-width");
+void checkPictureSize(const std::string& name, std::uint64_t width, std::uint64_t height, const Limits& limits) {
+    if (width > limits.width) {
+        refuse(name, "is " + std::to_string(width) + " pixels wide", std::to_string(limits.width), "--max-width");
     }
-    if (size.height > limits.height) {
-        refuse(name, "is " + std::to_string(size.height) + " pixels high", std::to_string(limits.height),
-               "--max-height");
+    if (height > limits.height) {
+        refuse(name, "is " + std::to_string(height) + " pixels high", std::to_string(limits.height), "--max-height");
     }
-    if (size.pixels() > limits.pixels) {
-        refuse(name, "has " + std::to_string(size.pixels()) + " pixels", std::to_string(limits.pixels), "--max-pixels");
+    if (width * height > limits.pixels) { // of which neither is beyond 32 bits
+        refuse(name, "has " + std::to_string(width * height) + " pixels", std::to_string(limits.pixels),
+               "--max-pixels");
     }
 }
 

@@ -68,7 +68,7 @@ std::vector<Comment> commentsIn(const std::string& block) {
     return comments;
 }
 
-void completeMetadata(SourceMetadata& source, const Metadata& decoded) {
+void completeMetadata(FileMetadata& source, const Metadata& decoded) {
     Metadata& blocks = source.blocks;
     if (!decoded.icc.empty()) {
         blocks.icc = decoded.icc;

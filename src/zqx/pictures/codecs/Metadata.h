@@ -4,15 +4,13 @@
 #include <string>
 
 #include "zqx/pictures/FileFormat.h"
-#include "zqx/pictures/Metadata.h"
-#include "zqx/pictures/Picture.h"
-#include "zqx/pictures/metadata/MetadataReader.h"
+#include "zqx/pictures/MetadataCodec.h"
 
 namespace zqx::pictures {
 
 /// Adds what the decoder found to what was read from the file itself: comments, the colour profile where it found one,
 /// which is not so for PNG, and the resolution, unless only the Exif tags tell it.
-void completeMetadata(SourceMetadata& source, const Metadata& decoded);
+void completeMetadata(FileMetadata& source, const Metadata& decoded);
 
 /// The metadata that the encoder of a file is to put into it. Warns of what is left behind.
 /// @param name the file to be written

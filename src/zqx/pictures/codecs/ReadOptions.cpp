@@ -1,5 +1,5 @@
 // Who decodes a picture, where nobody said.
-#include "zqx/pictures/codecs/ReadOptions.h"
+#include "zqx/pictures/Reader.h"
 
 #include "zqx/pictures/isolation/IsolatedDecoder.h"
 

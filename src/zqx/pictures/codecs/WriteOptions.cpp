@@ -1,5 +1,5 @@
 // What of a source's metadata is wanted.
-#include "zqx/pictures/codecs/WriteOptions.h"
+#include "zqx/pictures/Writer.h"
 
 #include <algorithm>
 

@@ -1,30 +1,38 @@
 // Where warnings go.
-#include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/Diagnostics.h"
 
-#include <cstdio>
 #include <utility>
-
-#include "zqx/text/Cleaning.h"
 
 namespace zqx::pictures {
 
 namespace {
 
-thread_local std::function<void(const std::string&)> tListener;
+thread_local WarningHandler tListener;
+
+WarningHandler& processHandler() {
+    static WarningHandler& handler = *new WarningHandler; // never destroyed: threads may warn while the program ends
+    return handler;
+}
 
 } // namespace
 
-void warn(const std::string& subject, const std::string& remark) {
-    const std::string line = subject + ": " + remark;
+Error::~Error() = default;
+UsageError::~UsageError() = default;
+
+void warn(const std::string& subject, const std::string& text) {
+    const std::string line = subject + ": " + text;
     if (tListener) {
         tListener(line);
-    } else {
-        std::fprintf(stderr, "zqx-img: warning: %s\n", text::printable(line).c_str());
+    } else if (processHandler()) {
+        processHandler()(line);
     }
 }
 
-WarningListener::WarningListener(std::function<void(const std::string&)> listener)
-    : mPrevious(std::exchange(tListener, std::move(listener))) {
+void setWarningHandler(WarningHandler handler) {
+    processHandler() = std::move(handler);
+}
+
+WarningListener::WarningListener(WarningHandler listener) : mPrevious(std::exchange(tListener, std::move(listener))) {
 }
 
 WarningListener::~WarningListener() {

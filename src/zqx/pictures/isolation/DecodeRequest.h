@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "zqx/pictures/codecs/Limits.h"
+#include "zqx/pictures/Limits.h"
 
 namespace zqx::pictures {
 

@@ -1,6 +1,7 @@
 // The program's side of decoding in another process: what went wrong there becomes an error here.
 #include "zqx/pictures/isolation/IsolatedDecoder.h"
 
+#include "zqx/pictures/codecs/Limits.h"
 #include "zqx/pictures/files/Error.h"
 
 #if defined(__unix__) || defined(__APPLE__)
@@ -126,7 +127,7 @@ Transfer readResult(const std::string& name, const ReadOptions& options, const S
         throwTooMuch(name, options);
     }
     if (transfer.picture) {
-        checkPictureSize(name, {transfer.picture->width(), transfer.picture->height(), 0}, options.limits);
+        checkPictureSize(name, transfer.picture->width(), transfer.picture->height(), options.limits);
     }
     return transfer;
 }

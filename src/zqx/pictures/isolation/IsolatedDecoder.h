@@ -4,7 +4,7 @@
 #include <string>
 
 #include "zqx/pictures/Picture.h"
-#include "zqx/pictures/codecs/ReadOptions.h"
+#include "zqx/pictures/Reader.h"
 
 namespace zqx::pictures {
 

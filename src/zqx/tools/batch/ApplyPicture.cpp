@@ -54,7 +54,10 @@ public:
         if (!files.comparison.empty()) {
             mTargets.emplace_back(files.comparison);
         }
-        mSource = loadPicture(files.input, settings.loading);
+        for (const Target& target : mTargets) {
+            checkReplacement(files.input, target.name);
+        }
+        mSource = readPicture(files.input, settings.loading);
         mWatch.addTo(mResult.seconds.decode);
     }
 

@@ -6,8 +6,8 @@
 #include <zqx/img/ImageProcessingPipeline.h>
 #include <zqx/tools/PictureRecord.h>
 
-#include "zqx/pictures/codecs/ReadOptions.h"
-#include "zqx/pictures/codecs/WriteOptions.h"
+#include "zqx/pictures/Reader.h"
+#include "zqx/pictures/Writer.h"
 #include "zqx/pictures/files/OutputFile.h"
 
 namespace zqx::tools {

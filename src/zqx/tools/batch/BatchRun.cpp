@@ -12,8 +12,8 @@
 #include <thread>
 #include <utility>
 
-#include "zqx/pictures/bytes/PictureHeader.h"
-#include "zqx/pictures/bytes/PictureSize.h"
+#include "zqx/pictures/codecs/Limits.h"
+#include "zqx/pictures/codecs/PictureFile.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
@@ -155,10 +155,8 @@ private:
 
     /// @throws Error for a picture beyond a limit: no memory helps there
     std::uint64_t need(const PlannedPicture& picture) const {
-        if (const std::optional<PictureHeader> header = readPictureHeader(picture.input)) {
-            checkPictureSize(picture.input,
-                             {static_cast<std::uint32_t>(header->width), static_cast<std::uint32_t>(header->height), 0},
-                             mSettings.loading.limits);
+        if (const std::optional<HeaderInfo> header = findHeader(picture.input)) {
+            checkPictureSize(picture.input, header->width, header->height, mSettings.loading.limits);
         }
         std::vector<std::string> outputs{picture.output};
         if (!mComparison.empty()) {

@@ -8,7 +8,7 @@
 #include <optional>
 
 #include "zqx/pictures/FileFormat.h"
-#include "zqx/pictures/bytes/PictureHeader.h"
+#include "zqx/pictures/codecs/PictureFile.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/text/Amounts.h"
@@ -68,7 +68,7 @@ EncodingNeed encodingNeed(const std::string& output, std::uint64_t working) {
 }
 
 /// The bytes that are alive at once for one channel of one pixel, when they are most.
-std::uint64_t bytesPerSample(const PictureHeader& header, const std::vector<std::string>& outputs) {
+std::uint64_t bytesPerSample(const HeaderInfo& header, const std::vector<std::string>& outputs) {
     const std::uint64_t stored = (header.bitsPerChannel + 7) / 8;
     const std::uint64_t working = stored > 1 ? sizeof(float) : 1;
     std::uint64_t most = stored + 2 * working; // decoded, converted, and handed over by another process
@@ -92,15 +92,10 @@ std::uint64_t multiplied(std::uint64_t a, std::uint64_t b) {
     return b != 0 && a > MOST / b ? MOST : a * b;
 }
 
-std::optional<PictureHeader> readHeader(const std::string& name) {
-    const bool raw = formatOfName(name) == FileFormat::RAW; // their headers describe a small preview
-    return raw ? std::nullopt : readPictureHeader(name);
-}
-
 /// 0 where the header does not say.
 std::uint64_t countPixels(const std::string& name) {
-    const std::optional<PictureHeader> header = readHeader(name);
-    return header ? multiplied(header->width, header->height) : 0;
+    const std::optional<HeaderInfo> header = findHeader(name);
+    return header ? header->pixels() : 0;
 }
 
 void refuseBeyond(const std::string& name, std::uint64_t need, std::uint64_t limit) {
@@ -143,12 +138,12 @@ void MemoryGate::release(std::uint64_t bytes) {
 }
 
 std::uint64_t memoryNeed(const std::string& input, const std::vector<std::string>& outputs) {
-    const std::optional<PictureHeader> header = readHeader(input);
+    const std::optional<HeaderInfo> header = findHeader(input);
     if (!header) {
         return addedUp(BASE_NEED, estimateByFileSize(input));
     }
     const std::uint64_t perPixel = multiplied(header->channels, bytesPerSample(*header, outputs));
-    return addedUp(BASE_NEED, multiplied(multiplied(header->width, header->height), perPixel));
+    return addedUp(BASE_NEED, multiplied(header->pixels(), perPixel));
 }
 
 void requireMemory(const MemoryDemand& demand, std::uint64_t limit) {

@@ -2,12 +2,14 @@
 #include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
 
 #include <atomic>
+#include <new>
 #include <utility>
 
 #include <qutil/SehException.h>
 #include <qutil/SehTranslator.h>
 
-#include "zqx/pictures/bytes/TiffLayout.h"
+#include "zqx/pictures/bytes/Completeness.h"
+#include "zqx/pictures/codecs/Limits.h"
 #include "zqx/pictures/codecs/MetadataMask.h"
 #include "zqx/pictures/codecs/freeimage/BitmapConversion.h"
 #include "zqx/pictures/codecs/freeimage/BitmapMetadata.h"
@@ -56,27 +58,28 @@ int loadFlags(FileFormat format) {
 }
 
 /// FreeImage takes the samples of these for something else.
-void refuseMisreadTiff(const std::string& name, const TiffLayout& layout) {
-    if (layout.samplesPerPixel == 2 && layout.bitsPerSample == 16) {
+void refuseMisreadTiff(const std::string& name, const TiffSamples& samples) {
+    if (samples.perPixel == 2 && samples.bits == 16) {
         throw Error(name,
                     "is 16-bit grey with transparency, which cannot be read from TIFF files, convert it to colour");
     }
-    if (layout.samplesPerPixel == 1 && layout.bitsPerSample == 16 && layout.floats) {
+    if (samples.perPixel == 1 && samples.bits == 16 && samples.floats) {
         throw Error(name, "is grey in half floats, which cannot be read from TIFF files, convert it to 32-bit floats");
     }
-    if (layout.samplesPerPixel == 2) {
+    if (samples.perPixel == 2) {
         warn(name, "is grey with transparency, which cannot be read in full from TIFF files, convert it to colour");
     }
 }
 
 /// What the colours are, once those of a file that multiplies stored numbers by alpha are divided.
-AlphaKind alphaKindOf(FIBITMAP* bitmap, FileFormat format, const TiffLayout& layout) {
+AlphaKind alphaKindOf(FIBITMAP* bitmap, const Header& header) {
     switch (FreeImage_GetImageType(bitmap)) {
     case FIT_RGBAF:
-        return format == FileFormat::EXR || layout.associatedAlpha ? AlphaKind::PREMULTIPLIED : AlphaKind::STRAIGHT;
+        return header.info.format == FileFormat::EXR || header.tiff.premultiplied ? AlphaKind::PREMULTIPLIED
+                                                                                  : AlphaKind::STRAIGHT;
     case FIT_BITMAP:
     case FIT_RGBA16:
-        if (layout.associatedAlpha && FreeImage_GetColorType(bitmap) == FIC_RGBALPHA) {
+        if (header.tiff.premultiplied && FreeImage_GetColorType(bitmap) == FIC_RGBALPHA) {
             unpremultiplyCodes(bitmap);
         }
         break;
@@ -99,18 +102,34 @@ Bitmap tryDecode(FreeImageStream& stream, const std::string& name, FileFormat fo
     }
 }
 
+/// What fails for want of memory or over a broken disk is not the file's fault. @throws Error, std::bad_alloc
+void checkSystem(const InputFile& file, bool decoded) {
+    if (file.readFailure()) {
+        throw Error(file.name(),
+                    "could not be read (" + file.readFailure().message() + "), check the disk that it is on");
+    }
+    if (!decoded && saidToLackMemory()) {
+        throw std::bad_alloc();
+    }
+}
+
 /// With FreeImage's words in the failure. @throws Error
-Bitmap decode(FreeImageStream& stream, const std::string& name, FileFormat format, int flags) {
-    Bitmap bitmap = tryDecode(stream, name, format, flags);
+Bitmap decode(FreeImageStream& stream, const InputFile& file, FileFormat format, int flags) {
+    Bitmap bitmap = tryDecode(stream, file.name(), format, flags);
+    checkSystem(file, bitmap != nullptr);
     if (!bitmap) {
-        throw Error(name,
+        throw Error(file.name(),
                     std::string("cannot be read as ") + nameOf(format) + inItsWords() + ", the file may be damaged");
     }
     return bitmap;
 }
 
-PictureSize sizeOf(const Bitmap& bitmap) {
-    return {FreeImage_GetWidth(bitmap.get()), FreeImage_GetHeight(bitmap.get()), FreeImage_GetBPP(bitmap.get())};
+void checkComplete(InputFile& file, const Header& header) {
+    switch (checkCompleteness(file, header)) {
+    case Completeness::COMPLETE: break;
+    case Completeness::CUT_SHORT: throw Error(file.name(), "is cut short, get a complete copy");
+    case Completeness::DAMAGED: throw Error(file.name(), "is damaged: it does not hold all of its pixels");
+    }
 }
 
 /// @throws Error for what cannot be worked with
@@ -118,7 +137,8 @@ void checkBitmap(const std::string& name, const Bitmap& bitmap, const Limits& li
     if (!FreeImage_HasPixels(bitmap.get())) {
         throw Error(name, "holds no pixels");
     }
-    checkPictureSize(name, sizeOf(bitmap), limits); // a header may lie, or tell nothing
+    checkPictureSize(name, FreeImage_GetWidth(bitmap.get()), FreeImage_GetHeight(bitmap.get()),
+                     limits); // a header may lie, or tell nothing
     if (FreeImage_GetColorType(bitmap.get()) == FIC_CMYK) {
         throw Error(name, "is in printing inks (CMYK), convert it to RGB first");
     }
@@ -171,34 +191,41 @@ FileFormat detectFormat(InputFile& file) {
     return format;
 }
 
-std::optional<PictureSize> sizeByFreeImage(InputFile& file, FileFormat format) {
-    if (!FreeImage_FIFSupportsNoPixels(idOf(format))) {
-        return std::nullopt;
+Header readHeader(InputFile& file, FileFormat format) {
+    Header header = probeAs(file, format);
+    if (isProbed(format) || !FreeImage_FIFSupportsNoPixels(idOf(format))) {
+        return header;
     }
     FreeImageStream stream(file, maskMetadata(file, format));
-    const Bitmap header = tryDecode(stream, file.name(), format, FIF_LOAD_NOPIXELS);
-    if (!header) {
-        return std::nullopt; // the decoder says more when it is asked for the pixels
+    if (const Bitmap bitmap = tryDecode(stream, file.name(), format, FIF_LOAD_NOPIXELS)) {
+        header.info.width = FreeImage_GetWidth(bitmap.get());
+        header.info.height = FreeImage_GetHeight(bitmap.get());
+        const unsigned bits = FreeImage_GetBPP(bitmap.get());
+        header.info.channels = bits <= 32 ? (bits + 7) / 8 : bits % 3 == 0 ? 3 : 4;
+        header.info.bitsPerChannel = bits <= 32 ? 8 : bits / header.info.channels;
     }
-    return sizeOf(header);
+    return header; // the decoder says more when it is asked for the pixels
 }
 
-Picture decodeByFreeImage(InputFile& file, FileFormat format, const Limits& limits) {
+Picture decodeByFreeImage(InputFile& file, const Header& header, const Limits& limits) {
     const std::string& name = file.name();
-    const TiffLayout layout = format == FileFormat::TIFF ? readTiffLayout(file).value_or(TiffLayout{}) : TiffLayout{};
-    refuseMisreadTiff(name, layout);
+    const FileFormat format = header.info.format;
+    if (format == FileFormat::TIFF) {
+        refuseMisreadTiff(name, header.tiff);
+    }
     FreeImageStream stream(file, maskMetadata(file, format));
-    Bitmap bitmap = decode(stream, name, format, loadFlags(format));
+    Bitmap bitmap = decode(stream, file, format, loadFlags(format));
     if (isCutShort(stream, format)) {
         throw Error(name, "is cut short" + inItsWords() + ", get a complete copy");
     }
+    checkComplete(file, header);
     if (!freeImageMessages().empty()) {
         warn(name, freeImageMessages());
     }
     checkBitmap(name, bitmap, limits);
     Picture picture;
     picture.metadata = metadataOf(bitmap.get());
-    picture.alpha = alphaKindOf(bitmap.get(), format, layout);
+    picture.alpha = alphaKindOf(bitmap.get(), header);
     ConvertedPixels converted = toWorkingLayout(name, std::move(bitmap), rowOrderOf(idOf(format)));
     picture.pixels = std::move(converted.pixels);
     picture.stored = converted.stored;
@@ -208,15 +235,15 @@ Picture decodeByFreeImage(InputFile& file, FileFormat format, const Limits& limi
 PixelDescription describeByFreeImage(InputFile& file, FileFormat format) {
     FreeImageStream stream(file, maskMetadata(file, format));
     const int flags = FreeImage_FIFSupportsNoPixels(idOf(format)) ? FIF_LOAD_NOPIXELS : 0;
-    const Bitmap bitmap = decode(stream, file.name(), format, flags);
-    const PictureSize size = sizeOf(bitmap);
-    return {size.width,
-            size.height,
-            size.bitsPerPixel,
-            nameOf(FreeImage_GetImageType(bitmap.get())),
-            nameOf(FreeImage_GetColorType(bitmap.get())),
-            FreeImage_IsTransparent(bitmap.get()) != 0,
-            metadataOf(bitmap.get())};
+    const Bitmap bitmap = decode(stream, file, format, flags);
+    FIBITMAP* handle = bitmap.get();
+    return {FreeImage_GetWidth(handle),
+            FreeImage_GetHeight(handle),
+            FreeImage_GetBPP(handle),
+            nameOf(FreeImage_GetImageType(handle)),
+            nameOf(FreeImage_GetColorType(handle)),
+            FreeImage_IsTransparent(handle) != 0,
+            metadataOf(handle)};
 }
 
 std::string freeImageVersion() {

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "zqx/pictures/FileFormat.h"
+#include "zqx/pictures/Limits.h"
 #include "zqx/pictures/Picture.h"
-#include "zqx/pictures/bytes/PictureSize.h"
-#include "zqx/pictures/codecs/Limits.h"
+#include "zqx/pictures/bytes/Probe.h"
 #include "zqx/pictures/files/InputFile.h"
 
 namespace zqx::pictures {
@@ -15,14 +15,14 @@ namespace zqx::pictures {
 /// The format by content, or else by the extension. @throws Error when neither is known
 FileFormat detectFormat(InputFile& file);
 
-/// The size that FreeImage finds in a header; nothing where it finds none, or only together with the pixels.
-/// @throws Error when the header brings its decoder down
-std::optional<PictureSize> sizeByFreeImage(InputFile& file, FileFormat format);
+/// The header of a file, also of the formats whose headers only FreeImage reads.
+/// @throws Error when it brings its decoder down
+Header readHeader(InputFile& file, FileFormat format);
 
 /// Decodes a file as its pixels are stored, not turned upright, in the working layout that keeps most of them, with a
 /// profile, comments and resolution. Warns of what is lost.
 /// @throws Error naming the file
-Picture decodeByFreeImage(InputFile& file, FileFormat format, const Limits& limits);
+Picture decodeByFreeImage(InputFile& file, const Header& header, const Limits& limits);
 
 /// What a file says of its pixels, in words where people want it.
 struct PixelDescription {

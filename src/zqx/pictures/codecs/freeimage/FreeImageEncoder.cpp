@@ -25,8 +25,7 @@ int saveFlags(FileFormat format, int quality) {
     constexpr int FINE_QUALITY = 90; // from here on colour subsampling is what shows first
     switch (format) {
     case FileFormat::JPEG: return quality | (quality >= FINE_QUALITY ? JPEG_SUBSAMPLING_444 : JPEG_SUBSAMPLING_420);
-    case FileFormat::WEBP:
-    case FileFormat::JXR: return quality;
+    case FileFormat::WEBP: return quality;
     case FileFormat::EXR: return EXR_FLOAT; // the default would round to half floats
     case FileFormat::J2K:
     case FileFormat::JP2: return 1; // without loss; the default keeps one byte of 16

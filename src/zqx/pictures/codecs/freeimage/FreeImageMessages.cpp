@@ -55,6 +55,13 @@ std::string freeImageMessages() {
     return tMessages;
 }
 
+bool saidToLackMemory() {
+    static constexpr const char* COMPLAINTS[] = {"emory allocation", "ut of memory", "nsufficient memory",
+                                                 "ot enough memory", "bad_alloc",    "llocate memory"};
+    return std::ranges::any_of(COMPLAINTS,
+                               [](const char* words) { return tMessages.find(words) != std::string::npos; });
+}
+
 std::string inItsWords() {
     return tMessages.empty() ? tMessages : " (" + tMessages + ")";
 }

@@ -15,6 +15,7 @@
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/isolation/DecodeRequest.h"
 #include "zqx/pictures/isolation/PictureTransfer.h"
+#include "zqx/pictures/metadata/exiv2/Exiv2Codec.h"
 
 #include "zqx/pictures/isolation/decoder/Confinement.h"
 
@@ -33,7 +34,7 @@ public:
         const WarningListener listener([this](const std::string& line) { mTransfer.warnings.push_back(line); });
         try {
             mTransfer.picture =
-                decodePicture(mRequest.name, mRequest.limits, [this](const Findings& findings) { note(findings); });
+                decodePicture(mRequest.name, mRequest.limits, [this](const HeaderInfo& info) { note(info); });
             mTransfer.outcome = Outcome::PICTURE;
         } catch (const Error& error) {
             mTransfer.outcome = needsTooMuch(2) ? Outcome::OUT_OF_MEMORY : Outcome::FAILURE;
@@ -47,11 +48,11 @@ public:
     }
 
 private:
-    void note(const Findings& findings) {
-        mTransfer.format = findings.format;
-        mSize = findings.size;
-        if (!mSize) {
-            TransferWriter(DecodeRequest::RESULT).announce(findings.format);
+    void note(const HeaderInfo& info) {
+        mTransfer.format = info.format;
+        mInfo = info;
+        if (!info.hasSize()) {
+            TransferWriter(DecodeRequest::RESULT).announce(info.format);
         }
         if (needsTooMuch(1)) {
             throw TooLarge();
@@ -59,11 +60,11 @@ private:
     }
 
     /// Whether so many bitmaps of the picture are more than the memory: decoders say "damaged" to that.
-    bool needsTooMuch(std::uint64_t bitmaps) const { return mSize && mSize->bytes() * bitmaps > mRequest.memory; }
+    bool needsTooMuch(std::uint64_t bitmaps) const { return mInfo.decodedBytes() * bitmaps > mRequest.memory; }
 
     const DecodeRequest& mRequest;
     Transfer mTransfer;
-    std::optional<PictureSize> mSize;
+    HeaderInfo mInfo;
 };
 
 void writeResult(const Transfer& transfer) {
@@ -91,6 +92,7 @@ int main(int argc, char** argv) {
     try {
         confine(*request);
         dieOfFaults();
+        installExiv2();
         writeResult(Decoder(*request).run());
     } catch (const std::exception&) {
         _exit(EXIT_FAILURE);

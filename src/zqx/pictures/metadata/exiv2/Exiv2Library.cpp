@@ -1,5 +1,5 @@
 // The parts of Exiv2 that belong to the whole process: its log and its XMP toolkit.
-#include "zqx/pictures/metadata/Exiv2Library.h"
+#include "zqx/pictures/metadata/exiv2/Exiv2Library.h"
 
 #include <mutex>
 

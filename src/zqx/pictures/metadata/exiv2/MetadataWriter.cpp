@@ -1,5 +1,5 @@
 // Writing metadata with Exiv2, in memory: only what is complete goes to the file.
-#include "zqx/pictures/metadata/MetadataWriter.h"
+#include "zqx/pictures/metadata/exiv2/MetadataWriter.h"
 
 #include <cstdint>
 #include <exception>
@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/metadata/ExifTags.h"
-#include "zqx/pictures/metadata/Exiv2Library.h"
+#include "zqx/pictures/metadata/exiv2/ExifTags.h"
+#include "zqx/pictures/metadata/exiv2/Exiv2Library.h"
 
 namespace zqx::pictures {
 
@@ -178,12 +178,8 @@ ImagePointer rewrite(const std::string& name, std::string_view encoded, const Me
 
 } // namespace
 
-void writeWithMetadata(const std::string& name, std::string_view encoded, const Metadata& metadata, unsigned width,
-                       unsigned height, const FileConsumer& consumer) {
-    if (metadata.exif.empty() && metadata.iptc.empty() && metadata.xmp.empty()) {
-        consumer(encoded);
-        return;
-    }
+void writeByExiv2(const std::string& name, std::string_view encoded, const Metadata& metadata, unsigned width,
+                  unsigned height, const FileConsumer& consumer) {
     const ImagePointer image = rewrite(name, encoded, metadata, width, height);
     if (!image) {
         consumer(encoded);

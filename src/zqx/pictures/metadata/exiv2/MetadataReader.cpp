@@ -1,5 +1,5 @@
 // Reading metadata with Exiv2, which knows far more of it than the picture decoders do and is less easily hurt by it.
-#include "zqx/pictures/metadata/MetadataReader.h"
+#include "zqx/pictures/metadata/exiv2/MetadataReader.h"
 
 #include <filesystem>
 #include <functional>
@@ -9,8 +9,9 @@
 
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/InputFile.h"
-#include "zqx/pictures/metadata/ExifTags.h"
-#include "zqx/pictures/metadata/Exiv2Library.h"
+#include "zqx/pictures/metadata/Orientation.h"
+#include "zqx/pictures/metadata/exiv2/ExifTags.h"
+#include "zqx/pictures/metadata/exiv2/Exiv2Library.h"
 
 namespace zqx::pictures {
 
@@ -100,9 +101,9 @@ void parse(Exiv2::Image& image, const std::string& name) {
     }
 }
 
-SourceMetadata read(Exiv2::Image& image, const std::string& name, FileFormat format) {
+FileMetadata read(Exiv2::Image& image, const std::string& name, FileFormat format) {
     parse(image, name);
-    SourceMetadata result;
+    FileMetadata result;
     result.orientation = orientationOf(image.exifData());
     result.blocks.icc = readBlock<std::vector<unsigned char>>(name, "colour profile", [&] { return profileOf(image); });
     result.blocks.exif =
@@ -115,7 +116,7 @@ SourceMetadata read(Exiv2::Image& image, const std::string& name, FileFormat for
 
 } // namespace
 
-SourceMetadata readMetadata(const std::string& name, FileFormat format) {
+FileMetadata readByExiv2(const std::string& name, FileFormat format) {
     if (!hasMetadata(format)) {
         return {};
     }

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "zqx/pictures/Metadata.h"
-#include "zqx/pictures/metadata/Exiv2Library.h"
+#include "zqx/pictures/metadata/exiv2/Exiv2Library.h"
 
 namespace zqx::pictures {
 

@@ -1,9 +1,9 @@
 // The handful of Exif tags that "info" tells.
-#include "zqx/pictures/metadata/ExifSummary.h"
+#include "zqx/pictures/metadata/exiv2/ExifSummary.h"
 
 #include <utility>
 
-#include "zqx/pictures/metadata/Exiv2Library.h"
+#include "zqx/pictures/metadata/exiv2/Exiv2Library.h"
 #include "zqx/text/Cleaning.h"
 
 namespace zqx::pictures {

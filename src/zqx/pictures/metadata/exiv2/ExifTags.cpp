@@ -1,5 +1,5 @@
 // Knowledge of single tags. Numbers and names are those of TIFF 6.0, TIFF/EP, DNG 1.6, Exif 2.32 and XMP part 2.
-#include "zqx/pictures/metadata/ExifTags.h"
+#include "zqx/pictures/metadata/exiv2/ExifTags.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,0 +1,33 @@
+// A picture file between its opening and its decoding.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "zqx/pictures/Limits.h"
+#include "zqx/pictures/bytes/Probe.h"
+#include "zqx/pictures/files/InputFile.h"
+
+namespace zqx::pictures {
+
+/// A file that was opened once, with what its header tells: limits, memory and decoding all go by the same.
+struct PictureFile {
+    /// Opens a file and reads its header, without a decoder. @throws Error naming it, also where it is beyond a limit
+    PictureFile(const std::string& name, const Limits& limits);
+
+    const std::string& name() const { return input.name(); }
+
+    InputFile input;
+    Header header;
+};
+
+/// What the header of a file tells of the size of its picture; nothing where it tells none or cannot be read, of which
+/// decoding will say more.
+std::optional<HeaderInfo> findHeader(const std::string& name);
+
+/// @throws Error when a file with several pictures would be replaced by the first of them
+/// @param input the picture that is read
+/// @param output the file to be written, which need not exist
+void checkReplacement(const std::string& input, const std::string& output);
+
+} // namespace zqx::pictures

@@ -1,0 +1,17 @@
+// Metadata by whichever codec is installed.
+#pragma once
+
+#include "zqx/pictures/MetadataCodec.h"
+#include "zqx/pictures/bytes/Probe.h"
+
+namespace zqx::pictures {
+
+/// What the installed codec reads; without one the orientation that the header tells.
+FileMetadata readMetadata(const std::string& name, const Header& header);
+
+/// Hands an encoded picture on, with metadata as far as the installed codec writes it. Without one it warns of what is
+/// left out.
+void writeWithMetadata(const std::string& name, std::string_view encoded, const Metadata& metadata, unsigned width,
+                       unsigned height, const FileConsumer& consumer);
+
+} // namespace zqx::pictures
