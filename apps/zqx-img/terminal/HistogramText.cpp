@@ -9,7 +9,6 @@
 
 namespace zqx::app {
 
-using namespace pictures;
 using namespace tools;
 
 namespace {
