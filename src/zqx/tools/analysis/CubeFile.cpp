@@ -7,7 +7,7 @@
 
 #include "kernels/Lattice.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/files/InputFile.h"
+#include "zqx/pictures/files/FileNames.h"
 #include "zqx/pictures/files/OutputFile.h"
 #include "zqx/text/Cleaning.h"
 #include "zqx/text/Numbers.h"
@@ -18,12 +18,12 @@ using namespace pictures;
 
 namespace {
 
-/// Plain decimals that read back as the same float; not every reader of the format knows exponents.
-void appendNumber(std::string& line, float value) {
+/// Plain decimals, since not every reader of the format knows exponents.
+std::string formatNumber(float value) {
     const float finite =
         std::isnan(value) ? 0.0F
                           : std::clamp(value, std::numeric_limits<float>::lowest(), std::numeric_limits<float>::max());
-    line += text::shortestDecimal(finite);
+    return text::shortestDecimal(finite);
 }
 
 /// The format has no escapes: what would end the line or the title is replaced.
@@ -38,7 +38,7 @@ void writePoints(OutputFile& file, const std::vector<float>& table) {
     for (std::size_t i = 0; i < table.size() && !file.hasFailed(); i += 3) {
         line.clear();
         for (std::size_t channel = 0; channel < 3; ++channel) {
-            appendNumber(line, table[i + channel]);
+            line += formatNumber(table[i + channel]);
             line += channel < 2 ? ' ' : '\n';
         }
         file.write(line);

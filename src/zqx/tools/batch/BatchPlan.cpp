@@ -13,8 +13,7 @@
 
 #include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/files/InputFile.h"
-#include "zqx/pictures/files/OutputFile.h"
+#include "zqx/pictures/files/FileNames.h"
 #include "zqx/tools/batch/FileIdentity.h"
 
 namespace zqx::tools {

@@ -15,6 +15,7 @@
 #include "zqx/pictures/codecs/Limits.h"
 #include "zqx/pictures/codecs/PictureFile.h"
 #include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/files/FileNames.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
 #include "zqx/tools/batch/Failure.h"

@@ -5,8 +5,7 @@
 #include <cctype>
 #include <system_error>
 
-#include "zqx/pictures/files/InputFile.h"
-#include "zqx/pictures/files/OutputFile.h"
+#include "zqx/pictures/files/FileNames.h"
 
 namespace zqx::tools {
 

@@ -10,8 +10,7 @@
 #include <utility>
 
 #include "zqx/pictures/FileFormat.h"
-#include "zqx/pictures/files/InputFile.h"
-#include "zqx/pictures/files/OutputFile.h"
+#include "zqx/pictures/files/FileNames.h"
 #include "zqx/tools/batch/FileIdentity.h"
 
 namespace zqx::tools {

@@ -10,7 +10,7 @@
 #include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/codecs/PictureFile.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/files/InputFile.h"
+#include "zqx/pictures/files/FileNames.h"
 #include "zqx/text/Amounts.h"
 
 #if defined(_WIN32)

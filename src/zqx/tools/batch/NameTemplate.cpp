@@ -6,8 +6,7 @@
 #include <filesystem>
 
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/files/InputFile.h"
-#include "zqx/pictures/files/OutputFile.h"
+#include "zqx/pictures/files/FileNames.h"
 #include "zqx/text/Width.h"
 
 namespace zqx::tools {

@@ -4,7 +4,6 @@
 #include <set>
 
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/files/InputFile.h"
 #include "zqx/tools/batch/FileIdentity.h"
 
 namespace zqx::tools {
