@@ -27,6 +27,9 @@ else()
     set(ZQX_INSTALL_LIBRARY_DIR ${CMAKE_INSTALL_LIBDIR})
 endif()
 
+# Of the folder for headers, the part for those of the runtimes (tov, qutil, rhm, gdi).
+set(ZQX_PLATFORM_INCLUDE_FOLDER zqx-platform-${PROJECT_VERSION_MAJOR})
+
 # zqx_install(TARGET COMPONENT [DESTINATION FOLDER]): a shared library, or a program, which goes to FOLDER or else where
 # programs go. Libraries become targets of the CMake package.
 function(zqx_install target component)

@@ -129,9 +129,12 @@ function(zqx_install_pkg_config zqx_name zqx_version zqx_description public stat
     list(JOIN zqx_requires ", " zqx_requires)
     set(zqx_libs)
     set(zqx_cflags)
+    if(zqx_name STREQUAL "zqx_platform")
+        set(zqx_cflags "-I\${includedir}/${ZQX_PLATFORM_INCLUDE_FOLDER}")
+    endif()
     if(ZQX_STATIC)
         list(JOIN static_flags " " zqx_libs)
-        set(zqx_cflags -DZQX_STATIC_LIBRARIES)
+        string(APPEND zqx_cflags " -DZQX_STATIC_LIBRARIES")
     endif()
     configure_file(${PROJECT_SOURCE_DIR}/packaging/pkgconfig/library.pc.in ${zqx_name}.pc @ONLY)
     install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${zqx_name}.pc

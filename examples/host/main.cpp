@@ -6,6 +6,7 @@
 #include <tov/Module.h>
 #include <tov/TovRef.h>
 #include <zqx/img/IImageProcessingPipeline.h>
+#include <zqx/qfreeimage/Formats.h>
 #include <zqx/qfreeimage/IFreeImage.h>
 
 namespace {
@@ -17,8 +18,6 @@ using zqx::qfreeimage::IFreeImage;
 
 constexpr const char* BITMAP_CLASS = "f92bd073-5780-4bcf-843c-f375c20b9455";
 constexpr const char* PIPELINE_CLASS = "5388994d-6d2a-486f-a4cc-161e246cc725";
-constexpr int DETECT_FORMAT = -1;
-constexpr int PNG = 13;
 
 bool succeeded(tov::Result result, const char* what) {
     if (tov::failed(result)) {
@@ -46,7 +45,7 @@ bool saveBitmap(const TovRef<IFreeImage>& bitmap, const std::string& path) {
     bitmap->getWidth(&width);
     bitmap->getHeight(&height);
     std::printf("%s: %d x %d\n", path.c_str(), width, height);
-    return succeeded(bitmap->save(PNG, path.c_str(), 0), "saving");
+    return succeeded(bitmap->save(zqx::qfreeimage::FORMAT_PNG, path.c_str(), 0), "saving");
 }
 
 bool run(tov::Module& module, const char* input, const std::string& output) {
@@ -56,7 +55,7 @@ bool run(tov::Module& module, const char* input, const std::string& output) {
         std::fprintf(stderr, "the module does not make its components\n");
         return false;
     }
-    if (!succeeded(photograph->load(DETECT_FORMAT, input, 0), "loading") ||
+    if (!succeeded(photograph->load(zqx::qfreeimage::FORMAT_DETECT, input, 0), "loading") ||
         !succeeded(pipeline->setInputImage(photograph.get()), "setting the input") || !setLook(*pipeline)) {
         return false;
     }

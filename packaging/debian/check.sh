@@ -16,8 +16,8 @@ libzqx-img1     /usr/share/doc/libzqx-img1/copyright
 libzqx-img1     /usr/share/doc/libzqx-img1/changelog.Debian.gz
 libzqx-img-dev  /usr/include/zqx/img/Image.h
 libzqx-img-dev  /usr/include/zqx/qfreeimage/IFreeImage.h
-libzqx-img-dev  /usr/include/qutil/InterfaceAdapter.h
-libzqx-img-dev  /usr/include/tov/Module.h
+libzqx-img-dev  /usr/include/zqx-platform-1/qutil/InterfaceAdapter.h
+libzqx-img-dev  /usr/include/zqx-platform-1/tov/Module.h
 libzqx-img-dev  /usr/lib/$multiarch/libzqx_img.so
 libzqx-img-dev  /usr/lib/$multiarch/libzqx_platform.so
 libzqx-img-dev  /usr/lib/$multiarch/cmake/zqx_img/zqx_imgConfig.cmake

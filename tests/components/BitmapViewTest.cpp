@@ -1,4 +1,6 @@
 // The view through which the image model sees a bitmap's memory.
+#include <type_traits>
+
 #include <zqx/img/FreeImage.h>
 
 #include "components/support/Bitmaps.h"
@@ -123,6 +125,15 @@ TEST_F(BitmapViewTest, LastViewKeepsTheComponentAlive) {
     EXPECT_EQ(referencesOf(*component), 1U);
     EXPECT_EQ(view->getWidth(), 2U);
     view.reset(); // destroys the component; leak detection tells if it does not
+}
+
+TEST_F(BitmapViewTest, ConstantComponentGivesAConstantView) {
+    const auto bitmap = linked(FIT_BITMAP, 2, 2, 24);
+    const LinkedBitmap& looked = *bitmap;
+    static_assert(std::is_same_v<decltype(looked.asImage()), std::shared_ptr<const Image>>);
+    const std::shared_ptr<const Image> view = looked.asImage();
+    EXPECT_EQ(view->getDataPtr(), lineOf(*bitmap, 0));
+    EXPECT_EQ(referencesOf(*bitmap), 2U);
 }
 
 TEST_F(BitmapViewTest, CopiesOfAViewAreViewsWithoutAReference) {

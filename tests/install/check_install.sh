@@ -104,19 +104,22 @@ every_file_has_a_component() {
         fail "components differ from the whole"
 }
 
-# headers_compile COMPILER: each installed header alone, as C++17. What they include is in the tree or standard.
+# headers_compile COMPILER PLATFORM: each installed header alone, as C++17. What they include is in the tree or standard.
+# The headers of the runtimes are in the folder PLATFORM and nowhere else, as their names are short.
 headers_compile() {
-    local headers header name
-    headers=$(cd "$tree/include" && find -- * -name '*.h')
-    [[ -n $headers ]] || fail "there are no headers"
-    while read -r header; do
-        while read -r name; do
-            [[ -f $tree/include/$name || $name =~ ^[a-z0-9_]+$ || $name == @(windows|eh).h ]] ||
-                fail "$header includes $name, which is not installed"
-        done < <(sed -n 's/^ *# *include *[<"]\(.*\)[>"].*/\1/p' "$tree/include/$header")
-        "$1" -std=c++17 -pedantic-errors -fsyntax-only -I "$tree/include" -x c++ - <<<"#include <$header>" ||
-            fail "$header does not compile alone"
-    done <<<"$headers"
+    local compiler=$1 platform=$2 folder header name
+    [[ $(ls "$tree/include") == $(printf 'zqx\n%s' "$platform") ]] ||
+        fail "there are other headers than expected: $(ls "$tree/include")"
+    for folder in "$tree/include/$platform" "$tree/include"; do
+        while read -r header; do
+            while read -r name; do
+                [[ -f $tree/include/$name || -f $tree/include/$platform/$name || $name =~ ^[a-z0-9_]+$ ||
+                    $name == @(windows|eh).h ]] || fail "$header includes $name, which is not installed"
+            done < <(sed -n 's/^ *# *include *[<"]\(.*\)[>"].*/\1/p' "$folder/$header")
+            "$compiler" -std=c++17 -pedantic-errors -fsyntax-only -I "$tree/include" -I "$tree/include/$platform" \
+                -x c++ - <<<"#include <$header>" || fail "$header does not compile alone"
+        done < <(cd "$folder" && find -- * -name '*.h' -not -path "$platform/*")
+    done
 }
 
 # examples_build CMAKE COMPILER FLAGS: each example by itself.

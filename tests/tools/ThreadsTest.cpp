@@ -51,15 +51,4 @@ TEST(SplitWorkTest, NothingToDoIsNoTrouble) {
     expectSplit(splitWork(0, 8, {}, {}), 1, 8);
 }
 
-TEST(ThreadsTest, EachThreadHasItsOwnNumber) {
-    int inside = 0;
-    const int before = omp_get_max_threads();
-    std::thread([&inside, before] {
-        useThreads(static_cast<unsigned>(before) + 3);
-        inside = omp_get_max_threads();
-    }).join();
-    EXPECT_EQ(inside, before + 3);
-    EXPECT_EQ(omp_get_max_threads(), before);
-}
-
 } // namespace zqx::tools

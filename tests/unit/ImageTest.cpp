@@ -4,6 +4,7 @@
 #include <limits>
 #include <memory>
 #include <new>
+#include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -37,6 +38,19 @@ void expectEmpty(const Image& image) {
 
 TEST(ImageTest, DefaultImageIsEmpty) {
     expectEmpty(Image());
+}
+
+TEST(ImageTest, ConstantMemoryIsSeenThroughAConstantView) {
+    const unsigned char pixels[] = {1, 2, 3, 4, 5, 6, 7, 8};
+    const auto& packed = Image::view(pixels, 2, 1, Image::SRGBA8);
+    static_assert(std::is_same_v<decltype(Image::view(pixels, 2, 1, Image::SRGBA8)), const Image>);
+    EXPECT_EQ(packed.getDataPtr(), pixels);
+    EXPECT_EQ(packed.getFormat(), Image::SRGBA8);
+    EXPECT_EQ(packed.getWidth(), 2U);
+    EXPECT_EQ(packed.getHeight(), 1U);
+    EXPECT_EQ(packed.getByteRowStride(), 8U);
+    EXPECT_EQ(Image::view(pixels, 1, 2, Image::SRGB8, 4).getByteRowStride(), 4U);
+    EXPECT_EQ(4, static_cast<const unsigned char*>(packed.convertTo(Image::RGBA8)->getDataPtr())[3]);
 }
 
 TEST(ImageTest, FormatNumbersAreFixed) {

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -457,3 +458,20 @@ TEST(PipelineTest, UnknownFormatsWriteNothing) {
 }
 
 } // namespace
+
+TEST(PipelineTest, WhatItHoldsIsReadWithoutChangingIt) {
+    const auto source = std::make_shared<Image>(2, 2, Image::SRGB8, 1);
+    Pipeline pipeline(5);
+    pipeline.setInputImage(source);
+    pipeline.setInversionEnabled(7);
+    pipeline.setSharpness(-0.25F);
+    pipeline.setFlipVertical(1);
+    const Pipeline& looked = pipeline;
+    static_assert(std::is_same_v<decltype(looked.getInputImage()), std::shared_ptr<const Image>>);
+    EXPECT_EQ(looked.getInputImage(), source);
+    EXPECT_EQ(looked.getActiveStages(), 5U);
+    EXPECT_TRUE(looked.isInversionEnabled());
+    EXPECT_EQ(looked.getSharpness(), -0.25F);
+    EXPECT_FALSE(looked.isFlippedHorizontally());
+    EXPECT_TRUE(looked.isFlippedVertically());
+}

@@ -8,6 +8,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zqx/img/Runtime.h>
+
 #include <zqx/tools/BatchPlan.h>
 #include <zqx/tools/InputList.h>
 #include <zqx/tools/MemoryGate.h>
@@ -97,11 +99,12 @@ std::size_t countWork(const std::vector<PlannedPicture>& plan) {
 
 void work(const ApplyOptions& options, const ApplySettings& settings, const std::vector<PlannedPicture>& plan,
           RunReport& report) {
-    const WorkSplit split = splitWork(countWork(plan), availableProcessors(), options.jobs, options.threads);
+    const WorkSplit split = splitWork(countWork(plan), img::availableProcessors(), options.jobs, options.threads);
     MemoryGate gate(options.memory != 0 ? options.memory : defaultMemoryLimit());
-    report.note(simdTarget() + ", " + std::to_string(split.jobs) + (split.jobs == 1 ? " picture" : " pictures") +
-                " at once x " + std::to_string(split.threads) + (split.threads == 1 ? " thread" : " threads") +
-                ", up to " + text::roundedSize(gate.limit()) + " of memory");
+    report.note(std::string(img::instructionSet()) + ", " + std::to_string(split.jobs) +
+                (split.jobs == 1 ? " picture" : " pictures") + " at once x " + std::to_string(split.threads) +
+                (split.threads == 1 ? " thread" : " threads") + ", up to " + text::roundedSize(gate.limit()) +
+                " of memory");
     makeFolders(plan, options.outputDirectory);
     runBatch(plan, options.comparison, settings, split, gate, report);
 }

@@ -2,9 +2,9 @@
 #include "help/About.h"
 
 #include <CLI/Version.hpp>
-#include <hwy/highway.h>
-#include <hwy/targets.h>
 #include <rapidjson/rapidjson.h>
+
+#include <zqx/img/Runtime.h>
 
 #include "Commit.h"
 #include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
@@ -12,18 +12,12 @@
 
 namespace zqx::app {
 
-// As the library does: the best instruction set of those compiled for that the processor has.
-std::string simdTarget() {
-    const auto usable = HWY_TARGETS & hwy::SupportedTargets();
-    return hwy::TargetName(usable & -usable); // better targets have lower bits
-}
-
 std::string versionText() {
     std::string text = "zqx-img " ZQX_IMG_VERSION;
     if (const std::string commit = ZQX_IMG_COMMIT; !commit.empty()) {
         text += " (commit " + commit + ")";
     }
-    text += "\nkernels: " + simdTarget();
+    text += "\nkernels: " + img::instructionSet();
     text += std::string("\nlibraries: FreeImage ") + pictures::freeImageVersion() + ", Exiv2 " +
             pictures::exiv2Version() + ", RapidJSON " RAPIDJSON_VERSION_STRING + ", CLI11 " CLI11_VERSION;
 #if defined(__VERSION__)

@@ -5,9 +5,6 @@
 
 namespace zqx::app {
 
-/// The instruction set that the library's kernels use on this processor, "AVX2".
-std::string simdTarget();
-
 /// The text of --version: version and commit, instruction set, libraries and their versions.
 std::string versionText();
 

@@ -9,6 +9,7 @@
 #include <zqx/img/ColorGradient.h>
 #include <zqx/img/Export.h>
 #include <zqx/img/Image.h>
+#include <zqx/img/ParameterRanges.h>
 
 namespace zqx::img {
 
@@ -36,16 +37,18 @@ struct ColorGradingParamsInternal {
 /// hue, saturation, gradient map. Setters limit a value to its range: above the maximum gives the maximum, below the
 /// minimum the minimum; a NaN passes through and makes NaN pixels.
 ///
-/// | setting | range | neutral (default) | effect |
-/// |---|---|---|---|
-/// | exposure | -5 to 5 stops | 0 | multiplies by 2^exposure |
-/// | contrast | 0 to 1 | 0.5 | power curve through 0.5 with exponent tan(contrast * pi / 2) |
-/// | highlight | -1 to 8 | 0 | c + (c - 0.66) * highlight above 0.66 |
-/// | shadow | -8 to 1 | 0 | max(0, c + (0.33 - c) * shadow) below 0.33 |
-/// | temperature | 2500 to 10500 K | 6500 | Bradford adaptation from the daylight white of that temperature to D65 |
-/// | hue | -180 to 180 degrees | 0 | turns hue in CIE LCh(uv) |
-/// | saturation | 0 to 2 | 1 | distance from luma |
-/// | gradient map intensity | 0 to 1 | 0 | blend towards the gradient's colour at the pixel's luma |
+/// | setting | effect |
+/// |---|---|
+/// | exposure, in stops | multiplies by 2^exposure |
+/// | contrast | power curve through 0.5 with exponent tan(contrast * pi / 2) |
+/// | highlight | c + (c - 0.66) * highlight above 0.66 |
+/// | shadow | max(0, c + (0.33 - c) * shadow) below 0.33 |
+/// | temperature, in kelvin | Bradford adaptation from the daylight white of that temperature to D65 |
+/// | hue, in degrees | turns hue in CIE LCh(uv) |
+/// | saturation | distance from luma |
+/// | gradient map intensity | blend towards the gradient's colour at the pixel's luma |
+///
+/// Their ranges and neutral values, which are the defaults, are in ParameterRanges.h.
 ///
 /// A plain value. Thread-safety: const methods may be called from several threads, also apply and the tables.
 /// @ingroup grading
@@ -66,21 +69,21 @@ public:
     /// @name Settings as they are kept: within their ranges
     /// @{
 
-    /// Stops, -5 to 5.
+    /// Stops.
     float getExposure() const { return mExposure; }
-    /// 0 to 1, neutral at 0.5.
+    /// Contrast.
     float getContrast() const { return mContrast; }
-    /// Slope added above 0.66, -1 to 8.
+    /// Slope added above 0.66.
     float getHighlight() const { return mHighlight; }
-    /// Slope added below 0.33, -8 to 1.
+    /// Slope added below 0.33.
     float getShadow() const { return mShadow; }
-    /// Kelvin, 2500 to 10500; neutral at 6500.
+    /// Kelvin.
     float getTemperature() const { return mTemperature; }
-    /// Degrees, -180 to 180.
+    /// Degrees.
     float getHue() const { return mHue; }
-    /// Factor, 0 to 2; neutral at 1.
+    /// Factor on the distance from luma.
     float getSaturation() const { return mSaturation; }
-    /// Weight of the gradient's colours, 0 to 1.
+    /// Weight of the gradient's colours.
     float getGradientMapIntensity() const { return mGradientMapIntensity; }
     /// The gradient, also while its weight is 0. Owned by the grading.
     const ColorGradient& getGradientMap() const { return mGradientMap; }
@@ -89,22 +92,27 @@ public:
     /// @name Setters, which limit a value to its range
     /// @{
 
-    /// @param stops -5 to 5; each doubles linear light, 0 leaves it
+    /// @param stops within range::EXPOSURE; each doubles linear light, 0 leaves it
     void setExposure(float stops);
-    /// @param contrast 0 to 1: 0 is flat, 0.5 leaves the picture, 1 makes a channel either 0 or far too bright
+    /// @param contrast within range::CONTRAST: 0 is flat, 0.5 leaves the picture, 1 makes a channel either 0 or far too
+    /// bright
     void setContrast(float contrast);
-    /// @param highlight -1 to 8: -1 makes everything above 0.66 equal to it, 0 leaves it, above it gets steeper
+    /// @param highlight within range::HIGHLIGHT: -1 makes everything above 0.66 equal to it, 0 leaves it, above it gets
+    /// steeper
     void setHighlight(float highlight);
-    /// @param shadow -8 to 1: 1 makes everything below 0.33 equal to it, 0 leaves it, below it gets steeper
+    /// @param shadow within range::SHADOW: 1 makes everything below 0.33 equal to it, 0 leaves it, below it gets
+    /// steeper
     void setShadow(float shadow);
-    /// @param kelvin 2500 to 10500: the light that the picture is corrected for. Below 6500 it turns bluer, above
+    /// @param kelvin within range::TEMPERATURE: the light that the picture is corrected for. Below 6500 it turns bluer,
+    /// above
     ///        yellower; exactly 6500 leaves it
     void setTemperature(float kelvin);
-    /// @param degrees -180 to 180, counter-clockwise in the plane of u* and v*; 0 leaves the picture
+    /// @param degrees within range::HUE, counter-clockwise in the plane of u* and v*; 0 leaves the picture
     void setHue(float degrees);
-    /// @param factor 0 to 2: 0 gives greys, 1 leaves the picture
+    /// @param factor within range::SATURATION: 0 gives greys, 1 leaves the picture
     void setSaturation(float factor);
-    /// @param weight 0 to 1: 0 leaves the picture, 1 shows nothing but the gradient's colours
+    /// @param weight within range::GRADIENT_MAP_INTENSITY: 0 leaves the picture, 1 shows nothing but the gradient's
+    /// colours
     void setGradientMapIntensity(float weight);
     /// @param gradient the colours for luma 0 to 1, in linear light; copied
     void setGradientMap(const ColorGradient& gradient);
@@ -140,14 +148,14 @@ public:
 private:
     ColorGradingParamsInternal prepareParams() const;
 
-    float mExposure = 0.0F;
-    float mContrast = 0.5F;
-    float mHighlight = 0.0F;
-    float mShadow = 0.0F;
-    float mTemperature = 6500.0F;
-    float mHue = 0.0F;
-    float mSaturation = 1.0F;
-    float mGradientMapIntensity = 0.0F;
+    float mExposure = range::EXPOSURE.neutral;
+    float mContrast = range::CONTRAST.neutral;
+    float mHighlight = range::HIGHLIGHT.neutral;
+    float mShadow = range::SHADOW.neutral;
+    float mTemperature = range::TEMPERATURE.neutral;
+    float mHue = range::HUE.neutral;
+    float mSaturation = range::SATURATION.neutral;
+    float mGradientMapIntensity = range::GRADIENT_MAP_INTENSITY.neutral;
     ColorGradient mGradientMap;
 };
 

@@ -7,8 +7,11 @@
 
 #include <zqx/img/Export.h>
 #include <zqx/img/Filter.h>
+#include <zqx/img/Warnings.h>
 
 namespace zqx::img {
+
+ZQX_IMG_BEGIN_PLAIN_DESTRUCTORS
 
 /// Removes rendering noise from a colour image with the help of the albedo and the normals of the surfaces seen.
 ///
@@ -51,6 +54,8 @@ public:
 private:
     bool mHDR = false;
 };
+
+ZQX_IMG_END_PLAIN_DESTRUCTORS
 
 /// Denoises plain arrays in place. See DenoisingFilter.
 ///

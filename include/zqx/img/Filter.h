@@ -7,8 +7,11 @@
 
 #include <zqx/img/Export.h>
 #include <zqx/img/Image.h>
+#include <zqx/img/Warnings.h>
 
 namespace zqx::img {
+
+ZQX_IMG_BEGIN_PLAIN_DESTRUCTORS
 
 /// An image operation that is configured with images and parameters, run with execute(), and read or run again.
 ///
@@ -17,7 +20,9 @@ namespace zqx::img {
 /// temporary takes the pixels over. Pixels so taken for the source or the output are freed with the filter, unless
 /// another image replaced them before.
 ///
-/// The destructor is not virtual: destroy a filter through its own type.
+/// The destructor is not virtual: destroy a filter through its own type. A compiler that is asked for
+/// -Wnon-virtual-dtor warns of that in filters of your own, unless they stand between ZQX_IMG_BEGIN_PLAIN_DESTRUCTORS
+/// and ZQX_IMG_END_PLAIN_DESTRUCTORS.
 ///
 /// Thread-safety: one thread at a time per filter.
 /// @ingroup filters
@@ -55,5 +60,7 @@ protected:
     Image mSrcImage;              ///< as set with setSrcImage()
     Image mOutImage;              ///< as set with setOutput()
 };
+
+ZQX_IMG_END_PLAIN_DESTRUCTORS
 
 } // namespace zqx::img

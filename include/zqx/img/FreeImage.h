@@ -105,6 +105,8 @@ public:
     /// with one that was loaded without its pixels, the view is empty. Loading, allocating
     /// or unloading while a view exists leaves it dangling. The view can scale.
     std::shared_ptr<Image> asImage();
+    /// The same view, to be looked at only. It holds a reference all the same.
+    std::shared_ptr<const Image> asImage() const { return const_cast<FreeImage*>(this)->asImage(); }
 
     /// What FreeImage said, on this thread, during the last load or save through a component; empty when it was
     /// content, cut where it becomes long.

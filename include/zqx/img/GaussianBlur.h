@@ -7,8 +7,11 @@
 
 #include <zqx/img/Export.h>
 #include <zqx/img/Filter.h>
+#include <zqx/img/Warnings.h>
 
 namespace zqx::img {
+
+ZQX_IMG_BEGIN_PLAIN_DESTRUCTORS
 
 /// Blurs the source image into the output image with a Gaussian of standard deviation sigma pixels.
 ///
@@ -44,5 +47,7 @@ public:
 private:
     float mSigma = 0.0F;
 };
+
+ZQX_IMG_END_PLAIN_DESTRUCTORS
 
 } // namespace zqx::img

@@ -14,18 +14,18 @@ using qfreeimage::IFreeImage;
 
 /// Grading values as they cross the interface: fourteen floats.
 ///
-/// Highlight and shadow are symmetric here; inside, highlights above 0 and shadows below 0 reach eight times as far.
-/// The gradient's colours are gamma-encoded here and linear inside.
+/// Ranges are those of ParameterRanges.h, but highlight and shadow are symmetric here; inside, highlights above 0 and
+/// shadows below 0 reach eight times as far. The gradient's colours are gamma-encoded here and linear inside.
 /// @ingroup components
 struct EColorGradingParams {
-    float exposure;             ///< -5 to 5 stops
-    float contrast;             ///< 0 to 1, neutral 0.5
+    float exposure;             ///< stops, as range::EXPOSURE
+    float contrast;             ///< as range::CONTRAST
     float highlight;            ///< -1 to 1
     float shadow;               ///< -1 to 1
-    float temperature;          ///< 2500 to 10500 K, neutral 6500
-    float hue;                  ///< -180 to 180 degrees
-    float saturation;           ///< 0 to 2, neutral 1
-    float gradientMapIntensity; ///< 0 to 1
+    float temperature;          ///< kelvin, as range::TEMPERATURE
+    float hue;                  ///< degrees, as range::HUE
+    float saturation;           ///< as range::SATURATION
+    float gradientMapIntensity; ///< as range::GRADIENT_MAP_INTENSITY
     qutil::EColor3f black;      ///< gradient's colour for black, gamma-encoded
     qutil::EColor3f white;      ///< gradient's colour for white, gamma-encoded
 };
@@ -77,10 +77,30 @@ public:
     /// The same on a copy of the source resampled (Lanczos) to exactly width x height, which is kept for further
     /// previews of that size. tov::NOT_READY without a source, or when the source cannot be resampled.
     virtual tov::Result executePreview(unsigned int width, unsigned int height, IFreeImage** pPreviewImage) = 0;
+
+protected:
+    /// @{
+
+    /// For components alone: they end through release().
+    IImageProcessingPipeline() = default;
+    IImageProcessingPipeline(const IImageProcessingPipeline&) = default;
+    IImageProcessingPipeline& operator=(const IImageProcessingPipeline&) = default;
+    ~IImageProcessingPipeline() = default;
+    /// @}
 };
 
 /// The interface with the plain slots of its base implemented.
 /// @ingroup components
-class IImageProcessingPipeline_Adapter : public tov::UnknownAdapter<IImageProcessingPipeline> {};
+class IImageProcessingPipeline_Adapter : public tov::UnknownAdapter<IImageProcessingPipeline> {
+protected:
+    /// @{
+
+    /// For components alone: they end through release().
+    IImageProcessingPipeline_Adapter() = default;
+    IImageProcessingPipeline_Adapter(const IImageProcessingPipeline_Adapter&) = default;
+    IImageProcessingPipeline_Adapter& operator=(const IImageProcessingPipeline_Adapter&) = default;
+    ~IImageProcessingPipeline_Adapter() = default;
+    /// @}
+};
 
 } // namespace zqx::img

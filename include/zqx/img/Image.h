@@ -64,6 +64,19 @@ public:
     /// @param byteRowStride bytes from one row to the next; 0 means packed rows
     Image(void* data, std::size_t width, std::size_t height, Format format, std::size_t byteRowStride);
 
+    /// A view over foreign memory that is only looked at, such as a source's. A copy of it is an image as any other,
+    /// through which the memory can be written: hand the view itself on.
+    /// @param data address of pixel (0, 0); stays the caller's
+    /// @param width pixels in a row
+    /// @param height rows
+    /// @param format layout of the pixels, which lie packed in a row
+    /// @param byteRowStride bytes from one row to the next; 0 means packed rows
+    // NOLINTNEXTLINE(readability-const-return-type): what is constant stays so
+    static const Image view(const void* data, std::size_t width, std::size_t height, Format format,
+                            std::size_t byteRowStride = 0) {
+        return Image(const_cast<void*>(data), width, height, format, byteRowStride);
+    }
+
     /// Allocates an owned buffer whose rows start at multiples of rowAlignment bytes from its beginning.
     /// Pixels are not initialised; the padding at the end of each row is zero.
     /// @param width pixels in a row

@@ -11,6 +11,7 @@
 #include <zqx/img/Export.h>
 #include <zqx/img/IImageProcessingPipeline.h>
 #include <zqx/img/Image.h>
+#include <zqx/img/ParameterRanges.h>
 
 namespace zqx::img {
 
@@ -49,6 +50,23 @@ public:
     void setInputImage(std::shared_ptr<Image> image);
     /// As described at IImageProcessingPipeline::setInputImage.
     tov::Result setInputImage(IFreeImage* pFreeImage) override;
+
+    /// @name What the pipeline holds
+    /// @{
+
+    /// The source image, or an empty pointer. It is shared, and may be looked at only.
+    std::shared_ptr<const Image> getInputImage() const { return mSrcImage; }
+    /// The stage mask.
+    std::uint32_t getActiveStages() const { return mActiveStages; }
+    /// Whether the inversion stage inverts.
+    bool isInversionEnabled() const { return mInversionEnabled; }
+    /// Above 0 sharpens, below 0 softens; limited to range::SHARPNESS.
+    float getSharpness() const { return mSharpness; }
+    /// Whether left and right are mirrored.
+    bool isFlippedHorizontally() const { return mFlipX; }
+    /// Whether top and bottom are mirrored.
+    bool isFlippedVertically() const { return mFlipY; }
+    /// @}
 
     /// Channels that the inversion stage inverts.
     Channel getInversionChannels() const { return mInversionChannels; }
@@ -109,7 +127,7 @@ private:
     bool mInversionEnabled = false;
     Channel mInversionChannels = static_cast<Channel>(Red | Green | Blue);
     ColorGrading mColorGrading;
-    float mSharpness = 0.0F;
+    float mSharpness = range::SHARPNESS.neutral;
     bool mFlipX = false;
     bool mFlipY = false;
     std::shared_ptr<Image> mSrcImage;

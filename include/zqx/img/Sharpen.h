@@ -4,8 +4,11 @@
 
 #include <zqx/img/Export.h>
 #include <zqx/img/Filter.h>
+#include <zqx/img/Warnings.h>
 
 namespace zqx::img {
+
+ZQX_IMG_BEGIN_PLAIN_DESTRUCTORS
 
 /// Sharpens the source image into the output image by an unsharp mask on luminance.
 ///
@@ -43,5 +46,7 @@ private:
     float mStrength = 0.0F;
     float mThreshold = 0.02F;
 };
+
+ZQX_IMG_END_PLAIN_DESTRUCTORS
 
 } // namespace zqx::img

@@ -10,8 +10,11 @@
 #include <zqx/img/Export.h>
 #include <zqx/img/Filter.h>
 #include <zqx/img/Image.h>
+#include <zqx/img/Warnings.h>
 
 namespace zqx::img {
+
+ZQX_IMG_BEGIN_PLAIN_DESTRUCTORS
 
 /// A rectangle of pixels.
 /// @ingroup filters
@@ -82,5 +85,7 @@ private:
     std::size_t mMargin;
     std::vector<std::uint8_t> mTileBuffer; // the result of one tile, when tiles overlap
 };
+
+ZQX_IMG_END_PLAIN_DESTRUCTORS
 
 } // namespace zqx::img

@@ -128,10 +128,30 @@ public:
     virtual tov::Result convertToType(IFreeImage** pOut, int type, int scaleLinear) = 0;
     /// Bytes from one scan line to the next. Checks the bitmap before the pointer.
     virtual tov::Result getPitch(int* pPitch) = 0;
+
+protected:
+    /// @{
+
+    /// For components alone: they end through release().
+    IFreeImage() = default;
+    IFreeImage(const IFreeImage&) = default;
+    IFreeImage& operator=(const IFreeImage&) = default;
+    ~IFreeImage() = default;
+    /// @}
 };
 
 /// The interface with the plain slots of its base implemented.
 /// @ingroup components
-class IFreeImage_Adapter : public tov::UnknownAdapter<IFreeImage> {};
+class IFreeImage_Adapter : public tov::UnknownAdapter<IFreeImage> {
+protected:
+    /// @{
+
+    /// For components alone: they end through release().
+    IFreeImage_Adapter() = default;
+    IFreeImage_Adapter(const IFreeImage_Adapter&) = default;
+    IFreeImage_Adapter& operator=(const IFreeImage_Adapter&) = default;
+    ~IFreeImage_Adapter() = default;
+    /// @}
+};
 
 } // namespace zqx::qfreeimage

@@ -7,36 +7,44 @@
 
 namespace zqx::img {
 
+namespace {
+
+float limited(float value, const ParameterRange& range) {
+    return kernels::limit(value, range.minimum, range.maximum);
+}
+
+} // namespace
+
 void ColorGrading::setExposure(float stops) {
-    mExposure = kernels::limit(stops, -5.0F, 5.0F);
+    mExposure = limited(stops, range::EXPOSURE);
 }
 
 void ColorGrading::setContrast(float contrast) {
-    mContrast = kernels::limit(contrast, 0.0F, 1.0F);
+    mContrast = limited(contrast, range::CONTRAST);
 }
 
 void ColorGrading::setHighlight(float highlight) {
-    mHighlight = kernels::limit(highlight, -1.0F, 8.0F);
+    mHighlight = limited(highlight, range::HIGHLIGHT);
 }
 
 void ColorGrading::setShadow(float shadow) {
-    mShadow = kernels::limit(shadow, -8.0F, 1.0F);
+    mShadow = limited(shadow, range::SHADOW);
 }
 
 void ColorGrading::setTemperature(float kelvin) {
-    mTemperature = kernels::limit(kelvin, 2500.0F, 10500.0F);
+    mTemperature = limited(kelvin, range::TEMPERATURE);
 }
 
 void ColorGrading::setHue(float degrees) {
-    mHue = kernels::limit(degrees, -180.0F, 180.0F);
+    mHue = limited(degrees, range::HUE);
 }
 
 void ColorGrading::setSaturation(float factor) {
-    mSaturation = kernels::limit(factor, 0.0F, 2.0F);
+    mSaturation = limited(factor, range::SATURATION);
 }
 
 void ColorGrading::setGradientMapIntensity(float weight) {
-    mGradientMapIntensity = kernels::limit(weight, 0.0F, 1.0F);
+    mGradientMapIntensity = limited(weight, range::GRADIENT_MAP_INTENSITY);
 }
 
 void ColorGrading::setGradientMap(const ColorGradient& gradient) {

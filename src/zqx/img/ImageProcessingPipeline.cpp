@@ -184,13 +184,14 @@ void ImageProcessingPipeline::setInputImage(std::shared_ptr<Image> image) {
 void ImageProcessingPipeline::resetParams() {
     mInversionEnabled = false;
     mColorGrading = ColorGrading();
-    mSharpness = 0.0F;
+    mSharpness = range::SHARPNESS.neutral;
     mFlipX = false;
     mFlipY = false;
 }
 
 bool ImageProcessingPipeline::hasDefaultParams() const {
-    return mColorGrading.compare(ColorGrading()) == 0 && !mInversionEnabled && mSharpness == 0.0F && !mFlipX && !mFlipY;
+    return mColorGrading.compare(ColorGrading()) == 0 && !mInversionEnabled && mSharpness == range::SHARPNESS.neutral &&
+           !mFlipX && !mFlipY;
 }
 
 void ImageProcessingPipeline::execute(Image& out) const {
@@ -285,7 +286,7 @@ tov::Result ImageProcessingPipeline::getSharpness(float* pStrength) {
 
 tov::Result ImageProcessingPipeline::setSharpness(float strength) {
     return detail::guarded(ZQX_PIPELINE_SITE, [&] {
-        mSharpness = kernels::limit(strength, -1.0F, 1.0F);
+        mSharpness = kernels::limit(strength, range::SHARPNESS.minimum, range::SHARPNESS.maximum);
         return tov::SUCCESS;
     });
 }

@@ -1,6 +1,9 @@
-// The parameter document of the pipeline: one JSON object, version 1.
-// Its values are the internal ones of ColorGrading; the gradient's two colours are linear r, g, b, a.
+// The parameter document of the pipeline: one JSON object, version 1. Which members it has, and where, is said by the
+// table of parameters; the gradient's two colours are linear r, g, b, a here.
 #include <zqx/img/ImageProcessingPipeline.h>
+
+#include <algorithm>
+#include <vector>
 
 #include <rapidjson/document.h>
 #include <rapidjson/prettywriter.h>
@@ -8,151 +11,213 @@
 
 #include <qutil/Color.h>
 #include <qutil/Json.h>
+#include <zqx/img/Parameters.h>
 
 namespace zqx::img {
 
 namespace {
 
+constexpr std::string_view VERSION_MEMBER = "version";
 constexpr int DOCUMENT_VERSION = 1;
 
-using Writer = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
+/// In the order of the document, which is the order of the stages.
+constexpr const Parameter* MEMBERS[] = {
+    &parameter::INVERSION,
+    &parameter::EXPOSURE,
+    &parameter::CONTRAST,
+    &parameter::HIGHLIGHT,
+    &parameter::SHADOW,
+    &parameter::TEMPERATURE,
+    &parameter::HUE,
+    &parameter::SATURATION,
+    &parameter::GRADIENT_INTENSITY,
+    &parameter::GRADIENT_BLACK,
+    &parameter::GRADIENT_WHITE,
+    &parameter::SHARPNESS,
+    &parameter::FLIP_X,
+    &parameter::FLIP_Y,
+};
+static_assert(std::size(MEMBERS) == PARAMETERS.size());
 
-void writeNumber(Writer& writer, const char* key, float value) {
-    writer.Key(key);
-    writer.Double(static_cast<double>(value)); // widening keeps the exact value in the text
-}
+using Path = std::vector<std::string_view>;
 
-void writeBool(Writer& writer, const char* key, bool value) {
-    writer.Key(key);
-    writer.Bool(value);
-}
-
-void writeColor(Writer& writer, const char* key, const Color& color) {
-    writer.Key(key);
-    writer.StartArray();
-    for (const float component : {color.r, color.g, color.b, color.a}) {
-        writer.Double(static_cast<double>(component));
+Path splitPath(std::string_view text) {
+    Path path;
+    for (std::size_t dot = text.find('.'); dot != std::string_view::npos; dot = text.find('.')) {
+        path.push_back(text.substr(0, dot));
+        text.remove_prefix(dot + 1);
     }
-    writer.EndArray();
+    path.push_back(text);
+    return path;
 }
 
-struct GradingMember {
-    const char* key;
-    float (ColorGrading::*get)() const;
-    void (ColorGrading::*set)(float);
+/// The object that holds all members, by the first part of their paths.
+std::string_view documentName() {
+    return splitPath(MEMBERS[0]->path).front();
+}
+
+/// The gradient's colour that a member is about.
+const Color& gradientColor(const ColorGradient& gradient, const Parameter& member) {
+    return gradient.getColorAt(member.name == parameter::GRADIENT_BLACK.name ? 0 : 255);
+}
+
+/// Writes members one after the other, and the objects that they lie in around them.
+class DocumentWriter {
+public:
+    explicit DocumentWriter(const ImageProcessingPipeline& pipeline) : mPipeline(pipeline) {}
+
+    std::string write() {
+        mJson.StartObject();
+        for (const Parameter* member : MEMBERS) {
+            Path objects = splitPath(member->path);
+            objects.pop_back();
+            enter(objects);
+            writeKey(member->member());
+            writeValue(*member);
+        }
+        enter({});
+        mJson.EndObject();
+        return mText.GetString();
+    }
+
+private:
+    void writeKey(std::string_view key) { mJson.Key(key.data(), static_cast<rapidjson::SizeType>(key.size())); }
+
+    void writeNumber(float value) {
+        mJson.Double(static_cast<double>(value)); // widening keeps the exact value in the text
+    }
+
+    /// Ends objects and begins others until these are the open ones.
+    void enter(const Path& objects) {
+        const auto common = static_cast<std::size_t>(
+            std::mismatch(mOpen.begin(), mOpen.end(), objects.begin(), objects.end()).first - mOpen.begin());
+        for (; mOpen.size() > common; mOpen.pop_back()) {
+            mJson.EndObject();
+        }
+        while (mOpen.size() < objects.size()) {
+            mOpen.push_back(objects[mOpen.size()]);
+            writeKey(mOpen.back());
+            mJson.StartObject();
+            if (mOpen.size() == 1) {
+                writeKey(VERSION_MEMBER);
+                mJson.Int(DOCUMENT_VERSION);
+            }
+        }
+    }
+
+    void writeValue(const Parameter& member) {
+        switch (member.kind) {
+        case Parameter::Kind::NUMBER: writeNumber(member.get(mPipeline)[0]); break;
+        case Parameter::Kind::SWITCH: mJson.Bool(member.get(mPipeline)[0] != 0.0F); break;
+        case Parameter::Kind::COLOR: writeColor(member); break;
+        }
+    }
+
+    void writeColor(const Parameter& member) {
+        const Color& color = gradientColor(mPipeline.getColorGrading().getGradientMap(), member);
+        mJson.StartArray();
+        for (const float component : {color.r, color.g, color.b, color.a}) {
+            writeNumber(component);
+        }
+        mJson.EndArray();
+    }
+
+    const ImageProcessingPipeline& mPipeline;
+    rapidjson::StringBuffer mText;
+    rapidjson::PrettyWriter<rapidjson::StringBuffer> mJson{mText};
+    Path mOpen;
 };
 
-/// In the order of the document.
-constexpr GradingMember GRADING_MEMBERS[] = {
-    {"exposure", &ColorGrading::getExposure, &ColorGrading::setExposure},
-    {"contrast", &ColorGrading::getContrast, &ColorGrading::setContrast},
-    {"highlight", &ColorGrading::getHighlight, &ColorGrading::setHighlight},
-    {"shadow", &ColorGrading::getShadow, &ColorGrading::setShadow},
-    {"temperature", &ColorGrading::getTemperature, &ColorGrading::setTemperature},
-    {"hue", &ColorGrading::getHue, &ColorGrading::setHue},
-    {"saturation", &ColorGrading::getSaturation, &ColorGrading::setSaturation},
-};
-
-void writeColorGrading(Writer& writer, const ColorGrading& grading) {
-    writer.StartObject();
-    for (const GradingMember& member : GRADING_MEMBERS) {
-        writeNumber(writer, member.key, (grading.*member.get)());
-    }
-    writer.Key("gradientMap");
-    writer.StartObject();
-    writeNumber(writer, "intensity", grading.getGradientMapIntensity());
-    writeColor(writer, "black", grading.getGradientMap().getColorAt(0));
-    writeColor(writer, "white", grading.getGradientMap().getColorAt(255));
-    writer.EndObject();
-    writer.EndObject();
-}
-
-/// The member of an object, or a null value that no reader accepts.
-const rapidjson::Value& memberOf(const rapidjson::Value& object, const char* key) {
+/// The member at a path, or a null value that no reader accepts.
+const rapidjson::Value& memberAt(const rapidjson::Value& root, const Path& path) {
     static const rapidjson::Value MISSING;
-    const auto member = object.FindMember(key);
-    return member == object.MemberEnd() ? MISSING : member->value;
+    const rapidjson::Value* value = &root;
+    for (const std::string_view name : path) {
+        if (!value->IsObject()) {
+            return MISSING;
+        }
+        const auto found = value->FindMember(
+            rapidjson::Value(rapidjson::StringRef(name.data(), static_cast<rapidjson::SizeType>(name.size()))));
+        if (found == value->MemberEnd()) {
+            return MISSING;
+        }
+        value = &found->value;
+    }
+    return *value;
 }
 
-/// Reads a member of type `Read` and, where it has that type, hands it to the function.
-template <typename Read, typename Function>
-void ifReads(const rapidjson::Value& object, const char* key, const Function& function) {
-    Read value{};
-    if (qutil::jsonReadValue(memberOf(object, key), value)) {
-        function(value);
+const rapidjson::Value& valueOf(const rapidjson::Value& root, const Parameter& member) {
+    return memberAt(root, splitPath(member.path));
+}
+
+bool readColor(const rapidjson::Value& root, const Parameter& member, Color& color) {
+    qutil::EColor4f read{};
+    if (!qutil::jsonReadValue(valueOf(root, member), read)) {
+        return false;
+    }
+    color = {read.r, read.g, read.b, read.a};
+    return true;
+}
+
+/// The gradient's colours count only together.
+void readGradient(const rapidjson::Value& root, ImageProcessingPipeline& pipeline) {
+    Color black;
+    Color white;
+    if (readColor(root, parameter::GRADIENT_BLACK, black) && readColor(root, parameter::GRADIENT_WHITE, white)) {
+        ColorGrading grading = pipeline.getColorGrading();
+        grading.setGradientMap(ColorGradient(black, white));
+        pipeline.setColorGrading(grading);
     }
 }
 
-Color toColor(const qutil::EColor4f& color) {
-    return {color.r, color.g, color.b, color.a};
+/// Sets what is there and of the wanted type.
+void readMember(const rapidjson::Value& root, const Parameter& member, ImageProcessingPipeline& pipeline) {
+    const rapidjson::Value& value = valueOf(root, member);
+    double number = 0.0;
+    bool isOn = false;
+    switch (member.kind) {
+    case Parameter::Kind::NUMBER:
+        if (qutil::jsonReadValue(value, number)) {
+            member.set(pipeline, {static_cast<float>(number)});
+        }
+        break;
+    case Parameter::Kind::SWITCH:
+        if (qutil::jsonReadValue(value, isOn)) {
+            member.set(pipeline, {isOn ? 1.0F : 0.0F});
+        }
+        break;
+    case Parameter::Kind::COLOR:
+        if (member.name == parameter::GRADIENT_WHITE.name) { // the second one
+            readGradient(root, pipeline);
+        }
+        break;
+    }
 }
 
-void readGradientMap(const rapidjson::Value& object, ColorGrading& grading) {
-    ifReads<double>(object, "intensity",
-                    [&](double weight) { grading.setGradientMapIntensity(static_cast<float>(weight)); });
-    ifReads<qutil::EColor4f>(object, "black", [&](const qutil::EColor4f& black) {
-        ifReads<qutil::EColor4f>(object, "white", [&](const qutil::EColor4f& white) {
-            grading.setGradientMap(ColorGradient(toColor(black), toColor(white)));
-        });
-    });
-}
-
-void readColorGrading(const rapidjson::Value& object, ColorGrading& grading) {
-    for (const GradingMember& member : GRADING_MEMBERS) {
-        ifReads<double>(object, member.key, [&](double value) { (grading.*member.set)(static_cast<float>(value)); });
-    }
-    const rapidjson::Value& gradientMap = memberOf(object, "gradientMap");
-    if (gradientMap.IsObject()) {
-        readGradientMap(gradientMap, grading);
-    }
+bool isOurVersion(const rapidjson::Value& root) {
+    int version = 0;
+    return root.IsObject() && memberAt(root, {documentName()}).IsObject() &&
+           qutil::jsonReadValue(memberAt(root, {documentName(), VERSION_MEMBER}), version) &&
+           version == DOCUMENT_VERSION;
 }
 
 } // namespace
 
 std::string ImageProcessingPipeline::saveParams() const {
-    rapidjson::StringBuffer text;
-    Writer writer(text);
-    writer.StartObject();
-    writer.Key("imageProcessing");
-    writer.StartObject();
-    writer.Key("version");
-    writer.Int(DOCUMENT_VERSION);
-    writeBool(writer, "inversionEnabled", mInversionEnabled);
-    writer.Key("colorGrading");
-    writeColorGrading(writer, mColorGrading);
-    writeNumber(writer, "sharpness", mSharpness);
-    writeBool(writer, "flipX", mFlipX);
-    writeBool(writer, "flipY", mFlipY);
-    writer.EndObject();
-    writer.EndObject();
-    return text.GetString();
+    return DocumentWriter(*this).write();
 }
 
 bool ImageProcessingPipeline::loadParams(const std::string& text) {
     rapidjson::Document document;
     // Iterative: the depth of a hostile document must not become the depth of our stack.
     document.Parse<rapidjson::kParseIterativeFlag>(text.c_str());
-    if (document.HasParseError() || !document.IsObject()) {
+    if (document.HasParseError() || !isOurVersion(document)) {
         return false;
     }
-    const rapidjson::Value& root = memberOf(document, "imageProcessing");
-    if (!root.IsObject()) {
-        return false;
-    }
-    int version = 0;
-    if (!qutil::jsonReadValue(memberOf(root, "version"), version) || version != DOCUMENT_VERSION) {
-        return false;
-    }
-
     resetParams();
-    ifReads<bool>(root, "inversionEnabled", [this](bool enabled) { setInversionEnabled(enabled ? 1 : 0); });
-    const rapidjson::Value& colorGrading = memberOf(root, "colorGrading");
-    if (colorGrading.IsObject()) {
-        readColorGrading(colorGrading, mColorGrading);
+    for (const Parameter* member : MEMBERS) {
+        readMember(document, *member, *this);
     }
-    ifReads<double>(root, "sharpness", [this](double strength) { setSharpness(static_cast<float>(strength)); });
-    ifReads<bool>(root, "flipX", [this](bool flip) { setFlipHorizontal(flip ? 1 : 0); });
-    ifReads<bool>(root, "flipY", [this](bool flip) { setFlipVertical(flip ? 1 : 0); });
     return true;
 }
 

@@ -25,6 +25,13 @@ inline std::size_t threadCount() {
 #endif
 }
 
+/// Chooses the threads of loops that the calling thread begins. The thread sanitizer's are always as many.
+inline void setThreadCount([[maybe_unused]] std::size_t count) {
+#if !defined(__SANITIZE_THREAD__)
+    omp_set_num_threads(static_cast<int>(count));
+#endif
+}
+
 /// Calls body(row) for every row in [0, count), in parallel, and returns when all are done.
 /// The body must not throw: an exception cannot leave a parallel loop. Allocate before.
 template <typename Body>

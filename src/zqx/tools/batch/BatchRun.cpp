@@ -1,4 +1,6 @@
 // Worker threads take pictures from the plan in its order; the main thread looks after the progress line.
+#include <zqx/img/Runtime.h>
+
 #include "zqx/tools/batch/BatchRun.h"
 
 #include <algorithm>
@@ -116,7 +118,7 @@ private:
     /// comes from the observer and ends the run.
     void work() noexcept {
         try {
-            useThreads(mThreads);
+            img::setThreadCount(mThreads);
             for (const PlannedPicture* picture = next(); picture != nullptr && mObserver.isHeard(); picture = next()) {
                 mObserver.finish(process(*picture));
             }

@@ -1,22 +1,9 @@
-// The one place of the program that knows by what the library runs in parallel.
+// Sharing processors out between pictures.
 #include "zqx/tools/batch/Threads.h"
 
 #include <algorithm>
-#include <thread>
-
-#if defined(_OPENMP)
-#include <omp.h>
-#endif
 
 namespace zqx::tools {
-
-unsigned availableProcessors() {
-#if defined(_OPENMP)
-    return static_cast<unsigned>(omp_get_max_threads()); // what the user may have limited with OMP_NUM_THREADS
-#else
-    return std::max(1U, std::thread::hardware_concurrency());
-#endif
-}
 
 WorkSplit splitWork(std::size_t pictures, unsigned processors, std::optional<unsigned> jobs,
                     std::optional<unsigned> threads) {
@@ -30,12 +17,6 @@ WorkSplit splitWork(std::size_t pictures, unsigned processors, std::optional<uns
         split.threads = std::max(1U, processors / split.jobs);
     }
     return split;
-}
-
-void useThreads([[maybe_unused]] unsigned count) {
-#if defined(_OPENMP)
-    omp_set_num_threads(static_cast<int>(count)); // of this thread alone
-#endif
 }
 
 } // namespace zqx::tools

@@ -6,9 +6,6 @@
 
 namespace zqx::tools {
 
-/// Processors that the program may use, at least 1. To be asked before useThreads().
-unsigned availableProcessors();
-
 /// Pictures at once, and threads that work on each.
 struct WorkSplit {
     unsigned jobs = 1;
@@ -19,8 +16,5 @@ struct WorkSplit {
 /// @param threads 0 for all processors
 WorkSplit splitWork(std::size_t pictures, unsigned processors, std::optional<unsigned> jobs,
                     std::optional<unsigned> threads);
-
-/// How many threads the library's work is spread over that the calling thread asks for.
-void useThreads(unsigned count);
 
 } // namespace zqx::tools

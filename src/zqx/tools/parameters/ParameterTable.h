@@ -1,31 +1,15 @@
 // The adjustments that a user can name on the command line: one table for reading, checking and explaining them.
 #pragma once
 
-#include <array>
 #include <span>
 #include <string>
 #include <string_view>
 
-#include <zqx/img/ImageProcessingPipeline.h>
+#include <zqx/img/Parameters.h>
 
 namespace zqx::tools {
 
-/// One adjustment. Its neutral value is whatever a new pipeline answers, so it is not repeated here.
-struct Parameter {
-    enum class Kind { NUMBER, COLOR, SWITCH };
-    using Value = std::array<float, 3>; ///< a colour's r, g, b; the other kinds use the first element
-
-    std::string_view name; ///< for --set
-    std::string_view path; ///< of its member in a parameter document, from the outermost object
-    Kind kind;
-    float minimum; ///< of a number
-    float maximum;
-    std::string_view unit;
-    std::string_view meaning; ///< in a few words, without a capital
-    std::string_view details; ///< in sentences, for who wants to know more
-    void (*set)(img::ImageProcessingPipeline&, const Value&);
-    Value (*get)(const img::ImageProcessingPipeline&);
-};
+using img::Parameter;
 
 /// All adjustments in the order in which they are explained.
 std::span<const Parameter> parameters();
