@@ -78,7 +78,7 @@ int run(CLI::App& program, const std::vector<const char*>& words) {
     } catch (const ExitCode& code) {
         return code.value;
     } catch (const RemarksError& error) {
-        complain(error.what());
+        complain(RemarksError::heading());
         std::ranges::for_each(error.remarks(), complain);
         return FAILURE;
     } catch (const UsageError& error) {

@@ -31,13 +31,17 @@ Image viewOf(const Bitmap& bitmap) {
                  Image::SBGR8, FreeImage_GetPitch(bitmap.get()));
 }
 
-/// What the library itself makes of a 24-bit picture.
+/// What the library itself makes of a 24-bit picture, given with its top row first: sums over rows have an order.
 Bitmap rendered(const Bitmap& source, ImageProcessingPipeline pipeline) {
     Bitmap result(FreeImage_Clone(source.get()));
-    pipeline.setActiveStages(65535);
-    pipeline.setInputImage(std::make_shared<Image>(viewOf(source)));
     Image view = viewOf(result);
+    view.flipVertical();
+    const std::shared_ptr<Image> upright = view.convertTo(Image::SBGR8);
+    upright->copyFrom(view);
+    pipeline.setActiveStages(65535);
+    pipeline.setInputImage(upright);
     pipeline.execute(view);
+    view.flipVertical();
     return result;
 }
 

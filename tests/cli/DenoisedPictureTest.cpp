@@ -353,7 +353,7 @@ TEST_F(DenoisedPictureTest, MissingGuidesAreRefusedInTheFiltersWords) {
     filter.setOutput(Image(color.values.data(), color.width, color.height, Image::RGB32F, 0));
     ASSERT_FALSE(filter.execute());
     writePicture(at("in.pfm"), floatBitmap(color));
-    fail(1, {"denoise", at("in.pfm"), "-o", at("out.pfm")}, ": " + filter.getErrorMessage() + ",");
+    fail(1, {"denoise", at("in.pfm"), "-o", at("out.pfm")}, ": " + filter.getErrorMessage() + ":");
 }
 
 } // namespace zqx::img::test

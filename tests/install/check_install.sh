@@ -128,7 +128,7 @@ examples_build() {
     while read -r example; do
         rm -rf "$tree-example"
         "$1" -S "${example%/*}" -B "$tree-example" -DCMAKE_PREFIX_PATH="$tree" -DCMAKE_CXX_COMPILER="$2" \
-            -DCMAKE_CXX_FLAGS="$3"
+            -DCMAKE_CXX_FLAGS="${3:-}"
         "$1" --build "$tree-example"
         count=$((count + 1))
     done < <(find "$tree/share/doc" -path '*/examples/*/CMakeLists.txt')

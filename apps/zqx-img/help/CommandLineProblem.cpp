@@ -134,7 +134,8 @@ std::string describeUnexpected(const std::string& word, const CLI::App& program,
     const bool isOption = word.starts_with('-') && word.size() > 1;
     if (isOption) {
         const UnknownOption option(word, words);
-        return command.get_name() + ": unknown option " + quoted(option.name) + suggestOption(program, command, option);
+        return (&command == &program ? "" : command.get_name() + ": ") + "unknown option " + quoted(option.name) +
+               suggestOption(program, command, option);
     }
     return &command == &program
                ? describeUnknownCommand(word, program)

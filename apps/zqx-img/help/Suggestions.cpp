@@ -2,6 +2,7 @@
 #include "help/Suggestions.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "zqx/tools/parameters/Spelling.h"
 
@@ -34,9 +35,12 @@ std::optional<std::string> nearestName(std::string_view word, std::span<const st
     if (editDistance(word, nearest) <= std::max(letters(word), letters(nearest)) / 3) {
         return nearest;
     }
-    const auto begun = std::ranges::find_if(
-        names, [&](const std::string& name) { return isAbbreviation(word, name) || isAbbreviation(name, word); });
-    return begun != names.end() ? std::optional(*begun) : std::nullopt;
+    const auto distance = [&](const std::string& name) {
+        return isAbbreviation(word, name) || isAbbreviation(name, word) ? editDistance(word, name)
+                                                                        : std::numeric_limits<std::size_t>::max();
+    };
+    const std::string& begun = *std::ranges::min_element(names, {}, distance);
+    return distance(begun) < std::numeric_limits<std::size_t>::max() ? std::optional(begun) : std::nullopt;
 }
 
 std::string didYouMean(std::string_view word, std::span<const std::string> names) {

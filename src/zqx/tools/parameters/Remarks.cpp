@@ -7,6 +7,20 @@ namespace zqx::tools {
 
 using namespace pictures;
 
+namespace {
+
+constexpr const char* ADVICE = "correct the following, or leave --strict out to go on with warnings";
+
+std::string joined(const std::vector<std::string>& remarks) {
+    std::string lines;
+    for (const std::string& remark : remarks) {
+        lines += "\n" + remark;
+    }
+    return lines;
+}
+
+} // namespace
+
 void Remarks::add(const std::string& subject, const std::string& problem, const std::string& consequence) {
     if (mStrict) {
         mLines.push_back(subject + ": " + problem);
@@ -22,8 +36,11 @@ void Remarks::settle() const {
 }
 
 RemarksError::RemarksError(std::vector<std::string> remarks)
-    : Error("--strict", "correct the following, or leave --strict out to go on with warnings"),
-      mRemarks(std::move(remarks)) {
+    : Error("--strict", std::string(ADVICE) + joined(remarks)), mRemarks(std::move(remarks)) {
+}
+
+std::string RemarksError::heading() {
+    return std::string("--strict: ") + ADVICE;
 }
 
 } // namespace zqx::tools

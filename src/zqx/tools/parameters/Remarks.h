@@ -8,12 +8,15 @@
 
 namespace zqx::tools {
 
-/// Faults that were to be errors. what() tells what to do about them.
+/// Faults that were to be errors. what() tells what to do about them, and has a line for each.
 class RemarksError : public pictures::Error {
 public:
     explicit RemarksError(std::vector<std::string> remarks);
 
-    /// Each "subject: problem".
+    /// What to do about them.
+    static std::string heading();
+
+    /// Each "subject: problem", for who prints them one by one: names in them may have line breaks.
     const std::vector<std::string>& remarks() const { return mRemarks; }
 
 private:
