@@ -25,6 +25,7 @@
 #include "terminal/Interrupts.h"
 #include "terminal/RunReport.h"
 #include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/files/OutputFile.h"
 #include "zqx/text/Amounts.h"
 #include "zqx/tools/batch/BatchRun.h"
 #include "zqx/tools/batch/Threads.h"

@@ -21,6 +21,7 @@
 #include "zqx/pictures/Writer.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/files/OutputFile.h"
 #include "zqx/text/Json.h"
 #include "zqx/text/Numbers.h"
 #include "zqx/text/Width.h"

@@ -21,6 +21,7 @@
 #include "zqx/pictures/codecs/Alpha.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/files/Error.h"
+#include "zqx/pictures/files/FileNames.h"
 #include "zqx/text/Cleaning.h"
 #include "zqx/text/Json.h"
 #include "zqx/tools/analysis/Render.h"
