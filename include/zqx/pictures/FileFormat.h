@@ -101,6 +101,8 @@ ZQX_PICTURES_EXPORT FileFormat outputFormat(const std::string& name);
 /// The layout nearest to the wanted one that files of the format hold. To lose least, ask for what the source file had
 /// (Picture::stored), not for what it has in memory.
 /// @param name of the file to be written, for the message
+/// @param format of that file
+/// @param wanted the layout that would lose nothing
 /// @throws Error when the format holds none
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT SampleLayout chooseLayout(const std::string& name, FileFormat format, SampleLayout wanted);

@@ -14,11 +14,15 @@ namespace zqx::tools {
 /// @ingroup tools
 struct PlannedPicture {
     /// What is to become of the output file.
-    enum class Action { CREATE, REPLACE, SKIP };
+    enum class Action {
+        CREATE,  ///< there is none yet
+        REPLACE, ///< the one that is there goes
+        SKIP,    ///< nothing
+    };
 
-    std::string input;
-    std::string output;
-    Action action;
+    std::string input;  ///< name of the file that is read
+    std::string output; ///< name of the file that is written
+    Action action;      ///< what is done
     std::string reason; ///< why it is skipped
 };
 

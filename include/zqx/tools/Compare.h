@@ -23,7 +23,7 @@ struct ComparisonScale {
 /// Two values that are not numbers count as equal; a number and what is none are infinitely far apart.
 /// @ingroup tools
 struct Comparison {
-    ComparisonScale scale{};
+    ComparisonScale scale{};           ///< that all numbers are on
     std::uint64_t pixels = 0;          ///< in each of the two
     std::uint64_t differingPixels = 0; ///< with any difference in any channel
 
@@ -52,6 +52,8 @@ ZQX_TOOLS_EXPORT Comparison compare(const pictures::Picture& a, const pictures::
 
 /// A picture of the differences, so much brighter that the largest one is white and any at all is to be seen.
 /// Differences of alpha brighten all channels.
+/// @param a one picture
+/// @param b the other
 /// @param comparison of the same two
 /// @return 8-bit colour or grey
 /// @ingroup tools

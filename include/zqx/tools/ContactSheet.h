@@ -38,6 +38,8 @@ public:
 
     /// Lays the sheet out and draws the labels.
     /// @param labels one for each picture, at least one
+    /// @param pictureWidth in pixels, of each
+    /// @param pictureHeight in pixels, of each
     /// @param painter only used here
     /// @throws pictures::UsageError for more than a file of any format could hold; what the painter throws
     ContactSheet(const std::vector<std::string>& labels, unsigned pictureWidth, unsigned pictureHeight,

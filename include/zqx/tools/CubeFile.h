@@ -20,6 +20,7 @@ struct CubeOptions {
 };
 
 /// Grades a lattice of colours in floats throughout, since tables of bytes would band in shadows.
+/// @param grading what is baked
 /// @param size points along each axis, at least 2
 /// @param linear whether coordinates and results are linear light; encoded ones are limited to 0 and 1
 /// @return red, green and blue of size^3 points, red the fastest, blue the slowest. Where hues are turned, a black
@@ -32,6 +33,8 @@ ZQX_TOOLS_EXPORT std::vector<float> bakeLattice(const img::ColorGrading& grading
 ///
 /// The file appears whole or not at all.
 /// @param name of the file, in UTF-8
+/// @param grading what is baked
+/// @param options size, curve and title
 /// @throws pictures::UsageError for a size out of range, pictures::Error naming the file when it cannot be written
 /// @ingroup tools
 ZQX_TOOLS_EXPORT void writeCubeFile(const std::string& name, const img::ColorGrading& grading,

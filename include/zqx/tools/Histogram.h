@@ -37,12 +37,17 @@ struct ChannelCounts {
 template <typename Element>
 class ArrayView {
 public:
+    /// @param first element @param size how many there are
     ArrayView(const Element* first, std::size_t size) : mFirst(first), mSize(size) {}
 
+    /// @{
+
+    /// As of containers of the standard library.
     const Element* begin() const { return mFirst; }
     const Element* end() const { return mFirst + mSize; }
     std::size_t size() const { return mSize; }
     const Element& operator[](std::size_t index) const { return mFirst[index]; }
+    /// @}
 
 private:
     const Element* mFirst;
@@ -53,7 +58,13 @@ private:
 /// Transparency is not looked at.
 /// @ingroup tools
 struct Histogram {
-    enum Channel : std::size_t { RED, GREEN, BLUE, LUMA };
+    /// Places in channels.
+    enum Channel : std::size_t {
+        RED,   ///< of colour pictures
+        GREEN, ///< of colour pictures
+        BLUE,  ///< of colour pictures
+        LUMA,  ///< of all pictures
+    };
 
     /// Luma is the weighted sum of linear light by ITU-R BT.709, encoded; of grey pictures it is all there is.
     std::array<ChannelCounts, 4> channels;
@@ -76,16 +87,19 @@ struct Histogram {
 ZQX_TOOLS_EXPORT Histogram countValues(const img::Image& image);
 
 /// A channel in another number of bins of equal width, each with its share of the counts.
+/// @param counts of the channel
 /// @param bins at least 1
 /// @ingroup tools
 ZQX_TOOLS_EXPORT std::vector<double> rebinned(const ChannelCounts& counts, std::size_t bins);
 
 /// The height up to which to draw channels of equally many bins: the largest but for the two ends, where clipped values
 /// gather. Where a few bins stand out, they are cut off there, so that a spike does not flatten all else.
+/// @param bins of each channel
 /// @ingroup tools
 ZQX_TOOLS_EXPORT double drawingLimit(const std::vector<std::vector<double>>& bins);
 
 /// A share of all pixels as text, "0.25 %"; a few are not none, but "< 0.01 %".
+/// @param count of the share
 /// @param pixels at least 1
 /// @ingroup tools
 ZQX_TOOLS_EXPORT std::string percentage(std::uint64_t count, std::uint64_t pixels);

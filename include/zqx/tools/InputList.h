@@ -21,7 +21,7 @@ struct Input {
 /// A name that stands for no picture.
 /// @ingroup tools
 struct InputFailure {
-    std::string name;
+    std::string name;   ///< as it was given
     std::string reason; ///< the end of a sentence that begins with the name
 };
 
@@ -32,9 +32,9 @@ using ExtensionCounts = std::map<std::string, std::size_t>;
 /// What was found.
 /// @ingroup tools
 struct InputList {
-    std::vector<Input> inputs;
-    std::vector<InputFailure> failures;
-    ExtensionCounts unreadable; ///< pictures left out because this build reads no files of their format
+    std::vector<Input> inputs;          ///< in the order of the names
+    std::vector<InputFailure> failures; ///< names without pictures
+    ExtensionCounts unreadable;         ///< pictures left out because this build reads no files of their format
 };
 
 /// Finds the pictures to work on.

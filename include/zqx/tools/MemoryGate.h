@@ -23,6 +23,7 @@ public:
     /// A picture's share, given back at its end. The gate has to live longer.
     class Share {
     public:
+        /// @param gate that let the picture in @param bytes it takes
         Share(MemoryGate& gate, std::uint64_t bytes) : mGate(gate), mBytes(bytes) {}
         Share(const Share&) = delete;
         Share& operator=(const Share&) = delete;
@@ -33,10 +34,12 @@ public:
         std::uint64_t mBytes;
     };
 
+    /// Bytes that all pictures may take together.
     std::uint64_t limit() const { return mLimit; }
 
     /// Waits until there is room.
     /// @param name of the file, for the message
+    /// @param bytes that the picture takes
     /// @throws pictures::Error when the limit is too small for this picture alone
     Share admit(const std::string& name, std::uint64_t bytes);
 
@@ -53,6 +56,7 @@ private:
 
 /// What making pictures of a picture takes, by its header and their formats: an estimate, rather too much than too
 /// little.
+/// @param input name of the picture file
 /// @param outputs names of the files to be written, one after the other
 /// @return bytes; of a file that cannot be read little, since decoding tells what is wrong with it
 /// @ingroup tools
@@ -67,6 +71,7 @@ struct MemoryDemand {
 };
 
 /// Refuses work that would take more memory than allowed, before any picture is decoded.
+/// @param demand what is in memory at once
 /// @param limit in bytes; 0 for defaultMemoryLimit()
 /// @throws pictures::Error naming the first picture, how much is needed and how much is allowed
 /// @ingroup tools

@@ -23,6 +23,7 @@ public:
     explicit NameTemplate(std::string_view pattern);
 
     /// The name below the output folder, with single slashes.
+    /// @param input what the names are made of
     /// @param number of the picture in the run, from 1
     /// @throws pictures::UsageError when it would be no name of a file there
     std::string expand(const Input& input, std::size_t number) const;
@@ -31,7 +32,7 @@ public:
     bool usesExtension() const;
 
 private:
-    enum class Field { TEXT, STEM, EXTENSION, NUMBER, FOLDER };
+    enum class Field { TEXT, STEM, EXTENSION, NUMBER, FOLDER }; // kinds of pieces
     struct Piece {
         Field field;
         std::string text;      // of TEXT

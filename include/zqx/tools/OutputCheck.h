@@ -22,6 +22,7 @@ struct Output {
 /// It is the file that counts, not its name: a link, a hard link and another spelling on a file system that ignores
 /// case are all the file itself. Outputs that differ in case alone count as one, whatever the file system.
 /// @param inputs all files that are read; empty names are none
+/// @param outputs all files that are written
 /// @throws pictures::UsageError naming the option and the file
 /// @ingroup tools
 ZQX_TOOLS_EXPORT void checkOutputs(const std::vector<std::string>& inputs, const std::vector<Output>& outputs);

@@ -38,6 +38,7 @@ public:
     void addFile(const std::string& name);
 
     /// The same for a document in memory. @param name to call it by in messages
+    /// @param text the document
     void addText(std::string name, std::string text);
 
     /// Adds a setting, which goes over all documents and earlier settings.

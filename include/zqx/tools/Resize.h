@@ -11,8 +11,8 @@ namespace zqx::tools {
 /// Columns and rows of a picture.
 /// @ingroup tools
 struct Size {
-    unsigned width;
-    unsigned height;
+    unsigned width;  ///< columns
+    unsigned height; ///< rows
 
     /// @{
 
