@@ -32,7 +32,13 @@ public:
     bool usesExtension() const;
 
 private:
-    enum class Field { TEXT, STEM, EXTENSION, NUMBER, FOLDER }; // kinds of pieces
+    enum class Field {
+        TEXT,      ///< as it stands
+        STEM,      ///< {stem}
+        EXTENSION, ///< {ext}
+        NUMBER,    ///< {n}, {n:04}
+        FOLDER,    ///< {dir}
+    };
     struct Piece {
         Field field;
         std::string text;      // of TEXT
