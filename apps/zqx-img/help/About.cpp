@@ -17,7 +17,7 @@ std::string versionText() {
     if (const std::string commit = ZQX_IMG_COMMIT; !commit.empty()) {
         text += " (commit " + commit + ")";
     }
-    text += "\nkernels: " + img::instructionSet();
+    text += std::string("\nkernels: ") + img::instructionSet();
     text += std::string("\nlibraries: FreeImage ") + pictures::freeImageVersion() + ", Exiv2 " +
             pictures::exiv2Version() + ", RapidJSON " RAPIDJSON_VERSION_STRING + ", CLI11 " CLI11_VERSION;
 #if defined(__VERSION__)
