@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <omp.h>
 
+#include <zqx/tools/Batch.h>
+
 #include "zqx/tools/batch/Threads.h"
 
 namespace zqx::tools {

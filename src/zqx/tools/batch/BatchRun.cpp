@@ -1,5 +1,5 @@
 // Worker threads take pictures from the plan in its order; the main thread looks after the progress line.
-#include "zqx/tools/batch/BatchRun.h"
+#include <zqx/tools/Batch.h>
 
 #include <algorithm>
 #include <chrono>
@@ -19,6 +19,7 @@
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
 #include "zqx/tools/batch/Failure.h"
+#include "zqx/tools/batch/Threads.h"
 
 namespace zqx::tools {
 

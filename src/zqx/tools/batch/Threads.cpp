@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <thread>
 
+#include <zqx/tools/Batch.h>
+
 #if defined(_OPENMP)
 #include <omp.h>
 #endif

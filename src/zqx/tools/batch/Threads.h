@@ -1,26 +1,9 @@
-// How the processors are shared between pictures, and how many of them one picture gets.
+// How many threads the library's work on one picture is spread over.
 #pragma once
-
-#include <cstddef>
-#include <optional>
 
 namespace zqx::tools {
 
-/// Processors that the program may use, at least 1. To be asked before useThreads().
-unsigned availableProcessors();
-
-/// Pictures at once, and threads that work on each.
-struct WorkSplit {
-    unsigned jobs = 1;
-    unsigned threads = 1;
-};
-
-/// Shares processors out. Many pictures are best done one a processor; what is given decides over the rest.
-/// @param threads 0 for all processors
-WorkSplit splitWork(std::size_t pictures, unsigned processors, std::optional<unsigned> jobs,
-                    std::optional<unsigned> threads);
-
-/// How many threads the library's work is spread over that the calling thread asks for.
+/// For the work that the calling thread asks for.
 void useThreads(unsigned count);
 
 } // namespace zqx::tools
