@@ -7,7 +7,6 @@
 
 namespace zqx::app {
 
-using namespace pictures;
 using namespace tools;
 
 namespace {

@@ -1,6 +1,7 @@
 // FreeImage's words, which reach a program only through one function for the whole process.
 #include "zqx/pictures/codecs/freeimage/FreeImageMessages.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <string_view>
 
