@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "zqx/tools/batch/BatchRun.h"
+#include <zqx/tools/Batch.h>
 
 namespace zqx::tools {
 

@@ -9,7 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include <zqx/img/Runtime.h>
-
+#include <zqx/tools/Batch.h>
 #include <zqx/tools/BatchPlan.h>
 #include <zqx/tools/InputList.h>
 #include <zqx/tools/MemoryGate.h>
@@ -27,8 +27,6 @@
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/OutputFile.h"
 #include "zqx/text/Amounts.h"
-#include "zqx/tools/batch/BatchRun.h"
-#include "zqx/tools/batch/Threads.h"
 #include "zqx/tools/parameters/ParameterTable.h"
 
 namespace zqx::app {
@@ -118,8 +116,7 @@ void runApply(const ApplyOptions& options) {
     if (plan.size() > 1) {
         loading.isolateByDefault();
     }
-    const ApplySettings settings{options.adjustments.makePipeline(), loading, options.encoding,
-                                 options.noClobber ? OutputFile::Existing::KEEP : OutputFile::Existing::REPLACE};
+    const ApplySettings settings{options.adjustments.makePipeline(), loading, options.encoding, options.noClobber};
     RunReport report(options.report, plan.size() + found.failures.size(), found.unreadable);
     const LastWords lastWords([&report] { report.concludeInterrupted(); });
     for (const auto& [name, reason] : found.failures) {

@@ -1,6 +1,7 @@
 // Colours multiplied by alpha. The program works with straight alpha; some files hold the other kind.
 #pragma once
 
+#include "zqx/pictures/Export.h"
 #include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/Picture.h"
 
@@ -11,10 +12,10 @@ namespace zqx::pictures {
 /// target it stays as it is, which is how it looks in front of black. Other pictures are not touched.
 /// @param layout of the target
 /// @param recolored false when pixels only move: then a premultiplied file gets back the very numbers
-void prepareAlpha(Picture& source, FileFormat format, SampleLayout layout, bool recolored);
+ZQX_PICTURES_EXPORT void prepareAlpha(Picture& source, FileFormat format, SampleLayout layout, bool recolored);
 
 /// Brings the colours of a picture into straight ones, for operations that want those. Where alpha is 0, colour stays.
-void straightenAlpha(Picture& picture);
+ZQX_PICTURES_EXPORT void straightenAlpha(Picture& picture);
 
 /// Premultiplies rendered pixels where their file format asks for that.
 /// @param original the picture that they were made from

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "zqx/pictures/Export.h"
 #include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/Picture.h"
 #include "zqx/pictures/Writer.h"
@@ -13,13 +14,13 @@ namespace zqx::pictures {
 /// Warns of what a layout cannot keep of a picture, and says what would.
 /// @param name the file to be written
 /// @param layout of that file
-void warnOfLosses(const std::string& name, const Picture& source, SampleLayout layout);
+ZQX_PICTURES_EXPORT void warnOfLosses(const std::string& name, const Picture& source, SampleLayout layout);
 
 /// Encodes rendered pixels, with the profile, resolution and metadata of the picture that they were made from.
 /// @param pixels in the working layout of the layout; used up
 /// @param original may have given its own pixels up
 /// @throws Error naming the file
-void encodePicture(OutputFile& file, const std::string& name, FileFormat format, PixelBuffer pixels,
-                   SampleLayout layout, const Picture& original, const WriteOptions& options);
+ZQX_PICTURES_EXPORT void encodePicture(OutputFile& file, const std::string& name, FileFormat format, PixelBuffer pixels,
+                                       SampleLayout layout, const Picture& original, const WriteOptions& options);
 
 } // namespace zqx::pictures

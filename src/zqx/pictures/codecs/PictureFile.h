@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "zqx/pictures/Export.h"
 #include "zqx/pictures/Limits.h"
 #include "zqx/pictures/bytes/Probe.h"
 #include "zqx/pictures/files/InputFile.h"
@@ -23,11 +24,11 @@ struct PictureFile {
 
 /// What the header of a file tells of the size of its picture; nothing where it tells none or cannot be read, of which
 /// decoding will say more.
-std::optional<HeaderInfo> findHeader(const std::string& name);
+ZQX_PICTURES_EXPORT std::optional<HeaderInfo> findHeader(const std::string& name);
 
 /// @throws Error when a file with several pictures would be replaced by the first of them
 /// @param input the picture that is read
 /// @param output the file to be written, which need not exist
-void checkReplacement(const std::string& input, const std::string& output);
+ZQX_PICTURES_EXPORT void checkReplacement(const std::string& input, const std::string& output);
 
 } // namespace zqx::pictures

@@ -7,13 +7,14 @@
 #include <string>
 #include <system_error>
 
+#include "zqx/pictures/Export.h"
 #include "zqx/pictures/files/FileNames.h"
 #include "zqx/pictures/files/FileSystem.h"
 
 namespace zqx::pictures {
 
 /// Holds an open file, so that all that is asked of it is asked of the same file, whatever becomes of its name.
-class InputFile {
+class ZQX_PICTURES_EXPORT InputFile {
 public:
     /// What may be behind a name. From a pipe, such as the shell's <(command), one reads once and in order.
     enum class Source { FILE_OR_PIPE, FILE_ONLY };
@@ -48,6 +49,6 @@ private:
 
 /// Opens a picture, in which decoders go back and forth.
 /// @throws Error as the constructor, also for pipes
-InputFile openPicture(const std::string& name);
+ZQX_PICTURES_EXPORT InputFile openPicture(const std::string& name);
 
 } // namespace zqx::pictures

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "zqx/pictures/Export.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/FileNames.h"
 #include "zqx/pictures/files/FileSystem.h"
@@ -13,7 +14,7 @@
 namespace zqx::pictures {
 
 /// A file that was to be kept is there already.
-class FileExists : public Error {
+class ZQX_PICTURES_EXPORT FileExists : public Error {
 public:
     explicit FileExists(const std::string& name) : Error(name, "exists and is to be kept") {}
 };
@@ -23,7 +24,7 @@ public:
 /// Until commit() the target is untouched; an output that is not committed leaves nothing behind, and what a killed
 /// process leaves, a later one removes (removeStaleTemporaries). A link at the target's name stays, what it points to
 /// is replaced; a replaced file passes its permissions on.
-class OutputFile {
+class ZQX_PICTURES_EXPORT OutputFile {
 public:
     /// What becomes of a file that has the target's name already.
     enum class Existing { REPLACE, KEEP };

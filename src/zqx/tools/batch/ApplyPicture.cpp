@@ -1,6 +1,6 @@
 // The pipeline renders straight from the loaded pixels into those to be saved. No pixels are kept longer than needed:
 // the largest pictures are those that count.
-#include "zqx/tools/batch/ApplyPicture.h"
+#include <zqx/tools/Batch.h>
 
 #include <algorithm>
 #include <chrono>
@@ -12,6 +12,7 @@
 #include "zqx/pictures/codecs/Alpha.h"
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/Encode.h"
+#include "zqx/pictures/files/OutputFile.h"
 #include "zqx/tools/analysis/Render.h"
 #include "zqx/tools/analysis/SplitPicture.h"
 
@@ -91,7 +92,8 @@ private:
             mSource.pixels.reset();
         }
         mWatch.addTo(mResult.seconds.adjust);
-        target.file = std::make_unique<OutputFile>(target.name, mSettings.existing);
+        target.file = std::make_unique<OutputFile>(target.name, mSettings.keepExisting ? OutputFile::Existing::KEEP
+                                                                                       : OutputFile::Existing::REPLACE);
         encodePicture(*target.file, target.name, target.format, std::move(pixels), target.layout, mSource,
                       mSettings.encoding);
         mWatch.addTo(mResult.seconds.encode);

@@ -1,7 +1,5 @@
 // Worker threads take pictures from the plan in its order; the main thread looks after the progress line.
-#include <zqx/img/Runtime.h>
-
-#include "zqx/tools/batch/BatchRun.h"
+#include <zqx/tools/Batch.h>
 
 #include <algorithm>
 #include <chrono>
@@ -13,6 +11,8 @@
 #include <system_error>
 #include <thread>
 #include <utility>
+
+#include <zqx/img/Runtime.h>
 
 #include "zqx/pictures/codecs/Limits.h"
 #include "zqx/pictures/codecs/PictureFile.h"

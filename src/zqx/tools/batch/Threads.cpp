@@ -1,5 +1,5 @@
 // Sharing processors out between pictures.
-#include "zqx/tools/batch/Threads.h"
+#include <zqx/tools/Batch.h>
 
 #include <algorithm>
 

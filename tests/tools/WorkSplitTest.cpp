@@ -1,10 +1,7 @@
 // Processors shared between pictures and within them.
-#include <thread>
-
 #include <gtest/gtest.h>
-#include <omp.h>
 
-#include "zqx/tools/batch/Threads.h"
+#include <zqx/tools/Batch.h>
 
 namespace zqx::tools {
 
