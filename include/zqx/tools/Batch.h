@@ -43,13 +43,9 @@ ZQX_TOOLS_EXPORT ApplyResult applyToPicture(const ApplyFiles& files, const Apply
 /// Pictures at once, and threads that work on each.
 /// @ingroup tools
 struct WorkSplit {
-    unsigned jobs = 1;
-    unsigned threads = 1;
+    unsigned jobs = 1;    ///< pictures at once
+    unsigned threads = 1; ///< for each of them
 };
-
-/// Processors that the program may use, at least 1: OMP_NUM_THREADS counts. To be asked before a run.
-/// @ingroup tools
-ZQX_TOOLS_EXPORT unsigned availableProcessors();
 
 /// Shares processors out. Many pictures are best done one a processor; what is given decides over the rest.
 /// @param pictures to be worked on
@@ -64,14 +60,21 @@ ZQX_TOOLS_EXPORT WorkSplit splitWork(std::size_t pictures, unsigned processors, 
 ///
 /// A picture that fails, whatever is thrown, does not stop the others; the observer is told everything. What the
 /// observer itself throws ends the run, and is thrown here once the pictures at work are done.
+/// @param plan of all pictures
 /// @param comparison second output of the only picture, or empty
+/// @param settings for all pictures
+/// @param split of the processors
+/// @param gate that keeps pictures within an amount of memory
+/// @param observer is told of everything
 /// @ingroup tools
 ZQX_TOOLS_EXPORT void runBatch(const std::vector<PlannedPicture>& plan, const std::string& comparison,
                                const ApplySettings& settings, const WorkSplit& split, MemoryGate& gate,
                                BatchObserver& observer);
 
 /// Only tells what would be done: that inputs can be opened, and outputs written.
+/// @param plan of all pictures
 /// @param makesFolders whether missing folders would be made
+/// @param observer is told of everything
 /// @ingroup tools
 ZQX_TOOLS_EXPORT void rehearseBatch(const std::vector<PlannedPicture>& plan, bool makesFolders,
                                     BatchObserver& observer);
