@@ -88,6 +88,11 @@ TEST(ReadingOptionsTest, ThatAreNoneAreRefused) {
 
 TEST(ReadingOptionsTest, LimitsOfTheOtherProcessTurnItOn) {
     EXPECT_EQ(parse({"--isolate"}).isolate, true);
+    EXPECT_TRUE(parse({"--isolate"}).requireConfinement);
+    EXPECT_EQ(parse({"--weak-isolation"}).isolate, true);
+    EXPECT_FALSE(parse({"--weak-isolation"}).requireConfinement);
+    EXPECT_FALSE(parse({"--weak-isolation", "--isolate"}).requireConfinement);
+    EXPECT_FALSE(parse({"--isolate", "--weak-isolation"}).requireConfinement);
     const ReadOptions memory = parse({"--decode-memory", "1G"});
     EXPECT_EQ(memory.isolate, true);
     EXPECT_EQ(memory.decodeMemory, 1U << 30U);
@@ -98,6 +103,7 @@ TEST(ReadingOptionsTest, LimitsOfTheOtherProcessTurnItOn) {
 
 TEST(ReadingOptionsTest, OneCannotWantBoth) {
     EXPECT_THROW(parse({"--isolate", "--no-isolate"}), CLI::ExcludesError);
+    EXPECT_THROW(parse({"--weak-isolation", "--no-isolate"}), CLI::ExcludesError);
     EXPECT_THROW(parse({"--decode-time", "5", "--no-isolate"}), CLI::ExcludesError);
 }
 
@@ -105,6 +111,7 @@ TEST(ReadingOptionsTest, CommandsDecideWhereUsersDoNot) {
     ReadOptions options;
     options.isolateByDefault();
     EXPECT_EQ(options.isolate, true);
+    EXPECT_FALSE(options.requireConfinement);
     options.isolate = false;
     options.isolateByDefault();
     EXPECT_EQ(options.isolate, false);

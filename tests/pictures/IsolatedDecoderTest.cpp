@@ -7,15 +7,20 @@
 
 #include <cli/Pictures.h>
 
-#include "zqx/pictures/codecs/Decode.h"
+#include "zqx/pictures/Reader.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/isolation/IsolatedDecoder.h"
 
 namespace zqx::pictures {
 
 namespace {
 
 using IsolatedDecoderTest = img::test::DirectoryTest;
+
+ReadOptions isolated() {
+    ReadOptions options;
+    options.isolate = true;
+    return options;
+}
 
 int openDescriptors() {
     int count = 0;
@@ -39,7 +44,7 @@ TEST_F(IsolatedDecoderTest, ThreadsDecodeAtOnce) {
     for (int i = 0; i < THREADS; ++i) {
         threads.emplace_back([&, i] {
             for (int n = 0; n < PICTURES; ++n) {
-                const Picture picture = decodeIsolated(at(std::to_string(i) + ".png"), {});
+                const Picture picture = readPicture(at(std::to_string(i) + ".png"), isolated());
                 const auto* row = static_cast<const unsigned char*>(picture.image().getRowPtr(16));
                 right += row[2] == img::test::motley(static_cast<unsigned>(i), 16).r ? 1 : 0;
             }
@@ -55,9 +60,9 @@ TEST_F(IsolatedDecoderTest, WarningsComeToTheThreadThatAsked) {
     img::test::writePicture(at("a.tif"), img::test::fillSamples(FIT_UINT32, 32, 4, 4));
     std::vector<std::string> warnings;
     const WarningListener listener([&](const std::string& line) { warnings.push_back(line); });
-    const Picture isolated = decodeIsolated(at("a.tif"), {});
+    const Picture there = readPicture(at("a.tif"), isolated());
     const std::vector<std::string> fromThere = std::exchange(warnings, {});
-    const Picture here = decodePicture(at("a.tif"), {});
+    const Picture here = readPicture(at("a.tif"));
     ASSERT_EQ(fromThere.size(), 1U);
     EXPECT_EQ(fromThere, warnings);
 }
@@ -65,11 +70,11 @@ TEST_F(IsolatedDecoderTest, WarningsComeToTheThreadThatAsked) {
 #if defined(__linux__)
 TEST_F(IsolatedDecoderTest, NoDescriptorIsLeftOpen) {
     img::test::writePicture(at("a.png"), img::test::paint(3, 3, 24, img::test::motley));
-    decodeIsolated(at("a.png"), {});
+    readPicture(at("a.png"), isolated());
     const int before = openDescriptors();
     for (int i = 0; i < 3; ++i) {
-        decodeIsolated(at("a.png"), {});
-        EXPECT_THROW(decodeIsolated(at("none.png"), {}), Error);
+        readPicture(at("a.png"), isolated());
+        EXPECT_THROW(readPicture(at("none.png"), isolated()), Error);
     }
     EXPECT_EQ(openDescriptors(), before);
 }
@@ -77,7 +82,7 @@ TEST_F(IsolatedDecoderTest, NoDescriptorIsLeftOpen) {
 
 TEST_F(IsolatedDecoderTest, PixelsMayBeWrittenTo) {
     img::test::writePicture(at("a.png"), img::test::paint(31, 17, 24, img::test::motley));
-    Picture picture = decodeIsolated(at("a.png"), {});
+    Picture picture = readPicture(at("a.png"), isolated());
     picture.image().flipVertical();
     EXPECT_EQ(static_cast<const unsigned char*>(picture.image().getRowPtr(16))[2], img::test::motley(0, 0).r);
 }

@@ -21,6 +21,7 @@ using Bytes = std::vector<std::byte>;
 
 constexpr unsigned WIDTH = 7; // rows end with padding
 constexpr unsigned HEIGHT = 5;
+constexpr std::uint32_t NO_OUTCOME = static_cast<std::uint32_t>(Outcome::UNCONFINED) + 1;
 
 Picture examplePicture(SampleLayout layout = SampleLayout::RGB8) {
     Picture picture;
@@ -46,6 +47,27 @@ Transfer exampleTransfer(SampleLayout layout = SampleLayout::RGB8) {
     transfer.format = FileFormat::TIFF;
     transfer.picture = examplePicture(layout);
     transfer.warnings = {"a.tif: one", "a.tif: two"};
+    return transfer;
+}
+
+Transfer exampleFacts() {
+    Transfer transfer;
+    transfer.outcome = Outcome::FACTS;
+    transfer.format = FileFormat::JPEG;
+    PictureFacts& facts = transfer.facts.emplace();
+    facts.format = FileFormat::JPEG;
+    facts.pixels.width = 6000;
+    facts.pixels.height = 4000;
+    facts.pixels.bitsPerPixel = 24;
+    facts.pixels.samples = "8-bit or less";
+    facts.pixels.color = "RGB";
+    facts.pixels.transparent = true;
+    facts.metadata.orientation = 6;
+    facts.metadata.blocks.exif = {4, 2};
+    facts.metadata.blocks.xmp = "<x/>";
+    facts.metadata.blocks.resolution = {1234, 4321};
+    facts.exif.fields = {{"camera make", "cameraMake", "Tester"}, {"taken", "taken", "yesterday"}};
+    facts.exif.hasPosition = true;
     return transfer;
 }
 
@@ -157,6 +179,38 @@ TEST(PictureTransferTest, PixelsAreNotCopiedAndKeepTheMemory) {
     EXPECT_TRUE(watched.expired());
 }
 
+TEST(PictureTransferTest, FactsArriveAsTheyWere) {
+    const Transfer transfer = received(written(exampleFacts()));
+    ASSERT_EQ(transfer.outcome, Outcome::FACTS);
+    EXPECT_FALSE(transfer.picture);
+    const PictureFacts& facts = *transfer.facts;
+    EXPECT_EQ(facts.format, FileFormat::JPEG);
+    EXPECT_EQ(facts.pixels.width, 6000U);
+    EXPECT_EQ(facts.pixels.height, 4000U);
+    EXPECT_EQ(facts.pixels.bitsPerPixel, 24U);
+    EXPECT_EQ(facts.pixels.samples, "8-bit or less");
+    EXPECT_EQ(facts.pixels.color, "RGB");
+    EXPECT_TRUE(facts.pixels.transparent);
+    EXPECT_EQ(facts.metadata.orientation, 6);
+    EXPECT_EQ(facts.metadata.blocks.exif, (std::vector<unsigned char>{4, 2}));
+    EXPECT_EQ(facts.metadata.blocks.xmp, "<x/>");
+    EXPECT_EQ(facts.metadata.blocks.resolution, (Resolution{1234, 4321}));
+    ASSERT_EQ(facts.exif.fields.size(), 2U);
+    EXPECT_EQ(facts.exif.fields[0].label, "camera make");
+    EXPECT_EQ(facts.exif.fields[0].key, "cameraMake");
+    EXPECT_EQ(facts.exif.fields[1].value, "yesterday");
+    EXPECT_TRUE(facts.exif.hasPosition);
+}
+
+TEST(PictureTransferTest, FactsArriveWithoutControlCharacters) {
+    Transfer transfer = exampleFacts();
+    transfer.facts->pixels.color = "\x1B[31mred";
+    transfer.facts->exif.fields[0].value = "a\nb";
+    const Transfer read = received(written(transfer));
+    EXPECT_EQ(read.facts->pixels.color, " [31mred");
+    EXPECT_EQ(read.facts->exif.fields[0].value, "a b");
+}
+
 TEST(PictureTransferTest, FailureArrivesWithoutControlCharacters) {
     Transfer transfer;
     transfer.outcome = Outcome::FAILURE;
@@ -177,12 +231,13 @@ TEST(PictureTransferTest, TextIsCutToALength) {
 
 TEST(PictureTransferTest, FormatIsKnownBeforeTheOutcome) {
     std::FILE* file = std::tmpfile();
-    TransferWriter(fileno(file)).announce(FileFormat::PSD);
+    TransferWriter(fileno(file)).announce(FileFormat::PSD, true);
     Bytes bytes(sizeof(TransferHeader));
     std::rewind(file);
     ASSERT_EQ(std::fread(bytes.data(), 1, bytes.size(), file), bytes.size());
     std::fclose(file);
     EXPECT_EQ(received(bytes).format, FileFormat::PSD);
+    EXPECT_TRUE(received(bytes).confined);
     EXPECT_EQ(received(bytes).outcome, Outcome::NONE);
 }
 
@@ -215,7 +270,7 @@ TEST(HostileTransferTest, AnotherVersion) {
 }
 
 TEST(HostileTransferTest, NumbersThatAreNoEnumerators) {
-    expectRefusal([](TransferHeader& header) { header.outcome = 4; });
+    expectRefusal([](TransferHeader& header) { header.outcome = NO_OUTCOME; });
     expectRefusal([](TransferHeader& header) { header.outcome = 0xFFFFFFFF; });
     expectRefusal([](TransferHeader& header) { header.format = FILE_FORMAT_COUNT + 1; });
     expectRefusal([](TransferHeader& header) { header.format = 0x80000000; });
@@ -229,7 +284,7 @@ TEST(HostileTransferTest, OutcomeThatIsNoneWithNothingBesideIt) {
     Transfer nothing;
     nothing.outcome = Outcome::OUT_OF_MEMORY;
     EXPECT_EQ(received(written(nothing)).outcome, Outcome::OUT_OF_MEMORY);
-    EXPECT_THROW(received(withHeader(written(nothing), [](TransferHeader& header) { header.outcome = 4; })),
+    EXPECT_THROW(received(withHeader(written(nothing), [](TransferHeader& header) { header.outcome = NO_OUTCOME; })),
                  BadTransfer);
 }
 
@@ -290,10 +345,39 @@ TEST(HostileTransferTest, BlocksThatDoNotBelongThere) {
     failure.failure = "bad";
     const Bytes bytes = written(failure);
     EXPECT_THROW(received(withPatch(bytes, {"\6\0\0\0\3", 5}, {"\0\0\0\0\3", 5})), BadTransfer); // a profile of nothing
-    EXPECT_THROW(received(withPatch(bytes, {"\6\0\0\0\3", 5}, {"\7\0\0\0\3", 5})), BadTransfer); // of no kind
+    EXPECT_THROW(received(withPatch(bytes, {"\6\0\0\0\3", 5}, {"\x0C\0\0\0\3", 5})), BadTransfer); // of no kind
     Transfer picture = exampleTransfer();
     picture.warnings.assign(1000, "again");
     EXPECT_THROW(received(written(picture)), BadTransfer);
+}
+
+TEST(HostileTransferTest, FactsThatAreNone) {
+    const Bytes facts = written(exampleFacts());
+    for (const std::uint32_t orientation : {0U, 9U, 0x80000000U}) {
+        EXPECT_THROW(received(withHeader(facts, [&](TransferHeader& header) { header.orientation = orientation; })),
+                     BadTransfer);
+    }
+    EXPECT_THROW(received(withHeader(facts,
+                                     [](TransferHeader& header) {
+                                         header.format = static_cast<std::uint32_t>(FileFormat::UNKNOWN);
+                                     })),
+                 BadTransfer);
+    Transfer many = exampleFacts();
+    many.facts->exif.fields.assign(65, {"a", "b", "c"});
+    EXPECT_THROW(received(written(many)), BadTransfer);
+    // A value before any field.
+    EXPECT_THROW(received(withPatch(facts, {"\x09\0\0\0", 4}, {"\x0B\0\0\0", 4})), BadTransfer);
+    // Facts of a picture, and a picture's facts.
+    EXPECT_THROW(received(withHeader(written(exampleTransfer()),
+                                     [](TransferHeader& header) {
+                                         header.outcome = static_cast<std::uint32_t>(Outcome::FACTS);
+                                     })),
+                 BadTransfer);
+    EXPECT_THROW(received(withHeader(facts,
+                                     [](TransferHeader& header) {
+                                         header.outcome = static_cast<std::uint32_t>(Outcome::PICTURE);
+                                     })),
+                 BadTransfer);
 }
 
 TEST(HostileTransferTest, NoSuchAlpha) {

@@ -12,12 +12,8 @@
 #include "options/MemoryOption.h"
 #include "options/ReadingOptions.h"
 #include "terminal/Output.h"
-#include "zqx/pictures/codecs/Decode.h"
-#include "zqx/pictures/codecs/Metadata.h"
-#include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
-#include "zqx/pictures/metadata/InstalledCodec.h"
+#include "zqx/pictures/codecs/Describe.h"
 #include "zqx/pictures/metadata/Orientation.h"
-#include "zqx/pictures/metadata/exiv2/ExifSummary.h"
 #include "zqx/text/Json.h"
 #include "zqx/text/Numbers.h"
 #include "zqx/text/Width.h"
@@ -29,27 +25,6 @@ using namespace pictures;
 namespace {
 
 constexpr double METRES_PER_INCH = 0.0254;
-
-struct Info {
-    std::string name;
-    FileFormat format;
-    PixelDescription pixels;
-    FileMetadata metadata;
-    ExifSummary exif;
-};
-
-Info inspect(const std::string& name, const ReadOptions& options) {
-    if (options.isolate.value_or(false)) {
-        static_cast<void>(readPicture(name, options)); // what a damaged file does, it does to the other process first
-    }
-    PictureFile file(name, options.limits);
-    identify(file, options.limits);
-    const FileFormat format = file.header.info.format; // some have to be decoded
-    Info info{name, format, describeByFreeImage(file.input, format), readMetadata(name, file.header), {}};
-    completeMetadata(info.metadata, info.pixels.metadata);
-    info.exif = summarizeExif(info.metadata.blocks.exif);
-    return info;
-}
 
 struct Size {
     const char* label;
@@ -63,7 +38,7 @@ std::vector<Size> metadataSizes(const Metadata& metadata) {
             {"XMP", "xmp", metadata.xmp.size()}};
 }
 
-void printValue(const char* label, const std::string& value) {
+void printValue(const std::string& label, const std::string& value) {
     printLine(text::padded(label, 15) + " " + value);
 }
 
@@ -88,41 +63,41 @@ void printMetadata(const Metadata& metadata) {
     printValue("metadata", list.empty() ? "none" : list);
 }
 
-void printText(const Info& info) {
-    const PixelDescription& pixels = info.pixels;
-    printValue("file", info.name);
-    printValue("format", std::string(nameOf(info.format)) + " (" + descriptionOf(info.format) + ")");
+void printText(const std::string& name, const PictureFacts& facts) {
+    const PixelDescription& pixels = facts.pixels;
+    printValue("file", name);
+    printValue("format", std::string(nameOf(facts.format)) + " (" + descriptionOf(facts.format) + ")");
     printValue("size", std::to_string(pixels.width) + " x " + std::to_string(pixels.height));
     printValue("bits per pixel", std::to_string(pixels.bitsPerPixel));
     printValue("samples", pixels.samples);
     printValue("colour", pixels.color);
     printValue("transparency", pixels.transparent ? "yes" : "no");
-    printResolution(info.metadata.blocks.resolution);
-    const std::size_t profile = info.metadata.blocks.icc.size();
+    printResolution(facts.metadata.blocks.resolution);
+    const std::size_t profile = facts.metadata.blocks.icc.size();
     printValue("colour profile", profile > 0 ? std::to_string(profile) + " bytes" : "none");
-    if (const int orientation = info.metadata.orientation; orientation != UPRIGHT) {
+    if (const int orientation = facts.metadata.orientation; orientation != UPRIGHT) {
         printValue("orientation", std::to_string(orientation) + " (" + describeOrientation(orientation) + ")");
     }
-    printMetadata(info.metadata.blocks);
-    for (const ExifField& field : info.exif.fields) {
+    printMetadata(facts.metadata.blocks);
+    for (const ExifField& field : facts.exif.fields) {
         printValue(field.label, field.value);
     }
-    if (info.exif.hasPosition) {
+    if (facts.exif.hasPosition) {
         printValue("GPS position", "yes, the file says where the picture was taken (--strip exif removes it)");
     }
 }
 
-void writeMetadata(text::JsonWriter& json, const Info& info) {
+void writeMetadata(text::JsonWriter& json, const PictureFacts& facts) {
     json.key("metadata"); // sizes in bytes
     json.beginObject();
-    json.member("icc", info.metadata.blocks.icc.size());
-    for (const auto& [label, key, bytes] : metadataSizes(info.metadata.blocks)) {
+    json.member("icc", facts.metadata.blocks.icc.size());
+    for (const auto& [label, key, bytes] : metadataSizes(facts.metadata.blocks)) {
         json.member(key, bytes);
     }
     json.endObject();
     json.key("comments");
     json.beginArray();
-    for (const auto& [keyword, text] : commentsIn(info.metadata.blocks.comments)) {
+    for (const auto& [keyword, text] : commentsIn(facts.metadata.blocks.comments)) {
         json.beginObject();
         json.member("keyword", keyword);
         json.member("text", text);
@@ -131,20 +106,20 @@ void writeMetadata(text::JsonWriter& json, const Info& info) {
     json.endArray();
     json.key("exif");
     json.beginObject();
-    for (const ExifField& field : info.exif.fields) {
+    for (const ExifField& field : facts.exif.fields) {
         json.member(field.key, field.value);
     }
-    json.member("gpsPosition", info.exif.hasPosition);
+    json.member("gpsPosition", facts.exif.hasPosition);
     json.endObject();
 }
 
-void printJson(const Info& info) {
-    const PixelDescription& pixels = info.pixels;
-    const Resolution resolution = info.metadata.blocks.resolution;
+void printJson(const std::string& name, const PictureFacts& facts) {
+    const PixelDescription& pixels = facts.pixels;
+    const Resolution resolution = facts.metadata.blocks.resolution;
     text::JsonWriter json({.indent = 4});
     json.beginObject();
-    json.member("file", info.name);
-    json.member("format", nameOf(info.format));
+    json.member("file", name);
+    json.member("format", nameOf(facts.format));
     json.member("width", pixels.width);
     json.member("height", pixels.height);
     json.member("bitsPerPixel", pixels.bitsPerPixel);
@@ -153,8 +128,8 @@ void printJson(const Info& info) {
     json.member("transparency", pixels.transparent);
     json.member("dotsPerMetreX", resolution.x);
     json.member("dotsPerMetreY", resolution.y);
-    json.member("orientation", info.metadata.orientation);
-    writeMetadata(json, info);
+    json.member("orientation", facts.metadata.orientation);
+    writeMetadata(json, facts);
     json.endObject();
     print(json.text() + "\n");
 }
@@ -191,8 +166,9 @@ void addInfoCommand(CLI::App& program) {
         if (options->memory != 0) { // most formats are read no further than their header
             tools::requireMemory({{options->name}, {}}, options->memory);
         }
-        const Info info = inspect(options->name, options->loading);
-        options->json ? printJson(info) : printText(info);
+        PictureFile file(options->name, options->loading.limits);
+        const PictureFacts facts = describePicture(file, options->loading);
+        options->json ? printJson(file.name(), facts) : printText(file.name(), facts);
     });
 }
 

@@ -42,6 +42,14 @@ void addReadingOptions(CLI::App& command, pictures::ReadOptions& options) {
     CLI::Option* off = command.add_flag_callback(
         "--no-isolate", [&options] { options.isolate = false; },
         "Decode in this process, which saves starting one for each picture");
+    CLI::Option* weak = command.add_flag_callback(
+        "--weak-isolation",
+        [&options, turnOn] {
+            turnOn();
+            options.requireConfinement = false;
+        },
+        "Isolate also where the system cannot confine the separate process, which then can do what you can; implies "
+        "--isolate");
     CLI::Option* memory =
         addSizeOption(command, "--decode-memory", options.decodeMemory, "half of the memory, at least 4G",
                       "Memory that the separate process may use; implies --isolate");
@@ -51,8 +59,8 @@ void addReadingOptions(CLI::App& command, pictures::ReadOptions& options) {
                             ->type_name("SECONDS")
                             ->check(seconds(0.001, 1e6))
                             ->capture_default_str();
-    off->excludes(on)->excludes(memory)->excludes(time);
-    for (CLI::Option* option : {on, off, memory, time}) {
+    off->excludes(on)->excludes(weak)->excludes(memory)->excludes(time);
+    for (CLI::Option* option : {on, weak, off, memory, time}) {
         option->group(GROUP);
     }
     for (CLI::Option* option : {memory, time}) {

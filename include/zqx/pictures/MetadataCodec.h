@@ -7,7 +7,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include <zqx/pictures/ByteSource.h>
 #include <zqx/pictures/Export.h>
 #include <zqx/pictures/FileFormat.h>
 #include <zqx/pictures/Metadata.h>
@@ -20,6 +22,21 @@ struct FileMetadata {
     Metadata blocks;                      ///< for the upright picture, and without what is true of this file only
     int orientation = 1;                  ///< how the stored picture lies, as Exif numbers it; 1 is upright
     std::optional<Resolution> resolution; ///< by Exif, for the upright picture
+};
+
+/// One thing that Exif tells about how a picture was taken.
+/// @ingroup pictures
+struct ExifField {
+    std::string label; ///< for people: "exposure time"
+    std::string key;   ///< for programs: "exposureTime"
+    std::string value; ///< as people write it, without control characters: "1/60 s"
+};
+
+/// What people want to know of an Exif block.
+/// @ingroup pictures
+struct ExifSummary {
+    std::vector<ExifField> fields; ///< camera, lens, time and exposure, as far as they are there
+    bool hasPosition = false;      ///< tells where the picture was taken
 };
 
 /// Takes the bytes of a whole file.
@@ -39,9 +56,14 @@ public:
     virtual ~MetadataCodec();
 
     /// Reads a file's metadata. What is damaged or beyond measure is left out with a warning.
-    /// @param name UTF-8
+    /// @param file the open file
     /// @param format what the file is
-    virtual FileMetadata read(const std::string& name, FileFormat format) = 0;
+    virtual FileMetadata read(ByteSource& file, FileFormat format) = 0;
+
+    /// Tells what an Exif block says about how the picture was taken.
+    /// @param exif a block as in Metadata; may be empty
+    /// @throws std::exception when it is damaged
+    virtual ExifSummary summarize(const std::vector<unsigned char>& exif) = 0;
 
     /// Hands an encoded picture on with the metadata in it that its format can hold, and warns of what it cannot.
     /// @param name the file to be written, for warnings

@@ -24,7 +24,11 @@ struct ReadOptions {
     std::uint64_t decodeMemory = 0; ///< bytes that such a process may use; 0 for half of the machine's
     double decodeSeconds = 60.0;    ///< seconds that it may take
 
-    /// Isolates decoding where the user did not decide, if this system can.
+    /// Refuse to decode where the system cannot confine such a process: keep it from files, from the network and from
+    /// other processes. Otherwise that is a warning, once.
+    bool requireConfinement = true;
+
+    /// Isolates decoding where the user did not decide, if this system can, and as well as it can.
     ZQX_PICTURES_EXPORT void isolateByDefault();
 };
 

@@ -24,31 +24,15 @@ void warnOfWhatIsLost(const std::string& name, const Header& header) {
     }
 }
 
-Picture decode(PictureFile& file, const Limits& limits, const HeaderListener& listener) {
-    identify(file, limits, listener);
-    warnOfWhatIsLost(file.name(), file.header);
-    Picture picture = decodeByFreeImage(file.input, file.header, limits);
-    const FileFormat format = file.header.info.format;
-    FileMetadata source = readMetadata(file.name(), file.header);
-    if (format != FileFormat::RAW) { // whose decoder turns them itself
-        turnUpright(picture, source.orientation);
-    }
-    completeMetadata(source, picture.metadata);
-    picture.metadata = std::move(source.blocks);
-    return picture;
-}
-
 } // namespace
 
 Picture readPicture(const std::string& name, const ReadOptions& options) {
-    if (options.isolate.value_or(false)) {
-        return decodeIsolated(name, options);
-    }
-    return decodePicture(name, options.limits);
+    PictureFile file(name, options.limits);
+    return readPicture(file, options);
 }
 
 Picture readPicture(PictureFile& file, const ReadOptions& options) {
-    return options.isolate.value_or(false) ? decodeIsolated(file.name(), options) : decode(file, options.limits, {});
+    return options.isolate.value_or(false) ? decodeIsolated(file, options) : decodePicture(file, options.limits);
 }
 
 HeaderInfo examinePicture(const std::string& name) {
@@ -60,9 +44,17 @@ HeaderInfo examinePicture(const std::string& name) {
     return info;
 }
 
-Picture decodePicture(const std::string& name, const Limits& limits, const HeaderListener& listener) {
-    PictureFile file(name, limits);
-    return decode(file, limits, listener);
+Picture decodePicture(PictureFile& file, const Limits& limits, const HeaderListener& listener) {
+    identify(file, limits, listener);
+    warnOfWhatIsLost(file.name(), file.header);
+    Picture picture = decodeByFreeImage(file.input, file.header, limits);
+    FileMetadata source = readMetadata(file.input, file.header);
+    if (file.header.info.format != FileFormat::RAW) { // whose decoder turns them itself
+        turnUpright(picture, source.orientation);
+    }
+    completeMetadata(source, picture.metadata);
+    picture.metadata = std::move(source.blocks);
+    return picture;
 }
 
 void identify(PictureFile& file, const Limits& limits, const HeaderListener& listener) {

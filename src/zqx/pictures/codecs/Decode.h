@@ -16,7 +16,7 @@ Picture readPicture(PictureFile& file, const ReadOptions& options);
 using HeaderListener = std::function<void(const HeaderInfo&)>;
 
 /// Decodes a file in this process.
-Picture decodePicture(const std::string& name, const Limits& limits, const HeaderListener& listener = {});
+Picture decodePicture(PictureFile& file, const Limits& limits, const HeaderListener& listener = {});
 
 /// Asks the decoders what a file is and reads its header again where it is not what it looked like.
 /// @throws Error where that is enough for a refusal

@@ -3,16 +3,20 @@
 
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "zqx/pictures/codecs/Limits.h"
 #include "zqx/pictures/files/Error.h"
 
 namespace zqx::pictures {
 
-PictureFile::PictureFile(const std::string& name, const Limits& limits) : input(openPicture(name)) {
-    checkFileSize(name, input.size(), limits);
+PictureFile::PictureFile(const std::string& name, const Limits& limits) : PictureFile(openPicture(name), limits) {
+}
+
+PictureFile::PictureFile(InputFile file, const Limits& limits) : input(std::move(file)) {
+    checkFileSize(name(), input.size(), limits);
     header = probe(input);
-    checkPictureSize(name, header.info.width, header.info.height, limits);
+    checkPictureSize(name(), header.info.width, header.info.height, limits);
 }
 
 std::optional<HeaderInfo> findHeader(const std::string& name) {

@@ -16,6 +16,9 @@ struct PictureFile {
     /// Opens a file and reads its header, without a decoder. @throws Error naming it, also where it is beyond a limit
     PictureFile(const std::string& name, const Limits& limits);
 
+    /// The same for a file that is open already.
+    PictureFile(InputFile file, const Limits& limits);
+
     const std::string& name() const { return input.name(); }
 
     InputFile input;

@@ -8,6 +8,7 @@ namespace zqx::pictures {
 void ReadOptions::isolateByDefault() {
     if (!isolate && canIsolate()) {
         isolate = true;
+        requireConfinement = false;
     }
 }
 

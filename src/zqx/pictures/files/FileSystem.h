@@ -29,6 +29,12 @@ struct OpenedFile {
 /// Opens a file without waiting for anybody, not even for the other end of a pipe.
 OpenedFile openForReading(const std::string& name, std::error_code& failure);
 
+/// The same for a file that is open already. It is closed with the stream, and at once on a failure.
+OpenedFile adoptForReading(int descriptor, std::error_code& failure);
+
+/// A regular file as memory, which is read when it is looked at and outlives the stream; null where that cannot be had.
+std::shared_ptr<const unsigned char> mapForReading(std::FILE* stream, std::uint64_t size);
+
 /// Waits until a pipe has something to read, or its last writer is gone.
 void waitForInput(std::FILE* pipe);
 

@@ -30,6 +30,8 @@ const char* obstacle(FileKind kind, InputFile::Source source) {
 
 } // namespace
 
+ByteSource::~ByteSource() = default;
+
 InputFile::InputFile(const std::string& name, Source source) : mName(name) {
     std::error_code failure;
     mFile = openForReading(name, failure);
@@ -39,8 +41,21 @@ InputFile::InputFile(const std::string& name, Source source) : mName(name) {
     if (failure) {
         throw Error(name, "cannot be opened (" + failure.message() + "), check its permissions");
     }
+    checkKind(source);
+}
+
+InputFile::InputFile(int descriptor, const std::string& name) : mName(name) {
+    std::error_code failure;
+    mFile = adoptForReading(descriptor, failure);
+    if (failure) {
+        throw Error(name, "cannot be read (" + failure.message() + ")");
+    }
+    checkKind(Source::FILE_ONLY);
+}
+
+void InputFile::checkKind(Source source) const {
     if (const char* reason = obstacle(mFile.kind, source)) {
-        throw Error(name, reason);
+        throw Error(mName, reason);
     }
 }
 
@@ -69,19 +84,23 @@ std::string InputFile::readAt(std::uint64_t offset, std::size_t count) {
     return bytes;
 }
 
-std::size_t InputFile::readAt(std::uint64_t offset, std::span<char> bytes) {
+std::size_t InputFile::readAt(std::uint64_t offset, char* bytes, std::size_t wanted) {
     std::FILE* stream = mFile.stream.get();
     if (offset > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()) ||
         !seekStream(stream, static_cast<std::int64_t>(offset), SEEK_SET)) {
         return 0;
     }
     errno = 0;
-    const std::size_t count = std::fread(bytes.data(), 1, bytes.size(), stream);
-    if (count < bytes.size() && std::ferror(stream) != 0) {
+    const std::size_t count = std::fread(bytes, 1, wanted, stream);
+    if (count < wanted && std::ferror(stream) != 0) {
         mReadFailure = {errno != 0 ? errno : EIO, std::generic_category()};
         std::clearerr(stream);
     }
     return count;
+}
+
+std::shared_ptr<const unsigned char> InputFile::map() const {
+    return mapForReading(mFile.stream.get(), mFile.size);
 }
 
 InputFile openPicture(const std::string& name) {

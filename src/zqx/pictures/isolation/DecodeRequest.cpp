@@ -1,4 +1,4 @@
-// Seven numbers and a file name.
+// The command line of the decoder process: numbers in decimal, then the name of the file.
 #include "zqx/pictures/isolation/DecodeRequest.h"
 
 #include <array>
@@ -10,14 +10,15 @@ namespace zqx::pictures {
 
 namespace {
 
-constexpr std::size_t NUMBERS = 7;
+constexpr std::size_t NUMBERS = 9;
 
 } // namespace
 
 std::vector<std::string> DecodeRequest::toArguments() const {
     std::vector<std::string> arguments;
     for (const std::uint64_t number :
-         {parent, memory, milliseconds, limits.width, limits.height, limits.pixels, limits.bytes}) {
+         {parent, memory, milliseconds, limits.width, limits.height, limits.pixels, limits.bytes,
+          static_cast<std::uint64_t>(task), std::uint64_t{requireConfinement}}) {
         arguments.push_back(std::to_string(number));
     }
     arguments.push_back(name);
@@ -36,11 +37,16 @@ std::optional<DecodeRequest> DecodeRequest::fromArguments(std::span<const char* 
             return std::nullopt;
         }
     }
+    if (numbers[7] > static_cast<std::uint64_t>(Task::DESCRIBE)) {
+        return std::nullopt;
+    }
     DecodeRequest request;
     request.parent = numbers[0];
     request.memory = numbers[1];
     request.milliseconds = numbers[2];
     request.limits = {numbers[3], numbers[4], numbers[5], numbers[6]};
+    request.task = static_cast<Task>(numbers[7]);
+    request.requireConfinement = numbers[8] != 0;
     request.name = arguments[NUMBERS];
     return request;
 }

@@ -1,4 +1,5 @@
-// POSIX processes. A pipe that the child holds open tells its end, which can be waited for with a time limit.
+// POSIX processes. A pipe that the child holds open tells its end, which can be waited for with a time limit. The child
+// may have been taken over: nothing here waits for it without a bound, or believes that it is where it was put.
 #include "zqx/pictures/isolation/DecoderProcess.h"
 
 #include <algorithm>
@@ -7,8 +8,10 @@
 #include <climits>
 #include <csignal>
 #include <filesystem>
+#include <optional>
 #include <string_view>
 #include <system_error>
+#include <thread>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -142,17 +145,24 @@ std::vector<char*> decoderEnvironment() {
     return variables;
 }
 
-pid_t start(const std::string& program, const DecodeRequest& request, int result, int alive) {
+/// A copy of a descriptor, out of the way of those that the process is to get.
+int duplicate(int descriptor) {
+    const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, DecodeRequest::LAST + 1);
+    check(copy < 0 ? errno : 0);
+    return copy;
+}
+
+pid_t start(const std::string& program, const DecodeRequest& request, int file, int result, int alive) {
     FileActions actions;
-    // Copies out of the way first: a descriptor may have the number that another one is to get.
-    const Descriptor resultAside(fcntl(result, F_DUPFD_CLOEXEC, DecodeRequest::ALIVE + 1));
-    const Descriptor aliveAside(fcntl(alive, F_DUPFD_CLOEXEC, DecodeRequest::ALIVE + 1));
-    check(resultAside.get() < 0 || aliveAside.get() < 0 ? errno : 0);
+    const Descriptor resultAside(duplicate(result));
+    const Descriptor aliveAside(duplicate(alive));
+    const Descriptor fileAside(duplicate(file));
     actions.open(STDIN_FILENO, O_RDONLY);
     actions.open(STDOUT_FILENO, O_WRONLY);
     actions.open(STDERR_FILENO, O_WRONLY);
     actions.pass(resultAside.get(), DecodeRequest::RESULT);
     actions.pass(aliveAside.get(), DecodeRequest::ALIVE);
+    actions.pass(fileAside.get(), DecodeRequest::FILE);
     std::vector<std::string> words = request.toArguments();
     words.insert(words.begin(), program);
     std::vector<char*> arguments;
@@ -168,7 +178,46 @@ pid_t start(const std::string& program, const DecodeRequest& request, int result
     return process;
 }
 
-/// False when the time is over and the process is not.
+/// A child process, which does not outlive this.
+class Child {
+public:
+    explicit Child(pid_t process) : mProcess(process) {}
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+    ~Child() {
+        if (!mEnded) {
+            end();
+        }
+    }
+
+    /// Kills it, if it still runs, with what it has started. @return the status of its end; nothing where nobody knows
+    std::optional<int> end() {
+        mEnded = true;
+        kill(-mProcess, SIGKILL);
+        // It may have left its group. Where this program's children are nobody's business, it is gone without a trace.
+        for (std::chrono::microseconds pause{20}; pause < LONGEST_PAUSE; pause += pause / 4) {
+            int status = 0;
+            const pid_t waited = waitpid(mProcess, &status, WNOHANG);
+            if (waited == mProcess) {
+                return status;
+            }
+            if (waited < 0 && errno != EINTR) {
+                return std::nullopt;
+            }
+            kill(mProcess, SIGKILL);
+            std::this_thread::sleep_for(pause);
+        }
+        return std::nullopt; // the system cannot end it: it may wait for a disk that is no more
+    }
+
+private:
+    static constexpr std::chrono::seconds LONGEST_PAUSE{2}; // after about ten seconds in all
+
+    pid_t mProcess;
+    bool mEnded = false;
+};
+
+/// False when the time is over and the process is not. @throws std::system_error
 bool waitForEnd(int alive, std::chrono::milliseconds time) {
     const Clock::time_point end = Clock::now() + time;
     for (;;) {
@@ -178,7 +227,8 @@ bool waitForEnd(int alive, std::chrono::milliseconds time) {
         if (ready > 0) {
             return true;
         }
-        if (ready == 0 && left <= INT_MAX) {
+        check(ready < 0 && errno != EINTR && errno != EAGAIN ? errno : 0);
+        if (left <= 0) {
             return false;
         }
     }
@@ -186,21 +236,16 @@ bool waitForEnd(int alive, std::chrono::milliseconds time) {
 
 } // namespace
 
-DecoderEnd runDecoder(const std::string& program, const DecodeRequest& request, int result) {
+DecoderEnd runDecoder(const std::string& program, const DecodeRequest& request, int file, int result) {
     Pipe alive;
-    const pid_t process = start(program, request, result, alive.writing.get());
+    Child child(start(program, request, file, result, alive.writing.get()));
     alive.writing.reset();
     DecoderEnd end;
     end.tookTooLong = !waitForEnd(alive.reading.get(), std::chrono::milliseconds(request.milliseconds));
     // Its end of the pipe closes when its fate is sealed. If it is not, it has closed it to be left alone.
-    kill(-process, SIGKILL);
-    int status = 0;
-    pid_t waited = 0;
-    while ((waited = waitpid(process, &status, 0)) < 0 && errno == EINTR) {
-    }
-    if (waited == process) { // where this program's children are nobody's business, the system keeps no status
-        end.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-        end.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
+    if (const std::optional<int> status = child.end()) {
+        end.signal = WIFSIGNALED(*status) ? WTERMSIG(*status) : 0;
+        end.exitCode = WIFEXITED(*status) ? WEXITSTATUS(*status) : 0;
     }
     return end;
 }

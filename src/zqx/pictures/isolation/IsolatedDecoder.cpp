@@ -8,7 +8,10 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdio>
+#include <mutex>
 #include <system_error>
+#include <utility>
 
 #include <unistd.h>
 
@@ -34,12 +37,14 @@ std::uint64_t memoryFor(const ReadOptions& options) {
     return std::max(LEAST, pages * pageSize / 2);
 }
 
-DecodeRequest requestFor(const std::string& name, const ReadOptions& options) {
+DecodeRequest requestFor(const std::string& name, const ReadOptions& options, DecodeRequest::Task task) {
     DecodeRequest request;
     request.parent = static_cast<std::uint64_t>(getpid());
     request.memory = memoryFor(options);
     request.milliseconds = std::max<std::uint64_t>(1, static_cast<std::uint64_t>(options.decodeSeconds * 1000.0));
     request.limits = options.limits;
+    request.task = task;
+    request.requireConfinement = options.requireConfinement;
     request.name = name;
     return request;
 }
@@ -64,6 +69,20 @@ const char* nameOf(int signal) {
 [[noreturn]] void throwTooMuch(const std::string& name, const ReadOptions& options) {
     throw Error(name, "needs more than the " + text::exactSize(memoryFor(options)) +
                           " that decoding may use; --decode-memory raises that");
+}
+
+[[noreturn]] void throwUnconfined(const std::string& name) {
+    throw Error(name, "cannot be decoded in isolation, as this system does not confine processes (it takes Linux with "
+                      "seccomp filters); --weak-isolation does without");
+}
+
+/// Once: it is as true of the next picture.
+void warnOfWeakIsolation(const std::string& name) {
+    static std::once_flag told;
+    std::call_once(told, [&] {
+        warn(name, "is decoded in a separate process that this system cannot confine: a hostile file can do there what "
+                   "you can");
+    });
 }
 
 /// The line without the subject in front, which is added again: nobody else's is believed.
@@ -110,13 +129,19 @@ void throwDeath(const std::string& name, const ReadOptions& options, const Decod
     }
 }
 
-/// What a process that ended in peace says. @throws Error for everything but a picture
-Transfer readResult(const std::string& name, const ReadOptions& options, const SharedMemory& memory) {
+/// What a process that ended in peace says. @throws Error for everything but what was asked for
+Transfer readResult(const std::string& name, const ReadOptions& options, Outcome wanted, const SharedMemory& memory) {
     const SharedMemory::Content content = memory.content();
     if (!content.bytes) {
         throw BadTransfer("it is empty");
     }
     Transfer transfer = readTransfer(content.bytes, content.size);
+    if (transfer.outcome == Outcome::UNCONFINED) {
+        throwUnconfined(name);
+    }
+    if (!transfer.confined) {
+        warnOfWeakIsolation(name);
+    }
     for (const std::string& warning : transfer.warnings) {
         warn(name, withoutSubject(warning, name));
     }
@@ -126,23 +151,25 @@ Transfer readResult(const std::string& name, const ReadOptions& options, const S
     if (transfer.outcome == Outcome::OUT_OF_MEMORY) {
         throwTooMuch(name, options);
     }
+    if (transfer.outcome != wanted) {
+        throw BadTransfer("it is no answer");
+    }
     if (transfer.picture) {
         checkPictureSize(name, transfer.picture->width(), transfer.picture->height(), options.limits);
     }
     return transfer;
 }
 
-Transfer decode(const std::string& name, const ReadOptions& options) {
+Transfer run(const PictureFile& file, const ReadOptions& options, DecodeRequest::Task task) {
+    const std::string& name = file.name();
     const std::string program = findDecoder(name);
     try {
         const SharedMemory memory;
-        const DecoderEnd end = runDecoder(program, requestFor(name, options), memory.descriptor());
+        const DecoderEnd end =
+            runDecoder(program, requestFor(name, options, task), fileno(file.input.stream()), memory.descriptor());
         throwDeath(name, options, end, memory);
-        Transfer transfer = readResult(name, options, memory);
-        if (transfer.outcome != Outcome::PICTURE) {
-            throw BadTransfer("it is no answer");
-        }
-        return transfer;
+        return readResult(name, options, task == DecodeRequest::Task::DECODE ? Outcome::PICTURE : Outcome::FACTS,
+                          memory);
     } catch (const BadTransfer& bad) {
         throw Error(name, std::string("its decoder's result cannot be used (") + bad.what() +
                               "), the file is hostile or " + program + " is of another version");
@@ -158,8 +185,12 @@ bool canIsolate() {
     return true;
 }
 
-Picture decodeIsolated(const std::string& name, const ReadOptions& options) {
-    return std::move(*decode(name, options).picture);
+Picture decodeIsolated(PictureFile& file, const ReadOptions& options) {
+    return std::move(*run(file, options, DecodeRequest::Task::DECODE).picture);
+}
+
+PictureFacts describeIsolated(PictureFile& file, const ReadOptions& options) {
+    return std::move(*run(file, options, DecodeRequest::Task::DESCRIBE).facts);
 }
 
 } // namespace zqx::pictures
@@ -172,8 +203,12 @@ bool canIsolate() {
     return false;
 }
 
-Picture decodeIsolated(const std::string& name, const ReadOptions&) {
-    throw Error(name, "cannot be decoded in a process of its own on this system");
+Picture decodeIsolated(PictureFile& file, const ReadOptions&) {
+    throw Error(file.name(), "cannot be decoded in a process of its own on this system");
+}
+
+PictureFacts describeIsolated(PictureFile& file, const ReadOptions&) {
+    throw Error(file.name(), "cannot be decoded in a process of its own on this system");
 }
 
 } // namespace zqx::pictures

@@ -22,13 +22,27 @@ namespace zqx::pictures {
 namespace {
 
 /// Changes with the layout and with the version, so that programs of two installations do not talk past each other.
-constexpr char MAGIC[sizeof TransferHeader::magic] = "zqx 2 " ZQX_IMG_VERSION;
+constexpr char MAGIC[sizeof TransferHeader::magic] = "zqx 3 " ZQX_IMG_VERSION;
 
-enum class Block : std::uint32_t { ICC, EXIF, IPTC, XMP, COMMENTS, WARNING, FAILURE };
+enum class Block : std::uint32_t {
+    ICC,
+    EXIF,
+    IPTC,
+    XMP,
+    COMMENTS,
+    WARNING,
+    FAILURE,
+    SAMPLES,
+    COLOR,
+    EXIF_LABEL, ///< begins a field of the summary, which the next two complete
+    EXIF_KEY,
+    EXIF_VALUE,
+};
 
 constexpr std::uint64_t MAX_BLOCK_BYTES = std::uint64_t{256} << 20U;
 constexpr std::size_t MAX_TEXT = 4096;
 constexpr std::size_t MAX_WARNINGS = 64;
+constexpr std::size_t MAX_FIELDS = 64;
 
 /// The members of Metadata and the blocks that carry them.
 template <typename M, typename F>
@@ -56,12 +70,11 @@ public:
         number(static_cast<std::uint64_t>(count));
         mBytes.append(static_cast<const char*>(data), count);
     }
-    void text(std::string_view text) { bytes(text.data(), text.size()); }
-
     void block(Block kind, const void* data, std::size_t count) {
         number(static_cast<std::uint32_t>(kind));
         bytes(data, count);
     }
+    void block(Block kind, std::string_view text) { block(kind, text.data(), text.size()); }
 
     const std::string& content() const { return mBytes; }
 
@@ -111,6 +124,18 @@ TransferHeader headerOf(const Transfer& transfer) {
     std::memcpy(header.magic, MAGIC, sizeof MAGIC);
     header.format = static_cast<std::uint32_t>(transfer.format);
     header.outcome = static_cast<std::uint32_t>(transfer.outcome);
+    header.confined = transfer.confined ? 1 : 0;
+    if (transfer.facts) {
+        const PictureFacts& facts = *transfer.facts;
+        header.width = facts.pixels.width;
+        header.height = facts.pixels.height;
+        header.bitsPerPixel = facts.pixels.bitsPerPixel;
+        header.transparent = facts.pixels.transparent ? 1 : 0;
+        header.orientation = static_cast<std::uint32_t>(facts.metadata.orientation);
+        header.dotsPerMeterX = facts.metadata.blocks.resolution.x;
+        header.dotsPerMeterY = facts.metadata.blocks.resolution.y;
+        header.hasPosition = facts.exif.hasPosition ? 1 : 0;
+    }
     if (transfer.picture) {
         const Picture& picture = *transfer.picture;
         header.layout = static_cast<std::uint32_t>(picture.pixels.layout());
@@ -125,20 +150,41 @@ TransferHeader headerOf(const Transfer& transfer) {
     return header;
 }
 
+/// The metadata that travel with a picture or with facts; null where neither does.
+template <typename T>
+auto metadataOf(T& transfer) {
+    return transfer.picture ? &transfer.picture->metadata
+           : transfer.facts ? &transfer.facts->metadata.blocks
+                            : nullptr;
+}
+
+void writeFacts(const PictureFacts& facts, ByteWriter& blocks) {
+    blocks.block(Block::SAMPLES, facts.pixels.samples);
+    blocks.block(Block::COLOR, facts.pixels.color);
+    for (const auto& [label, key, value] : facts.exif.fields) {
+        blocks.block(Block::EXIF_LABEL, label);
+        blocks.block(Block::EXIF_KEY, key);
+        blocks.block(Block::EXIF_VALUE, value);
+    }
+}
+
 std::string blocksOf(const Transfer& transfer) {
     ByteWriter blocks;
     for (const std::string& warning : transfer.warnings) {
-        blocks.block(Block::WARNING, warning.data(), warning.size());
+        blocks.block(Block::WARNING, warning);
     }
     if (transfer.outcome == Outcome::FAILURE) {
-        blocks.block(Block::FAILURE, transfer.failure.data(), transfer.failure.size());
+        blocks.block(Block::FAILURE, transfer.failure);
     }
-    if (transfer.picture) {
-        forEachMember(transfer.picture->metadata, [&](Block kind, const auto& bytes) {
+    if (const Metadata* metadata = metadataOf(transfer)) {
+        forEachMember(*metadata, [&](Block kind, const auto& bytes) {
             if (!bytes.empty()) {
                 blocks.block(kind, bytes.data(), bytes.size());
             }
         });
+    }
+    if (transfer.facts) {
+        writeFacts(*transfer.facts, blocks);
     }
     return blocks.content();
 }
@@ -164,11 +210,6 @@ public:
             refuse("a block ends behind the end");
         }
         return take(static_cast<std::size_t>(count));
-    }
-
-    std::string text() {
-        const std::span<const std::byte> content = bytes();
-        return {reinterpret_cast<const char*>(content.data()), content.size()};
     }
 
 private:
@@ -216,12 +257,34 @@ bool readMember(Block kind, std::span<const std::byte> bytes, Metadata& metadata
     return known;
 }
 
+/// False where a block is no fact, or does not belong where it is.
+bool readFact(Block kind, std::span<const std::byte> bytes, PictureFacts& facts) {
+    std::vector<ExifField>& fields = facts.exif.fields;
+    if (kind == Block::EXIF_LABEL) {
+        if (fields.size() == MAX_FIELDS) {
+            return false;
+        }
+        fields.emplace_back();
+    }
+    const bool hasField = !fields.empty();
+    switch (kind) {
+    case Block::SAMPLES: facts.pixels.samples = harmlessText(bytes); return true;
+    case Block::COLOR: facts.pixels.color = harmlessText(bytes); return true;
+    case Block::EXIF_LABEL: fields.back().label = harmlessText(bytes); return true;
+    case Block::EXIF_KEY: return hasField && (fields.back().key = harmlessText(bytes), true);
+    case Block::EXIF_VALUE: return hasField && (fields.back().value = harmlessText(bytes), true);
+    default: return false;
+    }
+}
+
 void readBlock(Block kind, std::span<const std::byte> bytes, Transfer& transfer) {
+    Metadata* metadata = metadataOf(transfer);
     if (kind == Block::WARNING && transfer.warnings.size() < MAX_WARNINGS) {
         transfer.warnings.push_back(harmlessText(bytes));
     } else if (kind == Block::FAILURE && transfer.outcome == Outcome::FAILURE) {
         transfer.failure = harmlessText(bytes);
-    } else if (!transfer.picture || !readMember(kind, bytes, transfer.picture->metadata)) {
+    } else if (!(metadata != nullptr && readMember(kind, bytes, *metadata)) &&
+               !(transfer.facts && readFact(kind, bytes, *transfer.facts))) {
         refuse("a block does not belong there");
     }
 }
@@ -257,6 +320,23 @@ Picture pictureOf(const TransferHeader& header, const std::shared_ptr<std::byte>
     return picture;
 }
 
+PictureFacts factsOf(const TransferHeader& header) {
+    constexpr std::uint32_t LAST_ORIENTATION = 8;
+    if (header.orientation < 1 || header.orientation > LAST_ORIENTATION) {
+        refuse("there is no such orientation");
+    }
+    PictureFacts facts;
+    facts.format = static_cast<FileFormat>(header.format);
+    facts.pixels.width = header.width;
+    facts.pixels.height = header.height;
+    facts.pixels.bitsPerPixel = header.bitsPerPixel;
+    facts.pixels.transparent = header.transparent != 0;
+    facts.metadata.orientation = static_cast<int>(header.orientation);
+    facts.metadata.blocks.resolution = {header.dotsPerMeterX, header.dotsPerMeterY};
+    facts.exif.hasPosition = header.hasPosition != 0;
+    return facts;
+}
+
 TransferHeader checkedHeader(const std::byte* memory, std::size_t size) {
     TransferHeader header{};
     if (size < sizeof header) {
@@ -266,7 +346,7 @@ TransferHeader checkedHeader(const std::byte* memory, std::size_t size) {
     if (std::memcmp(header.magic, MAGIC, sizeof header.magic) != 0) {
         refuse("it is of another version");
     }
-    if (header.outcome > static_cast<std::uint32_t>(Outcome::OUT_OF_MEMORY)) {
+    if (header.outcome > static_cast<std::uint32_t>(Outcome::UNCONFINED)) {
         refuse("there is no such outcome");
     }
     if (header.format > static_cast<std::uint32_t>(FileFormat::UNKNOWN)) {
@@ -292,9 +372,10 @@ std::span<const std::byte> blocksOf(const TransferHeader& header, const std::byt
 
 } // namespace
 
-void TransferWriter::announce(FileFormat format) const {
+void TransferWriter::announce(FileFormat format, bool confined) const {
     Transfer transfer;
     transfer.format = format;
+    transfer.confined = confined;
     const TransferHeader header = headerOf(transfer);
     writeAt(mDescriptor, 0, &header, sizeof header);
 }
@@ -315,12 +396,19 @@ Transfer readTransfer(const std::shared_ptr<std::byte>& memory, std::size_t size
     Transfer transfer;
     transfer.outcome = static_cast<Outcome>(header.outcome);
     transfer.format = static_cast<FileFormat>(header.format);
+    transfer.confined = header.confined != 0;
     if (transfer.outcome == Outcome::NONE) {
         return transfer;
     }
     const std::span<const std::byte> bytes = blocksOf(header, memory.get(), size);
     if (transfer.outcome == Outcome::PICTURE) {
         transfer.picture = pictureOf(header, memory);
+    }
+    if (transfer.outcome == Outcome::FACTS) {
+        if (transfer.format == FileFormat::UNKNOWN) {
+            refuse("facts are of a format");
+        }
+        transfer.facts = factsOf(header);
     }
     for (ByteReader blocks(bytes); !blocks.isAtEnd();) {
         const auto kind = static_cast<Block>(blocks.number());

@@ -13,17 +13,27 @@
 
 #include "zqx/pictures/FileFormat.h"
 #include "zqx/pictures/Picture.h"
+#include "zqx/pictures/codecs/Describe.h"
 
 namespace zqx::pictures {
 
 /// What came of decoding.
-enum class Outcome : std::uint32_t { NONE, PICTURE, FAILURE, OUT_OF_MEMORY };
+enum class Outcome : std::uint32_t {
+    NONE,
+    PICTURE,
+    FACTS,
+    FAILURE,
+    OUT_OF_MEMORY,
+    UNCONFINED, ///< nothing was done, since the system cannot confine the process
+};
 
 /// What one process tells another about a picture file.
 struct Transfer {
     Outcome outcome = Outcome::NONE;
     FileFormat format = FileFormat::UNKNOWN; ///< known before the outcome
+    bool confined = false;                   ///< by the system, and not by limits alone
     std::optional<Picture> picture;          ///< of Outcome::PICTURE
+    std::optional<PictureFacts> facts;       ///< of Outcome::FACTS
     std::string failure;                     ///< of Outcome::FAILURE, the whole line
     std::vector<std::string> warnings;       ///< whole lines
 };
@@ -33,8 +43,8 @@ class TransferWriter {
 public:
     explicit TransferWriter(int descriptor) : mDescriptor(descriptor) {}
 
-    /// Tells the format ahead of the rest.
-    void announce(FileFormat format) const;
+    /// Tells the format and the confinement ahead of the rest.
+    void announce(FileFormat format, bool confined) const;
 
     /// @throws std::system_error when there is no room
     void write(const Transfer& transfer) const;
@@ -58,13 +68,18 @@ struct TransferHeader {
     char magic[16] = {};
     std::uint32_t format = 0;
     std::uint32_t outcome = 0;
-    std::uint32_t layout = 0; ///< of the pixels
+    std::uint32_t confined = 0; ///< 0 or 1
+    std::uint32_t layout = 0;   ///< of the pixels
     std::uint32_t stored = 0;
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::uint32_t dotsPerMeterX = 0;
     std::uint32_t dotsPerMeterY = 0;
     std::uint32_t alpha = 0;
+    std::uint32_t bitsPerPixel = 0; ///< this and the next three are of facts
+    std::uint32_t transparent = 0;  ///< 0 or 1
+    std::uint32_t orientation = 0;
+    std::uint32_t hasPosition = 0; ///< 0 or 1
     std::uint64_t pixelBytes = 0;
     std::uint64_t blockBytes = 0;
 };

@@ -26,13 +26,17 @@ void setMetadataCodec(std::unique_ptr<MetadataCodec> codec) {
     installed() = std::move(codec);
 }
 
-FileMetadata readMetadata(const std::string& name, const Header& header) {
+FileMetadata readMetadata(ByteSource& file, const Header& header) {
     if (installed()) {
-        return installed()->read(name, header.info.format);
+        return installed()->read(file, header.info.format);
     }
     FileMetadata metadata;
     metadata.orientation = header.orientation;
     return metadata;
+}
+
+ExifSummary summarizeExif(const std::vector<unsigned char>& exif) {
+    return installed() && !exif.empty() ? installed()->summarize(exif) : ExifSummary();
 }
 
 void writeWithMetadata(const std::string& name, std::string_view encoded, const Metadata& metadata, unsigned width,

@@ -29,8 +29,8 @@ struct PixelDescription {
     unsigned width = 0;
     unsigned height = 0;
     unsigned bitsPerPixel = 0;
-    const char* samples = ""; ///< "32-bit float, three channels"
-    const char* color = "";   ///< "RGB with alpha"
+    std::string samples; ///< "32-bit float, three channels"
+    std::string color;   ///< "RGB with alpha"
     bool transparent = false;
     Metadata metadata; ///< as far as the decoder reads it
 };

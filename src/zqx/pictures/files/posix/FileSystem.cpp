@@ -3,11 +3,13 @@
 
 #include <cerrno>
 #include <ctime>
+#include <limits>
 #include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -106,6 +108,12 @@ OpenedFile openForReading(const std::string& name, std::error_code& failure) {
         }
         return file;
     }
+    fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
+    return adoptForReading(descriptor, failure);
+}
+
+OpenedFile adoptForReading(int descriptor, std::error_code& failure) {
+    OpenedFile file;
     struct stat status {};
     if (fstat(descriptor, &status) != 0) {
         failure = lastError();
@@ -118,9 +126,20 @@ OpenedFile openForReading(const std::string& name, std::error_code& failure) {
         return file;
     }
     file.size = file.kind == FileKind::REGULAR ? static_cast<std::uint64_t>(status.st_size) : 0;
-    fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
     file.stream = streamFor(descriptor, "rb", failure);
     return file;
+}
+
+std::shared_ptr<const unsigned char> mapForReading(std::FILE* stream, std::uint64_t size) {
+    if (size == 0 || size > std::numeric_limits<std::size_t>::max()) {
+        return nullptr;
+    }
+    const auto bytes = static_cast<std::size_t>(size);
+    void* address = mmap(nullptr, bytes, PROT_READ, MAP_PRIVATE, fileno(stream), 0);
+    if (address == MAP_FAILED) {
+        return nullptr;
+    }
+    return {static_cast<const unsigned char*>(address), [address, bytes](const unsigned char*) { munmap(address, bytes); }};
 }
 
 void waitForInput(std::FILE* pipe) {

@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <limits>
 
 #include <fcntl.h>
 #include <io.h>
@@ -49,12 +50,19 @@ OpenedFile openForReading(const std::string& name, std::error_code& failure) {
         return file;
     }
     const int descriptor = _wopen(toPath(name).c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
-    struct _stat64 status {};
-    if (descriptor < 0 || _fstat64(descriptor, &status) != 0) {
+    if (descriptor < 0) {
         failure = lastError();
-        if (descriptor >= 0) {
-            _close(descriptor);
-        }
+        return file;
+    }
+    return adoptForReading(descriptor, failure);
+}
+
+OpenedFile adoptForReading(int descriptor, std::error_code& failure) {
+    OpenedFile file;
+    struct _stat64 status {};
+    if (_fstat64(descriptor, &status) != 0) {
+        failure = lastError();
+        _close(descriptor);
         return file;
     }
     switch (status.st_mode & _S_IFMT) {
@@ -64,6 +72,23 @@ OpenedFile openForReading(const std::string& name, std::error_code& failure) {
     }
     file.stream = streamFor(descriptor, "rb", failure);
     return file;
+}
+
+std::shared_ptr<const unsigned char> mapForReading(std::FILE* stream, std::uint64_t size) {
+    if (size == 0 || size > std::numeric_limits<SIZE_T>::max()) {
+        return nullptr;
+    }
+    const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+    const HANDLE mapping = CreateFileMappingW(file, nullptr, PAGE_READONLY, 0, 0, nullptr);
+    if (mapping == nullptr) {
+        return nullptr;
+    }
+    const void* address = MapViewOfFile(mapping, FILE_MAP_READ, 0, 0, static_cast<SIZE_T>(size));
+    CloseHandle(mapping); // the view keeps it
+    if (address == nullptr) {
+        return nullptr;
+    }
+    return {static_cast<const unsigned char*>(address), [](const unsigned char* bytes) { UnmapViewOfFile(bytes); }};
 }
 
 void waitForInput(std::FILE*) { // reading waits

@@ -7,8 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <initializer_list>
-#include <memory>
+#include <ctime>
 #include <system_error>
 
 #include <fcntl.h>
@@ -16,12 +15,13 @@
 #include <unistd.h>
 
 #if defined(__linux__)
+#include <linux/capability.h>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #endif
-#if defined(ZQX_WITH_SECCOMP)
-#include <sched.h>
-#include <seccomp.h>
-#endif
+
+#include "zqx/pictures/isolation/decoder/FileBarrier.h"
+#include "zqx/pictures/isolation/decoder/SystemCallFilter.h"
 
 namespace zqx::pictures {
 
@@ -84,7 +84,7 @@ void dieWithParent(std::uint64_t parent) {
 /// Other threads of the program have files open, too.
 void closeOthers() {
     constexpr int MANY = 65536;
-    constexpr int FIRST = DecodeRequest::ALIVE + 1;
+    constexpr int FIRST = DecodeRequest::LAST + 1;
 #if defined(__GLIBC__)
 #if __GLIBC_PREREQ(2, 34)
     closefrom(FIRST);
@@ -97,136 +97,32 @@ void closeOthers() {
     }
 }
 
+/// Also of an administrator: what is open needs no rights.
 void giveUpRights() {
 #if defined(__linux__)
     if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0) {
         fail(errno);
     }
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    const __user_cap_data_struct none[_LINUX_CAPABILITY_U32S_3]{};
+    if (syscall(SYS_capset, &header, none) != 0) {
+        fail(errno);
+    }
 #endif
 }
 
-#if defined(ZQX_WITH_SECCOMP)
-
-/// System calls that no decoder makes and everybody who has taken one over wants. A list of what is allowed would be
-/// shorter to exploit, but every other version of the C library or of FreeImage's twenty libraries would break it.
-constexpr const char* FORBIDDEN[] = {
-    "accept",
-    "accept4",
-    "add_key",
-    "bind",
-    "bpf",
-    "chmod",
-    "chown",
-    "chroot",
-    "connect",
-    "creat",
-    "execve",
-    "execveat",
-    "fchmod",
-    "fchmodat",
-    "fchmodat2",
-    "fchown",
-    "fchownat",
-    "fork",
-    "fsetxattr",
-    "init_module",
-    "finit_module",
-    "io_uring_enter",
-    "io_uring_setup",
-    "ioctl",
-    "kcmp",
-    "kexec_load",
-    "keyctl",
-    "kill",
-    "lchown",
-    "link",
-    "linkat",
-    "listen",
-    "lsetxattr",
-    "mkdir",
-    "mkdirat",
-    "mknod",
-    "mknodat",
-    "mount",
-    "name_to_handle_at",
-    "open_by_handle_at",
-    "pidfd_getfd",
-    "pidfd_open",
-    "pidfd_send_signal",
-    "perf_event_open",
-    "pivot_root",
-    "process_vm_readv",
-    "process_vm_writev",
-    "ptrace",
-    "recvfrom",
-    "recvmsg",
-    "rename",
-    "renameat",
-    "renameat2",
-    "request_key",
-    "rmdir",
-    "sendmmsg",
-    "sendmsg",
-    "sendto",
-    "setns",
-    "setxattr",
-    "socket",
-    "socketpair",
-    "symlink",
-    "symlinkat",
-    "tkill",
-    "truncate",
-    "umount2",
-    "unlink",
-    "unlinkat",
-    "unshare",
-    "userfaultfd",
-    "utimensat",
-    "vfork",
-};
-
-/// @param conditions all of which an argument of the call has to meet; none: any call
-void forbid(scmp_filter_ctx filter, const char* name, int error, std::initializer_list<scmp_arg_cmp> conditions = {}) {
-    const int number = seccomp_syscall_resolve_name(name);
-    if (number != __NR_SCMP_ERROR) { // not every system has all
-        seccomp_rule_add_array(filter, SCMP_ACT_ERRNO(static_cast<unsigned>(error)), number,
-                               static_cast<unsigned>(conditions.size()), conditions.begin());
-    }
+/// What the C library would open later.
+void readSystemFiles() {
+    tzset();
 }
-
-void forbidSystemCalls() {
-    const std::unique_ptr<void, void (*)(scmp_filter_ctx)> filter(seccomp_init(SCMP_ACT_ALLOW), seccomp_release);
-    if (!filter) {
-        fail(ENOMEM);
-    }
-    for (const char* name : FORBIDDEN) {
-        forbid(filter.get(), name, EPERM);
-    }
-    // Files are opened for reading only; threads may be started, processes may not.
-    for (const std::uint64_t mode : {O_WRONLY, O_RDWR}) {
-        forbid(filter.get(), "open", EPERM, {{1, SCMP_CMP_MASKED_EQ, O_ACCMODE, mode}});
-        forbid(filter.get(), "openat", EPERM, {{2, SCMP_CMP_MASKED_EQ, O_ACCMODE, mode}});
-    }
-    forbid(filter.get(), "clone", EPERM, {{0, SCMP_CMP_MASKED_EQ, CLONE_THREAD, 0}});
-    // Their arguments are in memory, where a filter cannot look. The C library knows what to do without them.
-    forbid(filter.get(), "clone3", ENOSYS);
-    forbid(filter.get(), "openat2", ENOSYS);
-    seccomp_load(filter.get()); // refused by old and by restricted systems: the other limits hold there
-}
-
-#else
-
-void forbidSystemCalls() {
-}
-
-#endif
 
 } // namespace
 
-void confine(const DecodeRequest& request) {
+bool confine(const DecodeRequest& request) {
     dieWithParent(request.parent);
     closeOthers();
     giveUpRights();
+    readSystemFiles();
     constexpr std::uint64_t FILES = 32;
     constexpr std::uint64_t ROOM_FOR_METADATA = std::uint64_t{256} << 20U;
     constexpr std::uint64_t LARGEST_PIXEL = 16;                                     // bytes
@@ -240,7 +136,8 @@ void confine(const DecodeRequest& request) {
     limit(RLIMIT_CORE, 0);
     limit(RLIMIT_NOFILE, FILES);
     limit(RLIMIT_FSIZE, std::min(memory / LARGEST_PIXEL, request.limits.pixels) * LARGEST_PIXEL + ROOM_FOR_METADATA);
-    forbidSystemCalls();
+    barFiles();
+    return filterSystemCalls();
 }
 
 } // namespace zqx::pictures

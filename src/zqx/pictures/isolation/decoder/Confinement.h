@@ -5,7 +5,9 @@
 
 namespace zqx::pictures {
 
-/// Limits memory, time, files and rights of this process, for good. @throws std::system_error when it cannot
-void confine(const DecodeRequest& request);
+/// Limits memory, time, files and rights of this process, for good.
+/// @return true where the system also confines it: it can open nothing, start nothing and reach no other process
+/// @throws std::system_error when a limit cannot be set
+bool confine(const DecodeRequest& request);
 
 } // namespace zqx::pictures

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "zqx/pictures/codecs/Decode.h"
+#include "zqx/pictures/codecs/Describe.h"
 #include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/isolation/DecodeRequest.h"
@@ -28,14 +29,13 @@ struct TooLarge {};
 
 class Decoder {
 public:
-    explicit Decoder(const DecodeRequest& request) : mRequest(request) {}
+    Decoder(const DecodeRequest& request, bool confined) : mRequest(request) { mTransfer.confined = confined; }
 
     Transfer run() {
         const WarningListener listener([this](const std::string& line) { mTransfer.warnings.push_back(line); });
         try {
-            mTransfer.picture =
-                decodePicture(mRequest.name, mRequest.limits, [this](const HeaderInfo& info) { note(info); });
-            mTransfer.outcome = Outcome::PICTURE;
+            PictureFile file(InputFile(DecodeRequest::FILE, mRequest.name), mRequest.limits);
+            work(file);
         } catch (const Error& error) {
             mTransfer.outcome = needsTooMuch(2) ? Outcome::OUT_OF_MEMORY : Outcome::FAILURE;
             mTransfer.failure = error.what();
@@ -48,13 +48,24 @@ public:
     }
 
 private:
+    void work(PictureFile& file) {
+        const HeaderListener listener = [this](const HeaderInfo& info) { note(info); };
+        if (mRequest.task == DecodeRequest::Task::DECODE) {
+            mTransfer.picture = decodePicture(file, mRequest.limits, listener);
+            mTransfer.outcome = Outcome::PICTURE;
+        } else {
+            mTransfer.facts = describePicture(file, mRequest.limits, listener);
+            mTransfer.outcome = Outcome::FACTS;
+        }
+    }
+
     void note(const HeaderInfo& info) {
         mTransfer.format = info.format;
         mInfo = info;
         if (!info.hasSize()) {
-            TransferWriter(DecodeRequest::RESULT).announce(info.format);
+            TransferWriter(DecodeRequest::RESULT).announce(info.format, mTransfer.confined);
         }
-        if (needsTooMuch(1)) {
+        if (mRequest.task == DecodeRequest::Task::DECODE && needsTooMuch(1)) {
             throw TooLarge();
         }
     }
@@ -75,6 +86,7 @@ void writeResult(const Transfer& transfer) {
         Transfer apology;
         apology.outcome = Outcome::OUT_OF_MEMORY;
         apology.format = transfer.format;
+        apology.confined = transfer.confined;
         writer.write(apology);
     }
 }
@@ -90,10 +102,16 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        confine(*request);
+        const bool confined = confine(*request);
+        if (!confined && request->requireConfinement) {
+            Transfer refusal;
+            refusal.outcome = Outcome::UNCONFINED;
+            writeResult(refusal);
+            _exit(EXIT_SUCCESS);
+        }
         dieOfFaults();
         installExiv2();
-        writeResult(Decoder(*request).run());
+        writeResult(Decoder(*request, confined).run());
     } catch (const std::exception&) {
         _exit(EXIT_FAILURE);
     }

@@ -23,7 +23,7 @@ Exiv2::ExifData::const_iterator timeTaken(const Exiv2::ExifData& tags) {
 
 } // namespace
 
-ExifSummary summarizeExif(const std::vector<unsigned char>& block) {
+ExifSummary summarizeByExiv2(const std::vector<unsigned char>& block) {
     static constexpr struct {
         const char* label;
         const char* key;

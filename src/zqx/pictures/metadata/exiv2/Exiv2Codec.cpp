@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "zqx/pictures/MetadataCodec.h"
+#include "zqx/pictures/metadata/exiv2/ExifSummary.h"
 #include "zqx/pictures/metadata/exiv2/Exiv2Library.h"
 #include "zqx/pictures/metadata/exiv2/MetadataReader.h"
 #include "zqx/pictures/metadata/exiv2/MetadataWriter.h"
@@ -14,7 +15,9 @@ namespace {
 
 class Exiv2Codec final : public MetadataCodec {
 public:
-    FileMetadata read(const std::string& name, FileFormat format) override { return readByExiv2(name, format); }
+    FileMetadata read(ByteSource& file, FileFormat format) override { return readByExiv2(file, format); }
+
+    ExifSummary summarize(const std::vector<unsigned char>& exif) override { return summarizeByExiv2(exif); }
 
     void write(const std::string& name, std::string_view encoded, const Metadata& metadata, unsigned width,
                unsigned height, const FileConsumer& consumer) override {

@@ -1,17 +1,16 @@
 // Reading metadata with Exiv2, which knows far more of it than the picture decoders do and is less easily hurt by it.
 #include "zqx/pictures/metadata/exiv2/MetadataReader.h"
 
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/metadata/Orientation.h"
 #include "zqx/pictures/metadata/exiv2/ExifTags.h"
 #include "zqx/pictures/metadata/exiv2/Exiv2Library.h"
+#include "zqx/pictures/metadata/exiv2/SourceIo.h"
 
 namespace zqx::pictures {
 
@@ -30,17 +29,6 @@ bool hasMetadata(FileFormat format) {
     case FileFormat::RAW: return true;
     default: return false;
     }
-}
-
-std::unique_ptr<Exiv2::Image> openFile(const std::string& name) {
-    // Exiv2 takes names that begin like an address in the network for one. Absolute paths do not.
-    const std::filesystem::path path = std::filesystem::absolute(toPath(name));
-#if defined(_WIN32) && defined(EXV_UNICODE_PATH)
-    return std::unique_ptr<Exiv2::Image>(Exiv2::ImageFactory::open(path.wstring()).release());
-#else
-    // On Windows, without that option, files whose names the code page does not have are read without metadata.
-    return std::unique_ptr<Exiv2::Image>(Exiv2::ImageFactory::open(path.string()).release());
-#endif
 }
 
 /// Does what may fail with one kind of metadata, and warns where it did or where the block is too large.
@@ -116,16 +104,16 @@ FileMetadata read(Exiv2::Image& image, const std::string& name, FileFormat forma
 
 } // namespace
 
-FileMetadata readByExiv2(const std::string& name, FileFormat format) {
+FileMetadata readByExiv2(ByteSource& file, FileFormat format) {
     if (!hasMetadata(format)) {
         return {};
     }
     prepareExiv2();
     try {
-        const auto image = openFile(name);
-        return read(*image, name, format);
+        const std::unique_ptr<Exiv2::Image> image = openImage(file);
+        return read(*image, file.name(), format);
     } catch (const std::exception& failure) {
-        warn(name, "its metadata cannot be read (" + wordsOf(failure) + "), it is left out");
+        warn(file.name(), "its metadata cannot be read (" + wordsOf(failure) + "), it is left out");
     }
     return {};
 }
