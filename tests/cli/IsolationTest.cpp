@@ -153,6 +153,22 @@ TEST_P(EachFormatTest, GivesTheSameFileInAProcessOfItsOwn) {
     }
 }
 
+TEST_P(EachFormatTest, IsDescribedTheSameByAProcessOfItsOwn) {
+    const std::string in = at(GetParam().name);
+    writePicture(in, pictureOf(GetParam()), GetParam().flags);
+    for (const char* form : {"--json", "--no-isolate"}) { // the second in words
+        std::vector<std::string> isolated{"info", in, "--isolate"};
+        if (form == std::string("--json")) {
+            isolated.emplace_back(form);
+        }
+        const Outcome there = zqxImg(isolated);
+        const Outcome here = zqxImg({"info", in, form});
+        EXPECT_EQ(there.exitCode, 0) << there.err;
+        EXPECT_EQ(there.out, here.out);
+        EXPECT_EQ(there.err, here.err);
+    }
+}
+
 TEST_P(EachFormatTest, IsToldToBeDamagedInTheSameWords) {
     const std::string in = at(GetParam().name);
     writePicture(in, pictureOf(GetParam()), GetParam().flags);
@@ -235,6 +251,9 @@ TEST_F(IsolationTest, MetadataAndTurningAreTheSame) {
         EXPECT_EQ(sameBothWays(in, at(out)).exitCode, 0);
     }
     EXPECT_EQ(zqxImg({"apply", in, "-o", at("out.jpg"), "--isolate"}).exitCode, 0);
+    const Outcome described = zqxImg({"info", in, "--isolate"});
+    EXPECT_EQ(described.out, zqxImg({"info", in}).out);
+    EXPECT_NE(described.out.find("Tester"), std::string::npos);
     EXPECT_EQ(runCommand({"exiftool", "-s3", "-EXIF:Make", "-IPTC:City", "-XMP:Title", at("out.jpg")}).out,
               "Tester\nExample\nA title\n");
 }
@@ -448,6 +467,7 @@ TEST_F(EndlessRunTest, DecoderHasNoMoreThanItNeeds) {
         waitUntil([this] { return statusOf("limits").find("Max open files            32 ") != std::string::npos; }));
     EXPECT_NE(statusOf("limits").find("Max core file size        0 "), std::string::npos);
     EXPECT_NE(statusOf("status").find("NoNewPrivs:\t1"), std::string::npos);
+    EXPECT_NE(statusOf("status").find("CapEff:\t0000000000000000"), std::string::npos);
 #if defined(ZQX_WITH_SECCOMP)
     EXPECT_TRUE(waitUntil([this] { return statusOf("status").find("Seccomp:\t2") != std::string::npos; }));
 #endif

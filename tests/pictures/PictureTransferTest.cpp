@@ -357,27 +357,24 @@ TEST(HostileTransferTest, FactsThatAreNone) {
         EXPECT_THROW(received(withHeader(facts, [&](TransferHeader& header) { header.orientation = orientation; })),
                      BadTransfer);
     }
-    EXPECT_THROW(received(withHeader(facts,
-                                     [](TransferHeader& header) {
-                                         header.format = static_cast<std::uint32_t>(FileFormat::UNKNOWN);
-                                     })),
-                 BadTransfer);
+    EXPECT_THROW(
+        received(withHeader(
+            facts, [](TransferHeader& header) { header.format = static_cast<std::uint32_t>(FileFormat::UNKNOWN); })),
+        BadTransfer);
     Transfer many = exampleFacts();
     many.facts->exif.fields.assign(65, {"a", "b", "c"});
     EXPECT_THROW(received(written(many)), BadTransfer);
     // A value before any field.
     EXPECT_THROW(received(withPatch(facts, {"\x09\0\0\0", 4}, {"\x0B\0\0\0", 4})), BadTransfer);
     // Facts of a picture, and a picture's facts.
-    EXPECT_THROW(received(withHeader(written(exampleTransfer()),
-                                     [](TransferHeader& header) {
-                                         header.outcome = static_cast<std::uint32_t>(Outcome::FACTS);
-                                     })),
+    EXPECT_THROW(received(withHeader(
+                     written(exampleTransfer()),
+                     [](TransferHeader& header) { header.outcome = static_cast<std::uint32_t>(Outcome::FACTS); })),
                  BadTransfer);
-    EXPECT_THROW(received(withHeader(facts,
-                                     [](TransferHeader& header) {
-                                         header.outcome = static_cast<std::uint32_t>(Outcome::PICTURE);
-                                     })),
-                 BadTransfer);
+    EXPECT_THROW(
+        received(withHeader(
+            facts, [](TransferHeader& header) { header.outcome = static_cast<std::uint32_t>(Outcome::PICTURE); })),
+        BadTransfer);
 }
 
 TEST(HostileTransferTest, NoSuchAlpha) {

@@ -153,9 +153,7 @@ TransferHeader headerOf(const Transfer& transfer) {
 /// The metadata that travel with a picture or with facts; null where neither does.
 template <typename T>
 auto metadataOf(T& transfer) {
-    return transfer.picture ? &transfer.picture->metadata
-           : transfer.facts ? &transfer.facts->metadata.blocks
-                            : nullptr;
+    return transfer.picture ? &transfer.picture->metadata : transfer.facts ? &transfer.facts->metadata.blocks : nullptr;
 }
 
 void writeFacts(const PictureFacts& facts, ByteWriter& blocks) {

@@ -139,7 +139,8 @@ std::shared_ptr<const unsigned char> mapForReading(std::FILE* stream, std::uint6
     if (address == MAP_FAILED) {
         return nullptr;
     }
-    return {static_cast<const unsigned char*>(address), [address, bytes](const unsigned char*) { munmap(address, bytes); }};
+    return {static_cast<const unsigned char*>(address),
+            [address, bytes](const unsigned char*) { munmap(address, bytes); }};
 }
 
 void waitForInput(std::FILE* pipe) {

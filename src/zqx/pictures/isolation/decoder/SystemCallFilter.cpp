@@ -120,8 +120,8 @@ private:
 
 /// Threads, but no processes and none of the kernel's namespaces, which open far more of it.
 void allowThreads(Filter& filter) {
-    constexpr std::uint64_t NAMESPACES = CLONE_NEWNS | CLONE_NEWCGROUP | CLONE_NEWUTS | CLONE_NEWIPC | CLONE_NEWUSER |
-                                         CLONE_NEWPID | CLONE_NEWNET;
+    constexpr std::uint64_t NAMESPACES =
+        CLONE_NEWNS | CLONE_NEWCGROUP | CLONE_NEWUTS | CLONE_NEWIPC | CLONE_NEWUSER | CLONE_NEWPID | CLONE_NEWNET;
     constexpr std::uint64_t OTHERS = CLONE_VFORK | CLONE_PTRACE | CLONE_PARENT | CLONE_PIDFD | CLONE_UNTRACED;
     constexpr std::uint64_t SHARED = CLONE_THREAD | CLONE_SIGHAND | CLONE_VM | CLONE_FS | CLONE_FILES;
     filter.allow("clone", {bits(0, NAMESPACES | OTHERS | SHARED, SHARED)});

@@ -39,18 +39,31 @@ public:
     int error() const override { return 0; }
     bool eof() const override { return mAtEnd; }
 #if EXIV2_TEST_VERSION(0, 28, 0)
-    PathName path() const noexcept override { return mSource.name(); }
+    PathName path() const noexcept override {
+        return mSource.name();
+    }
 #else
-    PathName path() const override { return mSource.name(); }
+    PathName path() const override {
+        return mSource.name();
+    }
 #endif
 #if defined(EXV_UNICODE_PATH)
-    std::wstring wpath() const override { return {}; }
+    std::wstring wpath() const override {
+        return {};
+    }
 #endif
 
-    Exiv2Size write(const Exiv2::byte*, Exiv2Size) override { return 0; }
-    Exiv2Size write(Exiv2::BasicIo&) override { return 0; }
-    int putb(Exiv2::byte) override { return EOF; }
-    void transfer(Exiv2::BasicIo&) override {}
+    Exiv2Size write(const Exiv2::byte*, Exiv2Size) override {
+        return 0;
+    }
+    Exiv2Size write(Exiv2::BasicIo&) override {
+        return 0;
+    }
+    int putb(Exiv2::byte) override {
+        return EOF;
+    }
+    void transfer(Exiv2::BasicIo&) override {
+    }
 
     Exiv2::DataBuf read(Exiv2Size count) override {
         const std::uint64_t left = mSource.size() - std::min(mPlace, mSource.size());
@@ -82,8 +95,12 @@ public:
         mAtEnd = false;
         return 0;
     }
-    Exiv2Size tell() const override { return static_cast<Exiv2Size>(mPlace); }
-    std::size_t size() const override { return static_cast<std::size_t>(mSource.size()); }
+    Exiv2Size tell() const override {
+        return static_cast<Exiv2Size>(mPlace);
+    }
+    std::size_t size() const override {
+        return static_cast<std::size_t>(mSource.size());
+    }
 
     /// Exiv2 writes to what it maps only where it writes files.
     Exiv2::byte* mmap(bool) override {
