@@ -168,12 +168,12 @@ TEST_F(DamagedPictureTest, AFailingDiskIsNotCalledDamage) {
 TEST_F(DamagedPictureTest, ReplacingAnAnimationByItsFirstFrameIsRefused) {
     const std::string frame = raw(",\0\0\0\0\1\0\1\0\0\2\2\x44\1\0");
     img::test::writeFile(at("a.gif"), raw("GIF89a\1\0\1\0\x80\0\0\1\2\3\4\5\6") + frame + frame + ";");
-    EXPECT_THROW(checkReplacement(at("a.gif"), at("a.gif")), Error);
+    EXPECT_THROW(checkReplacement(PictureFile(at("a.gif"), {}), at("a.gif")), Error);
     std::filesystem::create_symlink(at("a.gif"), at("link.gif"));
-    EXPECT_THROW(checkReplacement(at("a.gif"), at("link.gif")), Error);
-    EXPECT_NO_THROW(checkReplacement(at("a.gif"), at("other.gif")));
+    EXPECT_THROW(checkReplacement(PictureFile(at("a.gif"), {}), at("link.gif")), Error);
+    EXPECT_NO_THROW(checkReplacement(PictureFile(at("a.gif"), {}), at("other.gif")));
     img::test::writePicture(at("b.gif"), indexed());
-    EXPECT_NO_THROW(checkReplacement(at("b.gif"), at("b.gif")));
+    EXPECT_NO_THROW(checkReplacement(PictureFile(at("b.gif"), {}), at("b.gif")));
     std::string warnings;
     const WarningListener listener([&](const std::string& line) { warnings += line; });
     readPicture(at("a.gif"));

@@ -4,7 +4,8 @@
 #include <stdexcept>
 #include <string>
 
-#include <gtest/gtest.h>
+#include <support/DirectoryTest.h>
+#include <support/Process.h>
 
 #include <zqx/tools/Batch.h>
 
@@ -20,10 +21,10 @@ struct ForeignFailure {
 class Observer : public BatchObserver {
 public:
     void begin(const std::string& input) override {
-        if (input == "foreign.png") {
+        if (input.ends_with("foreign.ppm")) {
             throw ForeignFailure{7};
         }
-        if (input == "number.png") {
+        if (input.ends_with("number.ppm")) {
             throw 7;
         }
     }
@@ -45,35 +46,41 @@ private:
     std::mutex mMutex;
 };
 
-std::vector<PlannedPicture> planOf(const std::vector<std::string>& inputs) {
-    std::vector<PlannedPicture> plan;
-    for (const std::string& input : inputs) {
-        plan.push_back({input, "adjusted-" + input, PlannedPicture::Action::CREATE, ""});
+class BatchRunTest : public img::test::DirectoryTest {
+protected:
+    void run(const std::vector<std::string>& inputs, Observer& observer) {
+        std::vector<PlannedPicture> plan;
+        for (const std::string& input : inputs) {
+            plan.push_back({at(input), at("adjusted-" + input), PlannedPicture::Action::CREATE, ""});
+        }
+        const ApplySettings settings{img::ImageProcessingPipeline(0), {}, {}};
+        MemoryGate gate(std::uint64_t{1} << 30);
+        runBatch(plan, "", settings, {2, 1}, gate, observer);
     }
-    return plan;
-}
-
-void run(const std::vector<std::string>& inputs, Observer& observer) {
-    ApplySettings settings{img::ImageProcessingPipeline(0), {}, {}};
-    MemoryGate gate(std::uint64_t{1} << 30);
-    runBatch(planOf(inputs), "", settings, {2, 1}, gate, observer);
-}
+};
 
 } // namespace
 
-TEST(BatchRunTest, ExceptionsOfAnyTypeFailThePictureAlone) {
+TEST_F(BatchRunTest, ExceptionsOfAnyTypeFailThePictureAlone) {
     Observer observer;
-    run({"foreign.png", "number.png", "missing.png"}, observer);
-    EXPECT_EQ(observer.reasons["foreign.png"], "foreign.png: unexpected failure, for a reason that was not given");
-    EXPECT_EQ(observer.reasons["number.png"], "number.png: unexpected failure, for a reason that was not given");
-    EXPECT_EQ(observer.reasons["missing.png"].rfind("missing.png: ", 0), 0U) << observer.reasons["missing.png"];
-    EXPECT_EQ(observer.reasons.size(), 3U);
+    const std::string pixel = "P6 1 1 255\nabc";
+    img::test::writeFile(at("foreign.ppm"), pixel);
+    img::test::writeFile(at("number.ppm"), pixel);
+    img::test::writeFile(at("good.ppm"), pixel);
+    run({"foreign.ppm", "number.ppm", "missing.ppm", "good.ppm"}, observer);
+    const std::string unexpected = ": unexpected failure, for a reason that was not given";
+    EXPECT_EQ(observer.reasons[at("foreign.ppm")], at("foreign.ppm") + unexpected);
+    EXPECT_EQ(observer.reasons[at("number.ppm")], at("number.ppm") + unexpected);
+    EXPECT_TRUE(observer.reasons[at("missing.ppm")].starts_with(at("missing.ppm") + ": "));
+    EXPECT_EQ(observer.reasons[at("good.ppm")], "");
+    EXPECT_EQ(observer.reasons.size(), 4U);
+    EXPECT_EQ(files(), (std::vector<std::string>{"adjusted-good.ppm", "foreign.ppm", "good.ppm", "number.ppm"}));
 }
 
-TEST(BatchRunTest, WhatTheObserverThrowsEndsTheRunAndReachesItsCaller) {
+TEST_F(BatchRunTest, WhatTheObserverThrowsEndsTheRunAndReachesItsCaller) {
     Observer observer;
-    observer.throwsAt = "missing.png";
-    EXPECT_THROW(run({"missing.png"}, observer), std::runtime_error);
+    observer.throwsAt = at("missing.ppm");
+    EXPECT_THROW(run({"missing.ppm"}, observer), std::runtime_error);
 }
 
 } // namespace zqx::tools

@@ -10,6 +10,7 @@
 #include <zqx/tools/MemoryGate.h>
 
 #include "zqx/pictures/files/Error.h"
+#include "zqx/tools/batch/OpenPicture.h"
 
 #include <cli/Pictures.h>
 #include <support/DirectoryTest.h>
@@ -24,7 +25,10 @@ namespace {
 constexpr std::chrono::seconds LONG(20);       // nothing takes that long unless it hangs
 constexpr std::chrono::milliseconds SHORT(50); // for what must not happen
 
-using MemoryNeedTest = img::test::DirectoryTest;
+class MemoryNeedTest : public img::test::DirectoryTest {
+protected:
+    MemoryInput inputAt(const std::string& name) const { return memoryInput(PictureFile(at(name), {})); }
+};
 
 } // namespace
 
@@ -106,9 +110,9 @@ TEST_F(MemoryNeedTest, GrowsWithPixelsDepthAndOutputs) {
     img::test::writePicture(at("tiny.png"), img::test::paint(1, 1, 24, img::test::motley));
     img::test::writePicture(at("bytes.png"), img::test::paint(1000, 1000, 24, img::test::motley));
     img::test::writePicture(at("floats.exr"), img::test::fillSamples(FIT_RGBF, 96, 1000, 1000), EXR_FLOAT);
-    const std::uint64_t base = memoryNeed(at("tiny.png"), {"out.png"});
+    const std::uint64_t base = memoryNeed(inputAt("tiny.png"), {"out.png"});
     const auto bytesPerPixel = [&](const char* input, const std::vector<std::string>& outputs) {
-        return static_cast<double>(memoryNeed(at(input), outputs) - base) / 1e6;
+        return static_cast<double>(memoryNeed(inputAt(input), outputs) - base) / 1e6;
     };
     constexpr double TINY = 0.001;
     EXPECT_NEAR(bytesPerPixel("bytes.png", {"out.png"}), 3 * 3, TINY);   // three copies of three bytes
@@ -125,29 +129,29 @@ TEST_F(MemoryNeedTest, GifsGoByTheFrameThatIsDecodedAndNotByTheirScreen) {
     const std::string large("\x88\x13\x88\x13", 4); // 5000 x 5000
     img::test::writeFile(at("large.gif"), gif(small, large));
     img::test::writeFile(at("small.gif"), gif(large, small));
-    EXPECT_GT(memoryNeed(at("large.gif"), {"out.png"}), 5000U * 5000U * 4U);
-    EXPECT_LT(memoryNeed(at("small.gif"), {"out.png"}), 5000U * 5000U);
+    EXPECT_GT(memoryNeed(inputAt("large.gif"), {"out.png"}), 5000U * 5000U * 4U);
+    EXPECT_LT(memoryNeed(inputAt("small.gif"), {"out.png"}), 5000U * 5000U);
 }
 
 TEST_F(MemoryNeedTest, UnknownFormatsGoByTheSizeOfTheFile) {
     img::test::writeFile(at("picture.sgi"), std::string(100000, 'x'));
     img::test::writeFile(at("camera.nef"), std::string(100000, 'x'));
-    const std::uint64_t base = memoryNeed(at("missing.sgi"), {"out.png"});
-    EXPECT_GT(memoryNeed(at("picture.sgi"), {"out.png"}) - base, 4000000U); // may be packed tightly
-    EXPECT_GT(memoryNeed(at("camera.nef"), {"out.png"}) - base, 1200000U);
+    const std::uint64_t base = memoryNeed({}, {"out.png"});
+    EXPECT_GT(memoryNeed(inputAt("picture.sgi"), {"out.png"}) - base, 4000000U); // may be packed tightly
+    EXPECT_GT(memoryNeed(inputAt("camera.nef"), {"out.png"}) - base, 1200000U);
 }
 
 TEST_F(MemoryNeedTest, WorkBeyondTheLimitIsRefusedBeforeItBegins) {
     img::test::writePicture(at("a.png"), img::test::paint(1000, 1000, 24, img::test::motley));
     img::test::writePicture(at("b.png"), img::test::paint(1000, 1000, 24, img::test::motley));
-    const std::uint64_t one = memoryNeed(at("a.png"), {});
-    requireMemory({{at("a.png")}, {}}, one);
-    requireMemory({{at("a.png"), "", at("b.png")}, {}}, 2 * one);
-    EXPECT_THROW(requireMemory({{at("a.png")}, {}}, one - 1), Error);
-    EXPECT_THROW(requireMemory({{at("a.png"), at("b.png")}, {}}, 2 * one - 1), Error);
-    EXPECT_THROW(requireMemory({{at("a.png")}, {}, 16}, one + 16 * 1000 * 1000 - 1), Error);
-    requireMemory({{at("a.png")}, {}, 16}, one + 16 * 1000 * 1000);
-    requireMemory({{at("a.png")}, {}}, 0); // the default is enough for a small picture
+    const std::uint64_t one = memoryNeed(inputAt("a.png"), {});
+    requireMemory({{inputAt("a.png")}, {}}, one);
+    requireMemory({{inputAt("a.png"), inputAt("b.png")}, {}}, 2 * one);
+    EXPECT_THROW(requireMemory({{inputAt("a.png")}, {}}, one - 1), Error);
+    EXPECT_THROW(requireMemory({{inputAt("a.png"), inputAt("b.png")}, {}}, 2 * one - 1), Error);
+    EXPECT_THROW(requireMemory({{inputAt("a.png")}, {}, 16}, one + 16 * 1000 * 1000 - 1), Error);
+    requireMemory({{inputAt("a.png")}, {}, 16}, one + 16 * 1000 * 1000);
+    requireMemory({{inputAt("a.png")}, {}}, 0); // the default is enough for a small picture
 }
 
 TEST(MemoryLimitTest, DefaultIsAtMostHalfOfTheMemory) {

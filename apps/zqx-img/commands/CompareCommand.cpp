@@ -25,6 +25,7 @@
 #include "zqx/text/Json.h"
 #include "zqx/text/Numbers.h"
 #include "zqx/text/Width.h"
+#include "zqx/tools/batch/OpenPicture.h"
 
 namespace zqx::app {
 
@@ -193,9 +194,11 @@ void runCompare(const CompareOptions& options) {
     if (!options.picture.empty()) {
         checkResultFile(options.picture, {options.files[0], options.files[1]});
     }
-    requireMemory({{options.files[0], options.files[1]}, {}}, options.memory);
-    Picture a = readPicture(options.files[0], options.loading);
-    Picture b = readPicture(options.files[1], options.loading);
+    PictureFile first(options.files[0], options.loading.limits);
+    PictureFile second(options.files[1], options.loading.limits);
+    requireMemory({{memoryInput(first), memoryInput(second)}, {}}, options.memory);
+    Picture a = readPicture(first, options.loading);
+    Picture b = readPicture(second, options.loading);
     if (const std::optional<std::string> reason = obstacle(options, a, b)) {
         if (options.json) {
             printJson(options, a, b, "incomparable", nullptr);

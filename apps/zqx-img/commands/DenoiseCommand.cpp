@@ -22,6 +22,7 @@
 #include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/Encode.h"
 #include "zqx/pictures/files/Error.h"
+#include "zqx/tools/batch/OpenPicture.h"
 
 namespace zqx::app {
 
@@ -64,13 +65,13 @@ void forEachPixel(img::Image& image, const std::function<img::Color(const img::C
     }
 }
 
-Picture loadGuide(const std::string& name, const Picture& color, const ReadOptions& loading) {
-    Picture guide = readPicture(name, loading);
+Picture loadGuide(PictureFile& file, const Picture& color, const ReadOptions& loading) {
+    Picture guide = readPicture(file, loading);
     if (guide.width() != color.width() || guide.height() != color.height()) {
         const auto size = [](const Picture& picture) {
             return std::to_string(picture.width()) + " x " + std::to_string(picture.height());
         };
-        throw Error(name, "is " + size(guide) + ", but the colour picture is " + size(color));
+        throw Error(file.name(), "is " + size(guide) + ", but the colour picture is " + size(color));
     }
     return guide;
 }
@@ -85,8 +86,8 @@ img::Color expandDirection(const img::Color& decoded) {
     return {2.0F * stored.r - 1.0F, 2.0F * stored.g - 1.0F, 2.0F * stored.b - 1.0F, stored.a};
 }
 
-std::shared_ptr<img::Image> loadNormal(const std::string& name, const Picture& color, const ReadOptions& loading) {
-    const Picture picture = loadGuide(name, color, loading);
+std::shared_ptr<img::Image> loadNormal(PictureFile& file, const Picture& color, const ReadOptions& loading) {
+    const Picture picture = loadGuide(file, color, loading);
     std::shared_ptr<img::Image> normal = linearPixels(picture);
     if (!isFloat(picture.stored)) {
         forEachPixel(*normal, expandDirection);
@@ -139,10 +140,21 @@ PixelBuffer makePixels(img::Image& color, bool encoded, SampleLayout from, Sampl
     return pixels;
 }
 
-PixelBuffer render(const Picture& source, SampleLayout layout, const DenoiseOptions& options) {
+/// The files of a render.
+struct RenderFiles {
+    explicit RenderFiles(const DenoiseOptions& options)
+        : color(options.color, options.loading.limits), albedo(options.albedo, options.loading.limits),
+          normal(options.normal, options.loading.limits) {}
+
+    PictureFile color;
+    PictureFile albedo;
+    PictureFile normal;
+};
+
+PixelBuffer render(const Picture& source, RenderFiles& files, SampleLayout layout, const DenoiseOptions& options) {
     const std::shared_ptr<img::Image> color = linearPixels(source);
-    const std::shared_ptr<img::Image> albedo = linearPixels(loadGuide(options.albedo, source, options.loading));
-    const std::shared_ptr<img::Image> normal = loadNormal(options.normal, source, options.loading);
+    const std::shared_ptr<img::Image> albedo = linearPixels(loadGuide(files.albedo, source, options.loading));
+    const std::shared_ptr<img::Image> normal = loadNormal(files.normal, source, options.loading);
     if (options.displayReferred && !isFloat(source.stored)) {
         forEachPixel(*color, [](const img::Color& pixel) { return pixel.toSrgb(); }); // back to what is stored
     }
@@ -155,13 +167,17 @@ void runDenoise(const DenoiseOptions& options) {
     const FileFormat format = outputFormat(options.output);
     checkResultFile(options.output, {options.albedo, options.normal});
     constexpr std::uint64_t WORKING_BYTES = 3 * 4 * sizeof(float); // what the denoiser itself takes has its own limits
-    requireMemory({{options.color, options.albedo, options.normal}, {options.output}, WORKING_BYTES}, options.memory);
-    checkReplacement(options.color, options.output);
-    Picture source = readPicture(options.color, options.loading);
+    RenderFiles files(options);
+    requireMemory({{memoryInput(files.color), memoryInput(files.albedo), memoryInput(files.normal)},
+                   {options.output},
+                   WORKING_BYTES},
+                  options.memory);
+    checkReplacement(files.color, options.output);
+    Picture source = readPicture(files.color, options.loading);
     const SampleLayout layout = chooseLayout(options.output, format, source.stored);
     warnOfLosses(options.output, source, layout);
     prepareAlpha(source, format, layout, false); // renderers' colours are denoised as they lie in the file
-    PixelBuffer pixels = render(source, layout, options);
+    PixelBuffer pixels = render(source, files, layout, options);
     OutputFile file(options.output);
     encodePicture(file, options.output, format, std::move(pixels), layout, source, options.encoding);
     file.commit();

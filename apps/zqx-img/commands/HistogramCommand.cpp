@@ -25,6 +25,7 @@
 #include "zqx/text/Cleaning.h"
 #include "zqx/text/Json.h"
 #include "zqx/tools/analysis/Render.h"
+#include "zqx/tools/batch/OpenPicture.h"
 #include "zqx/tools/parameters/ParameterTable.h"
 
 namespace zqx::app {
@@ -91,8 +92,10 @@ void checkOptions(const HistogramOptions& options) {
 void runHistogram(const HistogramOptions& options) {
     checkOptions(options);
     img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
-    requireMemory({{options.input}, {options.input}}, options.memory); // what is counted is a picture like the input
-    Picture source = readPicture(options.input, options.loading);
+    PictureFile file(options.input, options.loading.limits);
+    requireMemory({{memoryInput(file)}, {options.input}},
+                  options.memory); // what is counted is a picture like the input
+    Picture source = readPicture(file, options.loading);
     straightenAlpha(source);
     connect(pipeline, source);
     const Histogram histogram = countValues(render(pipeline, source, source.pixels.layout()).image());

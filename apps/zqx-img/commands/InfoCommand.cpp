@@ -6,8 +6,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <zqx/tools/MemoryGate.h>
-
 #include "commands/Commands.h"
 #include "options/MemoryOption.h"
 #include "options/ReadingOptions.h"
@@ -17,6 +15,7 @@
 #include "zqx/text/Json.h"
 #include "zqx/text/Numbers.h"
 #include "zqx/text/Width.h"
+#include "zqx/tools/batch/OpenPicture.h"
 
 namespace zqx::app {
 
@@ -163,10 +162,10 @@ void addInfoCommand(CLI::App& program) {
     addMemoryOption(command, options->memory);
     command.footer(FOOTER);
     command.callback([options] {
-        if (options->memory != 0) { // most formats are read no further than their header
-            tools::requireMemory({{options->name}, {}}, options->memory);
-        }
         PictureFile file(options->name, options->loading.limits);
+        if (options->memory != 0) { // most formats are read no further than their header
+            tools::requireMemory({{tools::memoryInput(file)}, {}}, options->memory);
+        }
         const PictureFacts facts = describePicture(file, options->loading);
         options->json ? printJson(file.name(), facts) : printText(file.name(), facts);
     });

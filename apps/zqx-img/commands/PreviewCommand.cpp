@@ -28,6 +28,7 @@
 #include "zqx/pictures/files/Error.h"
 #include "zqx/tools/analysis/Render.h"
 #include "zqx/tools/analysis/SplitPicture.h"
+#include "zqx/tools/batch/OpenPicture.h"
 #include "zqx/tools/parameters/ParameterTable.h"
 
 namespace zqx::app {
@@ -55,8 +56,9 @@ struct PreviewOptions {
 
 /// Colours are averaged unpremultiplied.
 Picture loadStraight(const PreviewOptions& options) {
-    requireMemory({{options.input}, {options.input}}, options.memory); // at most as large as the input
-    Picture picture = readPicture(options.input, options.loading);
+    PictureFile file(options.input, options.loading.limits);
+    requireMemory({{memoryInput(file)}, {options.input}}, options.memory); // at most as large as the input
+    Picture picture = readPicture(file, options.loading);
     straightenAlpha(picture);
     return picture;
 }

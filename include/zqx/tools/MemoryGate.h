@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include <zqx/pictures/HeaderInfo.h>
 #include <zqx/tools/Export.h>
 
 namespace zqx::tools {
@@ -54,18 +55,26 @@ private:
     std::uint64_t mServing = 0;    // who is let in next, so that a large picture is not passed by small ones for ever
 };
 
+/// A picture file that is going to be decoded.
+/// @ingroup tools
+struct MemoryInput {
+    std::string name;            ///< of the file, for messages
+    pictures::HeaderInfo header; ///< what it claims to hold
+    std::uint64_t fileBytes = 0; ///< its size, which has to do where the header does not tell the picture's
+};
+
 /// What making pictures of a picture takes, by its header and their formats: an estimate, rather too much than too
 /// little.
-/// @param input name of the picture file
+/// @param input the picture
 /// @param outputs names of the files to be written, one after the other
-/// @return bytes; of a file that cannot be read little, since decoding tells what is wrong with it
+/// @return bytes
 /// @ingroup tools
-ZQX_TOOLS_EXPORT std::uint64_t memoryNeed(const std::string& input, const std::vector<std::string>& outputs);
+ZQX_TOOLS_EXPORT std::uint64_t memoryNeed(const MemoryInput& input, const std::vector<std::string>& outputs);
 
 /// What a command keeps in memory at the same time.
 /// @ingroup tools
 struct MemoryDemand {
-    std::vector<std::string> inputs;        ///< picture files that are decoded; empty names are none
+    std::vector<MemoryInput> inputs;        ///< pictures that are decoded
     std::vector<std::string> outputs;       ///< picture files that are made of the first one
     std::uint64_t workingBytesPerPixel = 0; ///< beside the decoded pictures, for each pixel of the first one
 };
@@ -73,7 +82,7 @@ struct MemoryDemand {
 /// Refuses work that would take more memory than allowed, before any picture is decoded.
 /// @param demand what is in memory at once
 /// @param limit in bytes; 0 for defaultMemoryLimit()
-/// @throws pictures::Error naming the first picture, how much is needed and how much is allowed
+/// @throws pictures::Error naming the first input, how much is needed and how much is allowed
 /// @ingroup tools
 ZQX_TOOLS_EXPORT void requireMemory(const MemoryDemand& demand, std::uint64_t limit);
 

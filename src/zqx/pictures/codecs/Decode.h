@@ -10,7 +10,7 @@
 namespace zqx::pictures {
 
 /// readPicture() for a file that is open already.
-Picture readPicture(PictureFile& file, const ReadOptions& options);
+ZQX_PICTURES_EXPORT Picture readPicture(PictureFile& file, const ReadOptions& options);
 
 /// Is told what is known of a file before its pixels are decoded: once the format, once all of it.
 using HeaderListener = std::function<void(const HeaderInfo&)>;

@@ -19,23 +19,10 @@ PictureFile::PictureFile(InputFile file, const Limits& limits) : input(std::move
     checkPictureSize(name(), header.info.width, header.info.height, limits);
 }
 
-std::optional<HeaderInfo> findHeader(const std::string& name) {
-    try {
-        InputFile file = openPicture(name);
-        const HeaderInfo info = probe(file).info;
-        return info.hasSize() ? std::optional(info) : std::nullopt;
-    } catch (const Error&) {
-        return std::nullopt;
-    }
-}
-
-void checkReplacement(const std::string& input, const std::string& output) {
+void checkReplacement(const PictureFile& input, const std::string& output) {
     std::error_code failure;
-    if (!std::filesystem::equivalent(toPath(input), toPath(output), failure)) {
-        return;
-    }
-    InputFile file = openPicture(input);
-    if (probe(file).info.severalPictures) {
+    if (input.header.info.severalPictures &&
+        std::filesystem::equivalent(toPath(input.name()), toPath(output), failure)) {
         throw Error(output, "holds several pictures, of which only the first would be left; write to another file");
     }
 }

@@ -1,7 +1,6 @@
 // A picture file between its opening and its decoding.
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "zqx/pictures/Export.h"
@@ -12,7 +11,7 @@
 namespace zqx::pictures {
 
 /// A file that was opened once, with what its header tells: limits, memory and decoding all go by the same.
-struct PictureFile {
+struct ZQX_PICTURES_EXPORT PictureFile {
     /// Opens a file and reads its header, without a decoder. @throws Error naming it, also where it is beyond a limit
     PictureFile(const std::string& name, const Limits& limits);
 
@@ -25,13 +24,9 @@ struct PictureFile {
     Header header;
 };
 
-/// What the header of a file tells of the size of its picture; nothing where it tells none or cannot be read, of which
-/// decoding will say more.
-ZQX_PICTURES_EXPORT std::optional<HeaderInfo> findHeader(const std::string& name);
-
 /// @throws Error when a file with several pictures would be replaced by the first of them
 /// @param input the picture that is read
 /// @param output the file to be written, which need not exist
-ZQX_PICTURES_EXPORT void checkReplacement(const std::string& input, const std::string& output);
+ZQX_PICTURES_EXPORT void checkReplacement(const PictureFile& input, const std::string& output);
 
 } // namespace zqx::pictures

@@ -15,6 +15,7 @@
 #include "zqx/pictures/files/OutputFile.h"
 #include "zqx/tools/analysis/Render.h"
 #include "zqx/tools/analysis/SplitPicture.h"
+#include "zqx/tools/batch/OpenPicture.h"
 
 namespace zqx::tools {
 
@@ -30,6 +31,8 @@ public:
         seconds += std::chrono::duration<double>(now - mStart).count();
         mStart = now;
     }
+
+    void restart() { mStart = Clock::now(); }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -50,15 +53,19 @@ struct Target {
 
 class Work {
 public:
-    Work(const ApplyFiles& files, const ApplySettings& settings) : mSettings(settings), mPipeline(settings.pipeline) {
+    Work(const ApplyFiles& files, const ApplySettings& settings, const Admission& admit)
+        : mSettings(settings), mPipeline(settings.pipeline) {
         mTargets.emplace_back(files.output);
         if (!files.comparison.empty()) {
             mTargets.emplace_back(files.comparison);
         }
+        PictureFile input(files.input, settings.loading.limits);
         for (const Target& target : mTargets) {
-            checkReplacement(files.input, target.name);
+            checkReplacement(input, target.name);
         }
-        mSource = readPicture(files.input, settings.loading);
+        admit(input);
+        mWatch.restart();
+        mSource = readPicture(input, settings.loading);
         mWatch.addTo(mResult.seconds.decode);
     }
 
@@ -110,7 +117,11 @@ private:
 } // namespace
 
 ApplyResult applyToPicture(const ApplyFiles& files, const ApplySettings& settings) {
-    return Work(files, settings).run();
+    return applyToPicture(files, settings, [](const PictureFile&) {});
+}
+
+ApplyResult applyToPicture(const ApplyFiles& files, const ApplySettings& settings, const Admission& admit) {
+    return Work(files, settings, admit).run();
 }
 
 } // namespace zqx::tools

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <mutex>
 #include <system_error>
 #include <thread>
@@ -14,13 +15,13 @@
 
 #include <zqx/img/Runtime.h>
 
-#include "zqx/pictures/codecs/Limits.h"
 #include "zqx/pictures/codecs/PictureFile.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/FileNames.h"
 #include "zqx/pictures/files/InputFile.h"
 #include "zqx/pictures/files/OutputFile.h"
 #include "zqx/tools/batch/Failure.h"
+#include "zqx/tools/batch/OpenPicture.h"
 
 namespace zqx::tools {
 
@@ -143,9 +144,13 @@ private:
             mObserver.warning(line);
         });
         try {
-            const MemoryGate::Share share = mGate.admit(picture.input, need(picture));
-            mObserver.begin(picture.input);
-            record.result = applyToPicture({picture.input, picture.output, mComparison}, mSettings);
+            std::unique_ptr<MemoryGate::Share> share; // until the picture is written
+            const auto admit = [&](const PictureFile& file) {
+                const std::uint64_t need = memoryNeed(memoryInput(file), outputs(picture));
+                share.reset(new MemoryGate::Share(mGate.admit(picture.input, need))); // which cannot be moved
+                mObserver.begin(picture.input);
+            };
+            record.result = applyToPicture({picture.input, picture.output, mComparison}, mSettings, admit);
             record.status = Status::WRITTEN;
         } catch (const FileExists&) { // not when the run was planned, but now
             record.status = Status::SKIPPED;
@@ -156,16 +161,12 @@ private:
         return record;
     }
 
-    /// @throws Error for a picture beyond a limit: no memory helps there
-    std::uint64_t need(const PlannedPicture& picture) const {
-        if (const std::optional<HeaderInfo> header = findHeader(picture.input)) {
-            checkPictureSize(picture.input, header->width, header->height, mSettings.loading.limits);
-        }
-        std::vector<std::string> outputs{picture.output};
+    std::vector<std::string> outputs(const PlannedPicture& picture) const {
+        std::vector<std::string> names{picture.output};
         if (!mComparison.empty()) {
-            outputs.push_back(mComparison);
+            names.push_back(mComparison);
         }
-        return memoryNeed(picture.input, outputs);
+        return names;
     }
 
     const std::vector<PlannedPicture>& mPlan;

@@ -2,15 +2,11 @@
 #include <zqx/tools/MemoryGate.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <limits>
-#include <optional>
 
 #include "zqx/pictures/FileFormat.h"
-#include "zqx/pictures/codecs/PictureFile.h"
 #include "zqx/pictures/files/Error.h"
-#include "zqx/pictures/files/FileNames.h"
 #include "zqx/text/Amounts.h"
 
 #if defined(_WIN32)
@@ -92,12 +88,6 @@ std::uint64_t multiplied(std::uint64_t a, std::uint64_t b) {
     return b != 0 && a > MOST / b ? MOST : a * b;
 }
 
-/// 0 where the header does not say.
-std::uint64_t countPixels(const std::string& name) {
-    const std::optional<HeaderInfo> header = findHeader(name);
-    return header ? header->pixels() : 0;
-}
-
 void refuseBeyond(const std::string& name, std::uint64_t need, std::uint64_t limit) {
     if (need > limit) {
         throw Error(name, "needs about " + text::roundedSize(need) + " of memory, more than the " +
@@ -107,15 +97,10 @@ void refuseBeyond(const std::string& name, std::uint64_t need, std::uint64_t lim
 
 /// Where the header says nothing: photographs of eight bits have about forty bytes in memory for each in a small file,
 /// those that a camera left raw for about one.
-std::uint64_t estimateByFileSize(const std::string& name) {
+std::uint64_t estimateByFileSize(const MemoryInput& input) {
     constexpr std::uint64_t COMPRESSED = 48;
     constexpr std::uint64_t RAW = 16;
-    std::error_code failure;
-    const std::uint64_t size = std::filesystem::file_size(toPath(name), failure);
-    if (failure) {
-        return 0; // loading tells what is wrong
-    }
-    return multiplied(size, formatOfName(name) == FileFormat::RAW ? RAW : COMPRESSED);
+    return multiplied(input.fileBytes, input.header.format == FileFormat::RAW ? RAW : COMPRESSED);
 }
 
 } // namespace
@@ -137,30 +122,25 @@ void MemoryGate::release(std::uint64_t bytes) {
     mChange.notify_all();
 }
 
-std::uint64_t memoryNeed(const std::string& input, const std::vector<std::string>& outputs) {
-    const std::optional<HeaderInfo> header = findHeader(input);
-    if (!header) {
+std::uint64_t memoryNeed(const MemoryInput& input, const std::vector<std::string>& outputs) {
+    const HeaderInfo& header = input.header;
+    if (!header.hasSize()) {
         return addedUp(BASE_NEED, estimateByFileSize(input));
     }
-    const std::uint64_t perPixel = multiplied(header->channels, bytesPerSample(*header, outputs));
-    return addedUp(BASE_NEED, multiplied(header->pixels(), perPixel));
+    const std::uint64_t perPixel = multiplied(header.channels, bytesPerSample(header, outputs));
+    return addedUp(BASE_NEED, multiplied(header.pixels(), perPixel));
 }
 
 void requireMemory(const MemoryDemand& demand, std::uint64_t limit) {
-    std::uint64_t need = 0;
-    std::string first;
-    for (const std::string& input : demand.inputs) {
-        if (input.empty()) {
-            continue;
-        }
-        const bool isFirst = first.empty();
-        if (isFirst) {
-            first = input;
-            need = addedUp(need, multiplied(countPixels(input), demand.workingBytesPerPixel));
-        }
-        need = addedUp(need, memoryNeed(input, isFirst ? demand.outputs : std::vector<std::string>()));
+    if (demand.inputs.empty()) {
+        return;
     }
-    refuseBeyond(first, need, limit == 0 ? defaultMemoryLimit() : limit);
+    const MemoryInput& first = demand.inputs.front();
+    std::uint64_t need = multiplied(first.header.pixels(), demand.workingBytesPerPixel);
+    for (const MemoryInput& input : demand.inputs) {
+        need = addedUp(need, memoryNeed(input, &input == &first ? demand.outputs : std::vector<std::string>()));
+    }
+    refuseBeyond(first.name, need, limit == 0 ? defaultMemoryLimit() : limit);
 }
 
 std::uint64_t defaultMemoryLimit() {
