@@ -137,21 +137,22 @@ TEST_F(BatchTest, RefusalsComeBeforeAnyWork) {
     makePicture("x/a.png");
     makePicture("y/a.png");
     fail(2, {"apply", at("x"), at("y"), "--output-dir", at("out")}, "would be written for both " + at("x/a.png"));
-    fail(2, {"apply", at("x"), "--output-dir", at("x")}, "would replace a picture that is read in this run");
-    fail(2, {"apply", at("x/a.png"), at("y/a.png"), "-o", at("o.png")}, "--output: takes a single picture; use --output-dir");
+    fail(2, {"apply", at("x"), "--output-dir", at("x")}, "would replace a picture that this run reads");
+    fail(2, {"apply", at("x/a.png"), at("y/a.png"), "-o", at("o.png")},
+         "--output: takes a single picture; use --output-dir");
     fail(2, {"apply", at("x")}, "apply: missing output; give --output FILE for one picture, or --output-dir DIR");
-    fail(2, {"apply", at("x/a.png"), "-o", at("o.png"), "--output-dir", at("out")}, "apply: --output cannot be combined with --output-dir");
+    fail(2, {"apply", at("x/a.png"), "-o", at("o.png"), "--output-dir", at("out")},
+         "apply: --output cannot be combined with --output-dir");
     fail(2, {"apply", at("x/a.png"), "-o", at("o.png"), "--name", "{stem}.png"}, "--name: requires --output-dir");
-    fail(2, {"apply", at("x"), "--output-dir", at("out"), "--name", "{date}.png"}, "there is no field {date}");
-    fail(2, {"apply", at("x"), "--output-dir", at("out"), "--name", "{stem}.cr2"}, "can only be read");
+    fail(2, {"apply", at("x"), "--output-dir", at("out"), "--name", "{date}.png"}, "unknown field {date}");
+    fail(2, {"apply", at("x"), "--output-dir", at("out"), "--name", "{stem}.cr2"}, "can be read but not written");
     fail(2,
          {"apply", at("x/a.png"), at("y"), "--output-dir", at("out"), "--name", "{n}.png", "--before-after",
           at("both.png")},
-         "--before-after: is for one picture");
+         "--before-after: takes a single picture");
     fail(2, {"apply", at("x/a.png"), "--output-dir", at("out"), "--before-after", at("out/a.png")},
-         "--before-after: must not be the output file");
-    fail(2, {"apply", at("x"), at("none"), "--output-dir", at("out"), "--set", "no=1"},
-         "there is no adjustment of this name");
+         "--before-after: is the same file as another output");
+    fail(2, {"apply", at("x"), at("none"), "--output-dir", at("out"), "--set", "no=1"}, "unknown adjustment");
     fail(2, {"apply", at("x"), "--output-dir", at("out"), "--max-memory", "lots"}, "\"lots\" is not a number of bytes");
     for (const char* jobs : {"0", "-1", "many"}) {
         fail(2, {"apply", at("x"), "--output-dir", at("out"), "--jobs", jobs}, "--jobs");
@@ -183,7 +184,7 @@ TEST_F(BatchTest, ReasonsAreTheDecodersOwnForEveryPicture) {
         const Outcome outcome = zqxImg({"apply", at("in"), "--output-dir", at("out"), "--jobs", jobs});
         for (const char* name : {"in/1.jpg", "in/3.jpg", "in/5.jpg"}) {
             EXPECT_NE(
-                outcome.err.find(at(name) + ": cannot be read as JPEG (Not a JPEG file: starts with 0x6e 0x6f), "),
+                outcome.err.find(at(name) + ": cannot be read as JPEG (Not a JPEG file: starts with 0x6e 0x6f); "),
                 std::string::npos)
                 << outcome.err;
         }
@@ -193,7 +194,7 @@ TEST_F(BatchTest, ReasonsAreTheDecodersOwnForEveryPicture) {
 TEST_F(BatchTest, NothingButMissingPicturesFails) {
     const Outcome outcome = zqxImg({"apply", at("none"), "--output-dir", at("out")});
     EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.err, "zqx-img: " + at("none") + ": there is no such file, check the name\n");
+    EXPECT_EQ(outcome.err, "zqx-img: " + at("none") + ": there is no such file; check the name\n");
     EXPECT_TRUE(files().empty());
 }
 
@@ -248,13 +249,13 @@ TEST_F(BatchTest, DryRunOnlyTells) {
     EXPECT_EQ(outcome.exitCode, 1); // as the run will
     EXPECT_EQ(outcome.out, at("in/a.png") + " -> " + at("out/a.png") + "\n" + at("in/b.png") + " -> " +
                                at("out/b.png") + " (would replace)\n");
-    EXPECT_EQ(outcome.err, "zqx-img: " + at("none.png") + ": there is no such file, check the name\n");
+    EXPECT_EQ(outcome.err, "zqx-img: " + at("none.png") + ": there is no such file; check the name\n");
     EXPECT_EQ(filesBelow("out"), Names{"b.png"});
     const Outcome keeping = zqxImg({"apply", at("in"), "--output-dir", at("out"), "--dry-run", "--no-clobber"});
     EXPECT_NE(keeping.out.find(at("out/b.png") + " (skipped: exists)\n"), std::string::npos) << keeping.out;
     EXPECT_EQ(zqxImg({"apply", at("in"), "--output-dir", at("other"), "--dry-run"}).exitCode, 0);
     EXPECT_FALSE(fs::exists(at("other")));
-    fail(1, {"apply", at("in/a.png"), "-o", at("other/a.png"), "--dry-run"}, "there is no directory " + at("other"));
+    fail(1, {"apply", at("in/a.png"), "-o", at("other/a.png"), "--dry-run"}, "there is no folder " + at("other"));
 }
 
 TEST_F(BatchTest, NoClobberKeepsWhatIsThere) {
@@ -455,7 +456,7 @@ TEST_F(BatchTest, NewFilesHaveThePermissionsOfAnyNewFile) {
 TEST_F(BatchTest, OutputFolderThatCannotBeMadeIsTold) {
     makePicture("in/a.png");
     writeFile(at("file"), "x");
-    fail(1, {"apply", at("in"), "--output-dir", at("file/out")}, at("file/out") + ": the folder cannot be made");
+    fail(1, {"apply", at("in"), "--output-dir", at("file/out")}, at("file/out") + ": the folder cannot be created");
 }
 
 } // namespace zqx::img::test

@@ -241,7 +241,7 @@ TEST_F(CompareTest, TolerancesThatAreNoneEndWithTwo) {
         fail(2, {"compare", at("a.png"), at("a.png"), std::string("--tolerance=") + tolerance}, "--tolerance");
     }
     fail(2, {"compare", at("a.png")}, "compare: missing B");
-    fail(2, {"compare", at("a.png"), at("a.png"), "--difference", at("where.xyz")}, "no picture format");
+    fail(2, {"compare", at("a.png"), at("a.png"), "--difference", at("where.xyz")}, "unknown picture extension");
 }
 
 } // namespace zqx::img::test

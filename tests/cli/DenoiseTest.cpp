@@ -53,19 +53,19 @@ TEST_F(DenoiseTest, ColorAloneIsInvalidInput) {
 TEST_F(DenoiseTest, AlbedoOfAnotherSize) {
     writePicture(at("albedo.png"), paint(21, 10, 24, motley));
     refuse(denoise("color.png", "albedo.png", "normal.png"),
-           at("albedo.png") + ": is 21 x 10, but the colour picture is 20 x 10\n");
+           at("albedo.png") + ": is 21 x 10, but the colour picture is 20 x 10; both must be of the same size\n");
 }
 
 TEST_F(DenoiseTest, NormalOfAnotherSize) {
     writePicture(at("normal.png"), paint(20, 9, 24, motley));
     refuse(denoise("color.png", "albedo.png", "normal.png"),
-           at("normal.png") + ": is 20 x 9, but the colour picture is 20 x 10\n");
+           at("normal.png") + ": is 20 x 9, but the colour picture is 20 x 10; both must be of the same size\n");
 }
 
 TEST_F(DenoiseTest, SizesAreComparedUpright) {
     writeOrientedJpeg(at("color.jpg"), 20, 10, 6);
     refuse(denoise("color.jpg", "albedo.png", "normal.png"),
-           at("albedo.png") + ": is 20 x 10, but the colour picture is 10 x 20\n");
+           at("albedo.png") + ": is 20 x 10, but the colour picture is 10 x 20; both must be of the same size\n");
 }
 
 TEST_F(DenoiseTest, MissingFiles) {
@@ -85,10 +85,10 @@ TEST_F(DenoiseTest, OutputIsCheckedBeforeAnyWork) {
                                            "--normal", at("none.png"), "-o"};
     std::vector<std::string> nameless = command;
     nameless.push_back(at("out.xyz"));
-    fail(2, nameless, at("out.xyz") + ": no picture format has this extension");
+    fail(2, nameless, at("out.xyz") + ": unknown picture extension");
     std::vector<std::string> homeless = command;
     homeless.push_back(at("no/such/out.png"));
-    fail(1, homeless, "there is no directory " + at("no/such"));
+    fail(1, homeless, "there is no folder " + at("no/such"));
 }
 
 TEST_F(DenoiseTest, ColorIsEitherLinearOrDisplayReferred) {

@@ -189,8 +189,8 @@ TEST_F(DepthTest, SixteenBitsAreCutToEightWhereThereAreNoMoreAndItSaysSo) {
     for (const char* name : {"out.bmp", "out.tga"}) {
         warned(zqxImg({"apply", at("in.png"), "-o", at(name)}),
                "warning: " + at(name) +
-                   ": this format has 8 bits per channel, the picture's 16 are cut to that, choose .png or .tif to "
-                   "keep 16\n");
+                   ": this format has 8 bits per channel, so the picture's 16 bits are reduced; choose .png or .tif to "
+                   "keep 16 bits\n");
         const Bitmap out = readPicture(at(name));
         ASSERT_EQ(FreeImage_GetBPP(out.get()), 24U);
         for (unsigned x = 0; x < SIDE; ++x) {
@@ -215,7 +215,8 @@ TEST_F(DepthTest, FloatsAreRoundedToSixteenBitsWhereThereAreNoFloatsAndItSaysSo)
     *reinterpret_cast<FIRGBF*>(FreeImage_GetBits(source.get())) = {0.5F, 4.0F, -1.0F};
     writePicture(at("in.pfm"), source);
     warned(zqxImg({"apply", at("in.pfm"), "-o", at("out.png")}),
-           "this format has 16 bits per channel, values beyond 0 to 1 are lost and the rest is rounded, choose .exr or "
+           "this format has 16 bits per channel, so values outside 0 to 1 are clipped and the rest is rounded; choose "
+           ".exr or "
            ".tif to keep floats\n");
     const Bitmap out = readPicture(at("out.png"));
     ASSERT_EQ(FreeImage_GetImageType(out.get()), FIT_RGB16);
@@ -233,10 +234,12 @@ TEST_F(DepthTest, RadianceSaysWhatItRoundsAndNothingOfWhatItHolds) {
     EXPECT_EQ(0, std::memcmp(floatsAt(readPicture(at("out.hdr")), 0, 0), pixel, sizeof *pixel));
     pixel->green = 130.5F / 256.0F;
     writePicture(at("in.exr"), source, EXR_FLOAT);
-    warned(zqxImg({"apply", at("in.exr"), "-o", at("out.hdr")}), "this format keeps 8 bits of each value");
+    warned(zqxImg({"apply", at("in.exr"), "-o", at("out.hdr")}),
+           "this format keeps only 8 significant bits of each value");
     pixel->green = -0.5F;
     writePicture(at("in.exr"), source, EXR_FLOAT);
-    warned(zqxImg({"apply", at("in.exr"), "-o", at("out.hdr")}), "this format keeps 8 bits of each value");
+    warned(zqxImg({"apply", at("in.exr"), "-o", at("out.hdr")}),
+           "this format keeps only 8 significant bits of each value");
 }
 
 TEST_F(DepthTest, RadianceHasNothingBelowBlack) {
@@ -254,7 +257,7 @@ TEST_F(DepthTest, RadianceHasNothingBelowBlack) {
 TEST_F(DepthTest, LostTransparencyOfSixteenBitsIsTold) {
     writePicture(at("in.png"), allCodes(FIT_RGBA16));
     warned(zqxImg({"apply", at("in.png"), "-o", at("out.ppm")}),
-           "this format has no transparency, the picture becomes opaque, choose .png or .tif to keep it\n");
+           "this format has no transparency, so the picture becomes opaque; choose .png or .tif to keep it\n");
     EXPECT_EQ(FreeImage_GetImageType(readPicture(at("out.ppm")).get()), FIT_RGB16);
 }
 
@@ -282,7 +285,7 @@ TEST_F(DepthTest, ProfileOfSixteenBitsStaysWithEncodedPixelsOnly) {
     writePicture(at("in.tif"), source);
     succeed({"apply", at("in.tif"), "-o", at("out.tif")});
     EXPECT_EQ(FreeImage_GetICCProfile(readPicture(at("out.tif")).get())->size, profile.size());
-    warned(zqxImg({"apply", at("in.tif"), "-o", at("out.exr")}), "cannot hold a colour profile");
+    warned(zqxImg({"apply", at("in.tif"), "-o", at("out.exr")}), "cannot store a colour profile");
 }
 
 TEST_F(DepthTest, HalfFloatsBecomeFloatsOfTheSameValue) {

@@ -263,8 +263,8 @@ TEST_F(FormatTest, ExrWritesWholeFloats) {
 
 TEST_F(FormatTest, FormatThatHoldsNoneOfItIsRefused) {
     writePicture(at("in.png"), paint(4, 4, 24, motley));
-    fail(1, {"apply", at("in.png"), "-o", at("out.pgm")}, "PGM files cannot hold 8-bit colour");
-    fail(1, {"apply", at("in.png"), "-o", at("out.wbmp")}, "WBMP files cannot hold");
+    fail(1, {"apply", at("in.png"), "-o", at("out.pgm")}, "PGM files cannot store 8-bit colour");
+    fail(1, {"apply", at("in.png"), "-o", at("out.wbmp")}, "WBMP files cannot store");
     EXPECT_EQ(files(), std::vector<std::string>{"in.png"});
 }
 

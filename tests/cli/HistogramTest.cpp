@@ -198,7 +198,7 @@ TEST_F(HistogramTest, TheChartMayBeOfAnyFormat) {
         EXPECT_EQ(FreeImage_GetWidth(readPicture(at(name)).get()), 1152U) << name;
     }
     fail(2, {"histogram", at("in.png"), "-o", at("in.png")}, "would replace the input");
-    fail(2, {"histogram", at("in.png"), "-o", at("out.xyz")}, "no picture format has this extension");
+    fail(2, {"histogram", at("in.png"), "-o", at("out.xyz")}, "unknown picture extension");
 }
 
 TEST_F(HistogramTest, CharactersAreAsWideAsColumnsSays) {

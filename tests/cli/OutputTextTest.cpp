@@ -74,8 +74,8 @@ TEST_F(OutputTextTest, ErrorsShowNamesWithoutObeyingThem) {
     expectComplaint({"params", "--params", none}, 1, words);
     expectComplaint({"lut", "--params", none, "-o", at("out.cube")}, 1, words);
     expectComplaint({"apply", picture(), "-o", at("no" + NAME) + "/out.png"}, 1,
-                    "there is no directory " + at("no" + SHOWN));
-    expectComplaint({"apply", picture(), "-o", at(NAME)}, 2, at(SHOWN) + ": no picture format has this extension");
+                    "there is no folder " + at("no" + SHOWN));
+    expectComplaint({"apply", picture(), "-o", at(NAME)}, 2, at(SHOWN) + ": unknown picture extension");
 }
 
 TEST_F(OutputTextTest, ErrorsOfTheCommandLineAreCleanToo) {
@@ -169,7 +169,7 @@ TEST_F(OutputTextTest, InfoIsCleanInBothForms) {
 
 TEST_F(OutputTextTest, OrdinaryNamesAreShownAsTheyAre) {
     const std::string name = at("Größe 日本 'x' \\n.png");
-    EXPECT_EQ(zqxImg({"info", name}).err, "zqx-img: " + name + ": there is no such file, check the name\n");
+    EXPECT_EQ(zqxImg({"info", name}).err, "zqx-img: " + name + ": there is no such file; check the name\n");
 }
 
 TEST_F(OutputTextTest, FullDiskBehindStandardOutputIsAnErrorEverywhere) {
@@ -228,10 +228,10 @@ TEST_F(OutputTextTest, DocumentsComeThroughPipesPicturesDoNot) {
     EXPECT_EQ(piped.out, document.out);
     const Outcome picture = withShell("cat \"$1\" | \"$0\" info /dev/stdin", {ZQX_SAMPLE});
     EXPECT_EQ(picture.exitCode, 1);
-    EXPECT_NE(picture.err.find("/dev/stdin: is a pipe, from which pictures cannot be read"), std::string::npos)
+    EXPECT_NE(picture.err.find("/dev/stdin: is a pipe, and pictures cannot be read from pipes"), std::string::npos)
         << picture.err;
-    fail(1, {"info", "/dev/null"}, "/dev/null: is a device, name a file");
-    fail(1, {"params", "--params", "/dev/null"}, "/dev/null: is a device, name a file");
+    fail(1, {"info", "/dev/null"}, "/dev/null: is a device; name a file");
+    fail(1, {"params", "--params", "/dev/null"}, "/dev/null: is a device; name a file");
 }
 
 } // namespace zqx::img::test

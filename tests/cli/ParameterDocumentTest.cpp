@@ -115,56 +115,56 @@ TEST_F(ParameterDocumentTest, EachDocumentHasToBeOne) {
     const Outcome outcome = merge({document(""), R"({"imageProcessing": {"flipX": true}})", document("")});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.err, "zqx-img: " + at("1.json") +
-                               ": is not a parameter document of version 1 (it has no imageProcessing.version), write "
-                               "one with \"zqx-img params\"\n");
+                               ": is not a parameter document of version 1 (imageProcessing.version is missing); "
+                               "\"zqx-img params\" prints a valid one\n");
 }
 
 TEST_F(ParameterDocumentTest, UnknownMembersSuggestTheNearest) {
     EXPECT_EQ(warnings({grading("\"exposur\": 1")}),
-              Lines{"0.json: imageProcessing.colorGrading.exposur is not known, did you mean \"exposure\"? It is "
+              Lines{"0.json: imageProcessing.colorGrading.exposur is unknown; did you mean \"exposure\"? It is "
                     "ignored"});
     EXPECT_EQ(warnings({document(R"("Sharpness": 1, "flipx": true)")}),
-              (Lines{"0.json: imageProcessing.Sharpness is not known, did you mean \"sharpness\"? It is ignored",
-                     "0.json: imageProcessing.flipx is not known, did you mean \"flipX\"? It is ignored"}));
+              (Lines{"0.json: imageProcessing.Sharpness is unknown; did you mean \"sharpness\"? It is ignored",
+                     "0.json: imageProcessing.flipx is unknown; did you mean \"flipX\"? It is ignored"}));
     EXPECT_EQ(warnings({grading(R"("gradientMap": {"intensiti": 1})")}),
-              Lines{"0.json: imageProcessing.colorGrading.gradientMap.intensiti is not known, did you mean "
+              Lines{"0.json: imageProcessing.colorGrading.gradientMap.intensiti is unknown; did you mean "
                     "\"intensity\"? It is ignored"});
 }
 
 TEST_F(ParameterDocumentTest, MisplacedMembersSuggestTheirPlace) {
     EXPECT_EQ(warnings({document("\"exposure\": 1")}),
-              Lines{"0.json: imageProcessing.exposure is not known, did you mean "
+              Lines{"0.json: imageProcessing.exposure is unknown; did you mean "
                     "\"imageProcessing.colorGrading.exposure\"? It is ignored"});
     EXPECT_EQ(warnings({R"({"imageProcessing": {"version": 1}, "flipX": true})"}),
-              Lines{"0.json: flipX is not known, did you mean \"imageProcessing.flipX\"? It is ignored"});
+              Lines{"0.json: flipX is unknown; did you mean \"imageProcessing.flipX\"? It is ignored"});
 }
 
 TEST_F(ParameterDocumentTest, NamesOfSettingsSuggestTheirMembers) {
     EXPECT_EQ(warnings({document("\"invert\": true")}),
-              Lines{"0.json: imageProcessing.invert is not known, did you mean \"inversionEnabled\"? It is ignored"});
+              Lines{"0.json: imageProcessing.invert is unknown; did you mean \"inversionEnabled\"? It is ignored"});
 }
 
 TEST_F(ParameterDocumentTest, MembersLikeNothingElseGetTheNamesThatThereAre) {
     EXPECT_EQ(warnings({R"({"imageProcessing": {"version": 1}, "author": "me"})"}),
-              Lines{"0.json: author is not known (known there: $schema, imageProcessing). It is ignored"});
+              Lines{"0.json: author is unknown (known members: $schema, imageProcessing). It is ignored"});
 }
 
 TEST_F(ParameterDocumentTest, WarningsNameTheDocumentTheyAreAbout) {
     EXPECT_EQ(warnings({document(""), document("\"flipZ\": true"), document("\"flipX\": 1")}),
-              (Lines{"1.json: imageProcessing.flipZ is not known, did you mean \"flipX\"? It is ignored",
-                     "2.json: imageProcessing.flipX is a number and has to be true or false. It is ignored"}));
+              (Lines{"1.json: imageProcessing.flipZ is unknown; did you mean \"flipX\"? It is ignored",
+                     "2.json: imageProcessing.flipX is a number but must be true or false. It is ignored"}));
 }
 
 TEST_F(ParameterDocumentTest, MembersOfAWrongTypeAreIgnoredAloud) {
     const std::pair<const char*, const char*> cases[] = {
-        {R"("sharpness": "0.5")", "sharpness is a string and has to be a number from -1 to 1"},
-        {R"("sharpness": null)", "sharpness is null and has to be a number from -1 to 1"},
-        {R"("sharpness": [0.5])", "sharpness is an array of 1 and has to be a number from -1 to 1"},
-        {R"("flipX": "yes")", "flipX is a string and has to be true or false"},
-        {R"("inversionEnabled": 1)", "inversionEnabled is a number and has to be true or false"},
-        {R"("colorGrading": 5)", "colorGrading is a number and has to be an object"},
-        {R"("colorGrading": {"hue": true})", "colorGrading.hue is true and has to be a number from -180 to 180"},
-        {R"("colorGrading": {"gradientMap": []})", "colorGrading.gradientMap is an array of 0 and has to be an object"},
+        {R"("sharpness": "0.5")", "sharpness is a string but must be a number from -1 to 1"},
+        {R"("sharpness": null)", "sharpness is null but must be a number from -1 to 1"},
+        {R"("sharpness": [0.5])", "sharpness is an array of 1 but must be a number from -1 to 1"},
+        {R"("flipX": "yes")", "flipX is a string but must be true or false"},
+        {R"("inversionEnabled": 1)", "inversionEnabled is a number but must be true or false"},
+        {R"("colorGrading": 5)", "colorGrading is a number but must be an object"},
+        {R"("colorGrading": {"hue": true})", "colorGrading.hue is true but must be a number from -180 to 180"},
+        {R"("colorGrading": {"gradientMap": []})", "colorGrading.gradientMap is an array of 0 but must be an object"},
     };
     for (const auto& [members, words] : cases) {
         EXPECT_EQ(warnings({document(members)}),
@@ -181,8 +181,8 @@ TEST_F(ParameterDocumentTest, ColorsHaveFourNumbers) {
         const Lines lines =
             warnings({grading(std::string(R"("gradientMap": {"white": [0, 1, 0, 1], "black": )") + color + "}")});
         ASSERT_EQ(lines.size(), 2U);
-        EXPECT_EQ(lines[0], path + words + " and has to be four numbers [r, g, b, a]. It is ignored");
-        EXPECT_EQ(lines[1], "0.json: imageProcessing.colorGrading.gradientMap.white counts only together with "
+        EXPECT_EQ(lines[0], path + words + " but must be four numbers [r, g, b, a]. It is ignored");
+        EXPECT_EQ(lines[1], "0.json: imageProcessing.colorGrading.gradientMap.white has no effect without "
                             "imageProcessing.colorGrading.gradientMap.black. It is ignored");
     }
 }
@@ -191,7 +191,7 @@ TEST_F(ParameterDocumentTest, ALoneEndOfTheGradientIsIgnoredAloud) {
     const Outcome outcome = merge({grading(R"("gradientMap": {"black": [1, 0, 0, 1]})"), document("")});
     EXPECT_EQ(outcome.out, zqxImg({"params"}).out);
     EXPECT_EQ(outcome.err, "zqx-img: warning: " + at("0.json") +
-                               ": imageProcessing.colorGrading.gradientMap.black counts only together with "
+                               ": imageProcessing.colorGrading.gradientMap.black has no effect without "
                                "imageProcessing.colorGrading.gradientMap.white. It is ignored\n");
 }
 
@@ -215,26 +215,28 @@ TEST_F(ParameterDocumentTest, IgnoredMembersReplaceNothing) {
 }
 
 TEST_F(ParameterDocumentTest, ValuesOutOfRangeTellWhatTheyBecame) {
-    EXPECT_EQ(warnings({grading(R"("exposure": 7, "temperature": 0, "highlight": 8.5, "shadow": -8.25)")}),
-              (Lines{"0.json: imageProcessing.colorGrading.exposure is 7, outside of -5 to 5, limited to 5",
-                     "0.json: imageProcessing.colorGrading.temperature is 0, outside of 2500 to 10500, limited to 2500",
-                     "0.json: imageProcessing.colorGrading.highlight is 8.5, outside of -1 to 8, limited to 8",
-                     "0.json: imageProcessing.colorGrading.shadow is -8.25, outside of -8 to 1, limited to -8"}));
+    EXPECT_EQ(
+        warnings({grading(R"("exposure": 7, "temperature": 0, "highlight": 8.5, "shadow": -8.25)")}),
+        (Lines{
+            "0.json: imageProcessing.colorGrading.exposure is 7, outside the range -5 to 5; limited to 5",
+            "0.json: imageProcessing.colorGrading.temperature is 0, outside the range 2500 to 10500; limited to 2500",
+            "0.json: imageProcessing.colorGrading.highlight is 8.5, outside the range -1 to 8; limited to 8",
+            "0.json: imageProcessing.colorGrading.shadow is -8.25, outside the range -8 to 1; limited to -8"}));
 }
 
 TEST_F(ParameterDocumentTest, HugeNumbersAreLimitedLikeOthers) {
     const std::string text = document("\"sharpness\": -1e300");
     EXPECT_EQ(warnings({text}),
-              Lines{"0.json: imageProcessing.sharpness is -1e+300, outside of -1 to 1, limited to -1"});
+              Lines{"0.json: imageProcessing.sharpness is -1e+300, outside the range -1 to 1; limited to -1"});
     EXPECT_EQ(merge({text}).out, zqxImg({"params", "--set", "sharpness=-1"}).out);
 }
 
 TEST_F(ParameterDocumentTest, MembersGivenTwiceCountOnce) {
     const std::string text = document(R"("flipX": true, "flipX": false, "sharpness": "x", "sharpness": 1)");
     EXPECT_EQ(warnings({text}),
-              (Lines{"0.json: imageProcessing.flipX is given more than once, only the first one counts",
-                     "0.json: imageProcessing.sharpness is a string and has to be a number from -1 to 1. It is ignored",
-                     "0.json: imageProcessing.sharpness is given more than once, only the first one counts"}));
+              (Lines{"0.json: imageProcessing.flipX is given more than once; only the first one counts",
+                     "0.json: imageProcessing.sharpness is a string but must be a number from -1 to 1. It is ignored",
+                     "0.json: imageProcessing.sharpness is given more than once; only the first one counts"}));
     EXPECT_EQ(merge({text}).out, merge({document("\"flipX\": true")}).out);
 }
 
@@ -246,21 +248,22 @@ TEST_F(ParameterDocumentTest, StrictListsAllFaultsAndFails) {
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(linesOf(outcome.err, "zqx-img: "),
-              (Lines{"--strict: correct the following, or leave --strict out to go on with warnings",
-                     "0.json: imageProcessing.exposur is not known, did you mean "
+              (Lines{"--strict: correct the following, or omit --strict to continue with warnings",
+                     "0.json: imageProcessing.exposur is unknown; did you mean "
                      "\"imageProcessing.colorGrading.exposure\"?",
-                     "0.json: imageProcessing.sharpness is 4, outside of -1 to 1",
-                     "0.json: imageProcessing.flipX is a number and has to be true or false",
+                     "0.json: imageProcessing.sharpness is 4, outside the range -1 to 1",
+                     "0.json: imageProcessing.flipX is a number but must be true or false",
                      "0.json: imageProcessing.flipY is given more than once",
-                     "1.json: imageProcessing.colorGrading.gradientMap.black counts only together with "
+                     "1.json: imageProcessing.colorGrading.gradientMap.black has no effect without "
                      "imageProcessing.colorGrading.gradientMap.white",
-                     "--set hue=200: outside of -180 to 180"}));
+                     "--set hue=200: outside the range -180 to 180"}));
 }
 
 TEST_F(ParameterDocumentTest, StrictWritesNothing) {
     writeFile(at("in.json"), document("\"flipZ\": true"));
-    fail(1, {"apply", ZQX_SAMPLE, "-o", at("out.png"), "--params", at("in.json"), "--strict"}, "flipZ is not known");
-    fail(1, {"params", "--set", "hue=200", "--strict", "-o", at("out.json")}, "--set hue=200: outside of -180 to 180");
+    fail(1, {"apply", ZQX_SAMPLE, "-o", at("out.png"), "--params", at("in.json"), "--strict"}, "flipZ is unknown");
+    fail(1, {"params", "--set", "hue=200", "--strict", "-o", at("out.json")},
+         "--set hue=200: outside the range -180 to 180");
     EXPECT_EQ(files(), Lines{"in.json"});
 }
 
@@ -273,7 +276,7 @@ TEST_F(ParameterDocumentTest, StrictHasNothingAgainstGoodDocuments) {
 
 TEST_F(ParameterDocumentTest, SyntaxErrorsNameTheirPlace) {
     const std::pair<std::string, const char*> cases[] = {
-        {"", "line 1, column 1: there is nothing in it"},
+        {"", "line 1, column 1: the document is empty"},
         {"not JSON", "line 1, column 2: a value is missing or misspelt"},
         {"{\"imageProcessing\":\n  {\"version\": 1\n  \"flipX\": true}}", "line 3, column 3: a comma or } is missing"},
         {"{\"imageProcessing\":\r\n{\"version\": 1,}}", "line 2, column 15: a name in double quotes is missing"},
@@ -282,35 +285,36 @@ TEST_F(ParameterDocumentTest, SyntaxErrorsNameTheirPlace) {
         {document("\"x\": [1 2]"), "line 1, column 44: a comma or ] is missing"},
         {document("\"sharpness\": 1e999"), "line 1, column 49: a number is too large"},
         {document("\"sharpness\": 1."), "line 1, column 51: digits are missing after the decimal point"},
-        {document("") + "\n{}", "line 2, column 1: there is more text after its end"},
+        {document("") + "\n{}", "line 2, column 1: there is text after the end of the document"},
         {"{\"a", "line 1, column 4: a closing quotation mark is missing"},
-        {document("\"a\xFF\": 0"), "line 1, column 38: this is not UTF-8, or a control character in a string"},
+        {document("\"a\xFF\": 0"), "line 1, column 38: this is not UTF-8, or a control character inside a string"},
         {document("") + std::string(1, '\0') + "garbage",
-         "line 1, column 36: this is a zero byte, save the document as UTF-8 text"},
-        {std::string("\xFF\xFE{\0", 4), "line 1, column 4: this is a zero byte, save the document as UTF-8 text"}};
+         "line 1, column 36: this is a zero byte; save the document as UTF-8 text"},
+        {std::string("\xFF\xFE{\0", 4), "line 1, column 4: this is a zero byte; save the document as UTF-8 text"}};
     for (const auto& [text, words] : cases) {
-        EXPECT_EQ(refusal(text), std::string("0.json: is not JSON at ") + words);
+        EXPECT_EQ(refusal(text), std::string("0.json: is not valid JSON at ") + words);
     }
 }
 
 TEST_F(ParameterDocumentTest, JsonThatIsNoParameterDocumentIsRefusedWithTheReason) {
     const std::pair<const char*, const char*> cases[] = {
-        {"[]", "it has to be an object"},
-        {"{}", "it has no object imageProcessing"},
-        {R"({"imageProcessing": []})", "it has no object imageProcessing"},
-        {R"({"imageProcessing": {}})", "it has no imageProcessing.version"},
-        {R"({"imageProcessing": {"version": 2}})", "imageProcessing.version has to be 1"},
-        {R"({"imageProcessing": {"version": 1.0}})", "imageProcessing.version has to be 1"},
-        {R"({"imageProcessing": {"version": "1"}})", "imageProcessing.version has to be 1"}};
+        {"[]", "it must be an object"},
+        {"{}", "the object imageProcessing is missing"},
+        {R"({"imageProcessing": []})", "the object imageProcessing is missing"},
+        {R"({"imageProcessing": {}})", "imageProcessing.version is missing"},
+        {R"({"imageProcessing": {"version": 2}})", "imageProcessing.version must be 1"},
+        {R"({"imageProcessing": {"version": 1.0}})", "imageProcessing.version must be 1"},
+        {R"({"imageProcessing": {"version": "1"}})", "imageProcessing.version must be 1"}};
     for (const auto& [text, words] : cases) {
         EXPECT_EQ(refusal(text), std::string("0.json: is not a parameter document of version 1 (") + words +
-                                     "), write one with \"zqx-img params\"");
+                                     "); \"zqx-img params\" prints a valid one");
     }
 }
 
 TEST_F(ParameterDocumentTest, NumbersTooLargeForAColorAreRefused) {
-    EXPECT_EQ(refusal(grading(R"("gradientMap": {"black": [0, 0, 0, 1], "white": [1e300, 1, 1, 1]})")),
-              "0.json: imageProcessing.colorGrading.gradientMap.white holds a number that is too large for a colour");
+    EXPECT_EQ(
+        refusal(grading(R"("gradientMap": {"black": [0, 0, 0, 1], "white": [1e300, 1, 1, 1]})")),
+        "0.json: imageProcessing.colorGrading.gradientMap.white contains a number that is too large for a colour");
 }
 
 TEST_F(ParameterDocumentTest, AMissingDocumentIsNamed) {
@@ -329,7 +333,7 @@ TEST_F(ParameterDocumentTest, DocumentsOfMoreThan16MebibytesAreRefused) {
     const std::string text = document("");
     EXPECT_EQ(merge({std::string(LIMIT - text.size(), ' ') + text}).err, "");
     EXPECT_EQ(refusal(std::string(LIMIT + 1 - text.size(), ' ') + text),
-              "0.json: is larger than 16 MiB, which is too large for a document");
+              "0.json: is larger than 16 MiB, too large for a document");
 }
 
 } // namespace zqx::img::test

@@ -152,9 +152,9 @@ TEST_F(ParamsTest, ValuesOutOfRangeAreLimitedAloud) {
             const std::string setting = std::string(range.name) + (above ? "=99999" : "=-99999");
             const Outcome outcome = zqxImg({"params", "--set", setting});
             EXPECT_EQ(outcome.exitCode, 0);
-            EXPECT_EQ(outcome.err, "zqx-img: warning: --set " + setting + ": outside of " + range.minimum + " to " +
-                                       range.maximum + ", limited to " + (above ? range.maximum : range.minimum) +
-                                       "\n");
+            EXPECT_EQ(outcome.err, "zqx-img: warning: --set " + setting + ": outside the range " + range.minimum +
+                                       " to " + range.maximum + "; limited to " +
+                                       (above ? range.maximum : range.minimum) + "\n");
             const std::string member = std::string("\"") + range.member + "\": ";
             EXPECT_NE(outcome.out.find(member + (above ? range.storedMaximum : range.storedMinimum)), std::string::npos)
                 << outcome.out;
@@ -194,10 +194,10 @@ TEST_F(ParamsTest, SettingsThatCannotBeMeantAreRefused) {
                                 "gradient.black=1,2,nan",
                                 "gradient.black=1,2,1e39",
                                 "gradient.white="}) {
-        fail(2, {"params", "--set", setting}, std::string("--set ") + setting + ": the value has to be ");
+        fail(2, {"params", "--set", setting}, std::string("--set ") + setting + ": the value must be ");
     }
-    fail(2, {"params", "--set", "exposure"}, "--set exposure: has to be written name=value");
-    fail(2, {"params", "--set", ""}, "--set : has to be written name=value");
+    fail(2, {"params", "--set", "exposure"}, "--set exposure: must be written name=value");
+    fail(2, {"params", "--set", ""}, "--set : must be written name=value");
 }
 
 TEST_F(ParamsTest, UnknownNameSuggestsTheNearest) {

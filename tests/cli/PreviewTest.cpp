@@ -263,7 +263,7 @@ TEST_F(PreviewTest, CommandLinesThatCannotBeMeantAreRefused) {
     writePicture(at("in.png"), flatPicture(20, 10, {0, 0, 0}));
     fail(2, {"preview", at("in.png")}, "give -o FILE to write the picture, or --show");
     fail(2, {"preview", at("in.png"), "-o", at("in.png")}, "would replace the input");
-    fail(2, {"preview", at("in.png"), "-o", at("out.xyz")}, "no picture format has this extension");
+    fail(2, {"preview", at("in.png"), "-o", at("out.xyz")}, "unknown picture extension");
     fail(2, {"preview", at("in.png"), "-o", at("out.png"), "--size", "0"}, "--size");
     fail(2, {"preview", at("in.png"), "-o", at("out.png"), "--size", "65501"}, "--size");
     fail(2, {"preview", at("in.png"), "-o", at("out.png"), "--before-after", "--sheet", at("a.json")}, "--sheet");

@@ -62,8 +62,8 @@ TEST_F(InputFileTest, PartsAreReadFromAnyPlace) {
 
 TEST_F(InputFileTest, MissingFileAndPathThroughAFile) {
     img::test::writeFile(at("file"), "x");
-    EXPECT_EQ(attemptPicture(at("none")), at("none") + ": there is no such file, check the name");
-    EXPECT_EQ(attemptPicture(at("file/in")), at("file/in") + ": there is no such file, check the name");
+    EXPECT_EQ(attemptPicture(at("none")), at("none") + ": there is no such file; check the name");
+    EXPECT_EQ(attemptPicture(at("file/in")), at("file/in") + ": there is no such file; check the name");
 }
 
 TEST_F(InputFileTest, FileStaysTheOneThatWasOpened) {
@@ -76,8 +76,8 @@ TEST_F(InputFileTest, FileStaysTheOneThatWasOpened) {
 }
 
 TEST_F(InputFileTest, DirectoryIsRefused) {
-    EXPECT_EQ(attemptPicture(at("")), at("") + ": is a directory, name a file");
-    EXPECT_EQ(attempt(at(""), InputFile::Source::FILE_OR_PIPE), at("") + ": is a directory, name a file");
+    EXPECT_EQ(attemptPicture(at("")), at("") + ": is a folder; name a file");
+    EXPECT_EQ(attempt(at(""), InputFile::Source::FILE_OR_PIPE), at("") + ": is a folder; name a file");
 }
 
 #if !defined(_WIN32)
@@ -85,8 +85,7 @@ TEST_F(InputFileTest, DirectoryIsRefused) {
 TEST_F(InputFileTest, PipeThatNobodyWritesToIsRefusedAtOnce) {
     ASSERT_EQ(mkfifo(at("pipe").c_str(), 0600), 0);
     EXPECT_EQ(attemptPicture(at("pipe")),
-              at("pipe") +
-                  ": is a pipe, from which pictures cannot be read; save what comes out of it to a file first");
+              at("pipe") + ": is a pipe, and pictures cannot be read from pipes; save its output to a file first");
 }
 
 TEST_F(InputFileTest, TextComesThroughAPipe) {
@@ -111,15 +110,15 @@ TEST_F(InputFileTest, SocketIsRefused) {
     ASSERT_LT(name.size(), sizeof address.sun_path);
     name.copy(address.sun_path, name.size());
     ASSERT_EQ(bind(server, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(attemptPicture(name), name + ": is a socket, name a file");
-    EXPECT_EQ(attempt(name, InputFile::Source::FILE_OR_PIPE), name + ": is a socket, name a file");
+    EXPECT_EQ(attemptPicture(name), name + ": is a socket; name a file");
+    EXPECT_EQ(attempt(name, InputFile::Source::FILE_OR_PIPE), name + ": is a socket; name a file");
     close(server);
 }
 
 TEST_F(InputFileTest, DevicesAreRefused) {
     for (const char* name : {"/dev/null", "/dev/zero", "/dev/full"}) {
-        EXPECT_EQ(attemptPicture(name), std::string(name) + ": is a device, name a file");
-        EXPECT_EQ(attempt(name, InputFile::Source::FILE_OR_PIPE), std::string(name) + ": is a device, name a file");
+        EXPECT_EQ(attemptPicture(name), std::string(name) + ": is a device; name a file");
+        EXPECT_EQ(attempt(name, InputFile::Source::FILE_OR_PIPE), std::string(name) + ": is a device; name a file");
     }
 }
 
@@ -128,7 +127,7 @@ TEST_F(InputFileTest, LinksAreFollowed) {
     fs::create_symlink("in", at("link"));
     fs::create_symlink("/dev/null", at("null.png"));
     EXPECT_EQ(InputFile(at("link")).readText(100), "text");
-    EXPECT_EQ(attemptPicture(at("null.png")), at("null.png") + ": is a device, name a file");
+    EXPECT_EQ(attemptPicture(at("null.png")), at("null.png") + ": is a device; name a file");
 }
 
 TEST_F(InputFileTest, DescriptorIsNotInheritedAndIsClosed) {

@@ -97,8 +97,8 @@ TEST_F(OutputFileTest, SecondFileFailingBringsTheReplacedFirstOneBack) {
     OutputFile b(at("b"));
     fs::create_directory(at("b")); // over which no file can be renamed
     const std::string outcome = commitBoth(a, b);
-    EXPECT_TRUE(outcome.starts_with(at("b") + ": could not be put in place (")) << outcome;
-    EXPECT_TRUE(outcome.ends_with("), nothing was changed")) << outcome;
+    EXPECT_TRUE(outcome.starts_with(at("b") + ": could not be moved into place (")) << outcome;
+    EXPECT_TRUE(outcome.ends_with("); nothing was changed")) << outcome;
     EXPECT_EQ(img::test::readFile(at("a")), "precious");
     EXPECT_EQ(files(), (Names{"a", "b"}));
 }
@@ -107,7 +107,7 @@ TEST_F(OutputFileTest, SecondFileFailingRemovesTheNewFirstOne) {
     OutputFile a(at("a"));
     OutputFile b(at("b"));
     fs::create_directory(at("b"));
-    EXPECT_TRUE(commitBoth(a, b).ends_with("), nothing was changed"));
+    EXPECT_TRUE(commitBoth(a, b).ends_with("); nothing was changed"));
     EXPECT_EQ(files(), Names{"b"});
 }
 
@@ -115,7 +115,7 @@ TEST_F(OutputFileTest, SecondFileThatIsToBeKeptTakesTheFirstOneBack) {
     OutputFile a(at("a"), OutputFile::Existing::KEEP);
     OutputFile b(at("b"), OutputFile::Existing::KEEP);
     img::test::writeFile(at("b"), "precious");
-    EXPECT_EQ(commitBoth(a, b), at("b") + ": exists and is to be kept");
+    EXPECT_EQ(commitBoth(a, b), at("b") + ": already exists and was left as it is");
     EXPECT_EQ(img::test::readFile(at("b")), "precious");
     EXPECT_EQ(files(), Names{"b"});
 }

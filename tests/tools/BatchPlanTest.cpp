@@ -70,12 +70,13 @@ TEST_F(BatchPlanTest, NumbersCountFromOne) {
 
 TEST_F(BatchPlanTest, TwoInputsWithOneOutputAreRefusedByName) {
     EXPECT_EQ(complaint({{"x/a.png", ""}, {"b.png", ""}, {"y/a.png", ""}}),
-              at("out/a.png") + ": would be written for both x/a.png and y/a.png, tell them apart as with --name "
-                                "\"{dir}/{stem}_{n:04}.{ext}\"");
+              at("out/a.png") +
+                  ": would be written for both x/a.png and y/a.png; give them different names, for example with --name "
+                  "\"{dir}/{stem}_{n:04}.{ext}\"");
 }
 
 TEST_F(BatchPlanTest, OutputsThatDifferInCaseAloneAreRefused) {
-    EXPECT_NE(complaint({{"x/A.png", ""}, {"y/a.png", ""}}).find("which many disks do not tell apart"),
+    EXPECT_NE(complaint({{"x/A.png", ""}, {"y/a.png", ""}}).find("which is the same name on many disks"),
               std::string::npos);
 }
 
@@ -93,8 +94,7 @@ TEST_F(BatchPlanTest, OutputThatIsAnInputIsRefused) {
     options.nameTemplate = "b.png";
     EXPECT_EQ(complaint({{at("in/a.png"), ""}}), "none"); // b.png is no input here
     options.nameTemplate = "{stem}.{ext}";
-    EXPECT_NE(complaint({{at("in/a.png"), ""}}).find("would replace a picture that is read in this run"),
-              std::string::npos);
+    EXPECT_NE(complaint({{at("in/a.png"), ""}}).find("would replace a picture that this run reads"), std::string::npos);
 }
 
 TEST_F(BatchPlanTest, SinglePictureMayReplaceItself) {
@@ -108,8 +108,7 @@ TEST_F(BatchPlanTest, HardLinkToAnInputIsThatInput) {
     make("in/a.png");
     fs::create_directories(at("out"));
     fs::create_hard_link(at("in/a.png"), at("out/a.png"));
-    EXPECT_NE(complaint({{at("in/a.png"), ""}}).find("would replace a picture that is read in this run"),
-              std::string::npos);
+    EXPECT_NE(complaint({{at("in/a.png"), ""}}).find("would replace a picture that this run reads"), std::string::npos);
 }
 
 TEST_F(BatchPlanTest, ComparisonOntoTheInputIsRefused) {

@@ -68,7 +68,7 @@ TEST_F(BatchRunTest, ExceptionsOfAnyTypeFailThePictureAlone) {
     img::test::writeFile(at("number.ppm"), pixel);
     img::test::writeFile(at("good.ppm"), pixel);
     run({"foreign.ppm", "number.ppm", "missing.ppm", "good.ppm"}, observer);
-    const std::string unexpected = ": unexpected failure, for a reason that was not given";
+    const std::string unexpected = ": unexpected failure of unknown cause";
     EXPECT_EQ(observer.reasons[at("foreign.ppm")], at("foreign.ppm") + unexpected);
     EXPECT_EQ(observer.reasons[at("number.ppm")], at("number.ppm") + unexpected);
     EXPECT_TRUE(observer.reasons[at("missing.ppm")].starts_with(at("missing.ppm") + ": "));

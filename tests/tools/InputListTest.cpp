@@ -100,7 +100,7 @@ TEST_F(InputListTest, OutputFolderBelowIsLeftOut) {
 TEST_F(InputListTest, MissingInputIsAFailureOfItsOwn) {
     make("a.png");
     EXPECT_EQ(list({"none.png", "a.png"}, false), Names{"|a.png"});
-    EXPECT_EQ(failures, Names{at("none.png") + ": there is no such file, check the name"});
+    EXPECT_EQ(failures, Names{at("none.png") + ": there is no such file; check the name"});
 }
 
 TEST_F(InputListTest, PicturesInFormatsThatCannotBeReadAreCountedByExtension) {
@@ -120,17 +120,17 @@ TEST_F(InputListTest, FolderOfUnreadablePicturesSaysSo) {
     make("in/a.heic");
     list({"in"}, true);
     EXPECT_EQ(unreadable, "skipped 1 file in a format this build cannot read: 1 .heic");
-    EXPECT_EQ(failures, Names{at("in") + ": holds no pictures that this build can read"});
+    EXPECT_EQ(failures, Names{at("in") + ": contains no pictures that this build can read"});
 }
 
 TEST_F(InputListTest, FolderWithoutPicturesIsAFailure) {
     make("in/notes.txt");
     make("in/sub/a.png");
     list({"in"}, false);
-    EXPECT_EQ(failures, Names{at("in") + ": holds no pictures, --recursive looks into its folders, too"});
+    EXPECT_EQ(failures, Names{at("in") + ": contains no pictures; use --recursive to include its subfolders"});
     fs::remove(at("in/sub/a.png"));
     list({"in"}, true);
-    EXPECT_EQ(failures, Names{at("in") + ": holds no pictures"});
+    EXPECT_EQ(failures, Names{at("in") + ": contains no pictures"});
 }
 
 } // namespace zqx::tools

@@ -340,7 +340,7 @@ TEST(MergedDocumentTest, NobodyHasToReadAMillionWarnings) {
     }
     const Reading reading = read(document(members));
     ASSERT_EQ(reading.warnings.size(), 101U);
-    EXPECT_EQ(reading.warnings.back(), NAME + ": has 99900 more faults like these");
+    EXPECT_EQ(reading.warnings.back(), NAME + ": has 99900 more problems like these");
     EXPECT_EQ(reading.saved, readByLibrary(document("\"flipX\": true")));
 }
 
@@ -357,21 +357,21 @@ TEST(MergedDocumentTest, NamesThatCollideInAHashTableAreReadLikeOthers) {
     const Reading reading = read(document(members + "\"flipX\": true"));
     ASSERT_EQ(reading.warnings.size(), 101U);
     EXPECT_EQ(reading.warnings.back(),
-              NAME + ": has " + std::to_string(names.size() - 100) + " more faults like these");
+              NAME + ": has " + std::to_string(names.size() - 100) + " more problems like these");
     EXPECT_EQ(reading.saved, readByLibrary(document("\"flipX\": true")));
 }
 
 TEST(MergedDocumentTest, LongNamesAreCutInMessages) {
     const Reading reading = read(document("\"" + repeated("x", 1000000) + "\": 0"));
     ASSERT_EQ(reading.warnings.size(), 1U);
-    EXPECT_TRUE(reading.warnings[0].starts_with(NAME + ": imageProcessing.\"" + repeated("x", 60) + "\"... is not"))
+    EXPECT_TRUE(reading.warnings[0].starts_with(NAME + ": imageProcessing.\"" + repeated("x", 60) + "\"... is unknown"))
         << reading.warnings[0].substr(0, 300);
 }
 
 TEST(MergedDocumentTest, CutNamesEndWithAWholeCharacter) {
     const Reading reading = read(document("\"" + repeated("x", 59) + repeated("\xC3\xA4", 9) + "\": 0"));
     ASSERT_EQ(reading.warnings.size(), 1U);
-    EXPECT_TRUE(reading.warnings[0].starts_with(NAME + ": imageProcessing.\"" + repeated("x", 59) + "\"... is not"))
+    EXPECT_TRUE(reading.warnings[0].starts_with(NAME + ": imageProcessing.\"" + repeated("x", 59) + "\"... is unknown"))
         << reading.warnings[0];
 }
 
@@ -379,7 +379,7 @@ TEST(MergedDocumentTest, NamesCannotSteerTheTerminal) {
     const Reading reading = read(document("\"\\u001B[2J\\u0007\\u0000\\n\xC2\x9B\": 0"));
     ASSERT_EQ(reading.warnings.size(), 1U);
     EXPECT_TRUE(
-        reading.warnings[0].starts_with(NAME + R"(: imageProcessing."\u001B[2J\u0007\u0000\n\u009B" is not known)"))
+        reading.warnings[0].starts_with(NAME + R"(: imageProcessing."\u001B[2J\u0007\u0000\n\u009B" is unknown)"))
         << reading.warnings[0];
 }
 

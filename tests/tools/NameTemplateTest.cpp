@@ -66,15 +66,15 @@ TEST(NameTemplateTest, NamesMayBeInAnyScript) {
 
 TEST(NameTemplateTest, UnknownFieldIsNamedWithThoseThatThereAre) {
     EXPECT_EQ(complaintAbout("{name}.png"),
-              "--name: there is no field {name}, there are {stem}, {ext}, {n}, {n:04} and {dir}");
+              "--name: unknown field {name}; the fields are {stem}, {ext}, {n}, {n:04} and {dir}");
     for (const char* pattern : {"{}", "{n:4}", "{n:0}x{n:0x}", "{n:}", "{n:0999}", "{Stem}", "{n:0-1}"}) {
-        EXPECT_NE(complaintAbout(pattern).find("there is no field {"), std::string::npos) << pattern;
+        EXPECT_NE(complaintAbout(pattern).find("unknown field {"), std::string::npos) << pattern;
     }
 }
 
 TEST(NameTemplateTest, SingleBracesAreRefused) {
     EXPECT_NE(complaintAbout("{stem.png").find("is not closed"), std::string::npos);
-    EXPECT_NE(complaintAbout("stem}.png").find("a } without its {"), std::string::npos);
+    EXPECT_NE(complaintAbout("stem}.png").find("a } without a {"), std::string::npos);
 }
 
 TEST(NameTemplateTest, NoWayLeadsOutOfTheOutputFolder) {

@@ -79,7 +79,7 @@ TEST_F(OutputCheckTest, TwoOutputsAreTwoFiles) {
         return complaint({at("in.png")}, {{"--output", at(first)}, {"--before-after", at(second)}});
     };
     EXPECT_EQ(both("a.png", "b.png"), "none");
-    EXPECT_EQ(both("a.png", "a.png"), "--before-after: must not be the output file; choose another name");
+    EXPECT_EQ(both("a.png", "a.png"), "--before-after: is the same file as another output; choose another name");
     EXPECT_NE(both("a.png", "./a.png"), "none");
     EXPECT_NE(both("a.png", "A.png"), "none");
 }

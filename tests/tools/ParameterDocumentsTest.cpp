@@ -68,14 +68,14 @@ TEST_F(ParameterDocumentsTest, FaultsAreWarnedOfOrRefusedTogether) {
         EXPECT_EQ(documents.makePipeline().getColorGrading().getExposure(), 5.0F);
     }
     ASSERT_EQ(warnings.size(), 2U);
-    EXPECT_EQ(warnings[1], "--set exposure=7: outside of -5 to 5, limited to 5");
+    EXPECT_EQ(warnings[1], "--set exposure=7: outside the range -5 to 5; limited to 5");
     try {
         documents.makePipeline(Faults::REFUSE);
         FAIL() << "was accepted";
     } catch (const Error& error) {
         const std::string text = error.what();
-        EXPECT_NE(text.find("\nlook: imageProcessing.sharpnes is not known"), std::string::npos) << text;
-        EXPECT_NE(text.find("\n--set exposure=7: outside of -5 to 5"), std::string::npos) << text;
+        EXPECT_NE(text.find("\nlook: imageProcessing.sharpnes is unknown"), std::string::npos) << text;
+        EXPECT_NE(text.find("\n--set exposure=7: outside the range -5 to 5"), std::string::npos) << text;
     }
 }
 

@@ -58,7 +58,8 @@ const char* channelName(std::size_t channel, std::size_t channels) {
 /// A number, or a fraction such as 2/255.
 double parseTolerance(const std::string& text) {
     const auto fail = [&text]() -> double {
-        throw UsageError("--tolerance", "\"" + text + "\" is not a number of at least 0 or a fraction such as 2/255");
+        throw UsageError("--tolerance",
+                         "\"" + text + "\" is neither a number of 0 or more nor a fraction such as 2/255");
     };
     const auto number = [&fail](std::string_view part) {
         double value = 0.0;

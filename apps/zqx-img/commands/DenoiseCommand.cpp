@@ -71,7 +71,8 @@ Picture loadGuide(PictureFile& file, const Picture& color, const ReadOptions& lo
         const auto size = [](const Picture& picture) {
             return std::to_string(picture.width()) + " x " + std::to_string(picture.height());
         };
-        throw Error(file.name(), "is " + size(guide) + ", but the colour picture is " + size(color));
+        throw Error(file.name(), "is " + size(guide) + ", but the colour picture is " + size(color) +
+                                     "; both must be of the same size");
     }
     return guide;
 }

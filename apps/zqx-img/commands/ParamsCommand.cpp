@@ -42,7 +42,7 @@ void checkCombination(const ParamsOptions& options) {
         throw UsageError("--schema", "cannot be combined with --explain");
     }
     if (options.json && !options.explain) {
-        throw UsageError("--json", "requires --explain; the other documents are JSON anyway");
+        throw UsageError("--json", "requires --explain; all other output is JSON already");
     }
     const ParameterOptions& adjustments = options.adjustments;
     if ((options.explain || options.schema) &&
@@ -56,7 +56,7 @@ void checkCombination(const ParamsOptions& options) {
 void checkOutput(const ParamsOptions& options) {
     if (formatOfName(options.output) != FileFormat::UNKNOWN) {
         throw UsageError(options.output,
-                         "is the name of a picture, but this is text; choose a name that ends in .json");
+                         "is the name of a picture, but the output is text; choose a name that ends in .json");
     }
     OutputFile::check(options.output);
 }

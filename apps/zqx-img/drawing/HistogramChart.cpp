@@ -147,7 +147,7 @@ std::string describeOutOfRange(const Histogram& histogram) {
     };
     tell(sum.below, " below 0");
     tell(sum.above, " above 1");
-    tell(sum.nan, " not a number");
+    tell(sum.nan, " NaN");
     return text;
 }
 

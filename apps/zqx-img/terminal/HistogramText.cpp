@@ -89,7 +89,7 @@ std::string clippingTable(const Histogram& histogram) {
         }
         return line + "\n";
     };
-    std::string text = row("", {"shadows", "highlights", "below 0", "above 1", "no number"});
+    std::string text = row("", {"shadows", "highlights", "below 0", "above 1", "NaN"});
     const auto line = [&](std::size_t i) {
         const ChannelCounts& counts = histogram.present()[i];
         const auto share = [&](std::uint64_t count) { return percentage(count, histogram.pixels); };

@@ -21,7 +21,7 @@ void writeErrorLine(const char* prefix, std::string_view line) noexcept {
     try {
         write(prefix + text::printable(line) + "\n", stderr);
     } catch (const std::exception&) {
-        write("zqx-img: there is not enough memory for this\n", stderr);
+        write("zqx-img: out of memory\n", stderr);
     }
 }
 

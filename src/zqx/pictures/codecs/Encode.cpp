@@ -65,15 +65,16 @@ void warnOfLostDepth(const std::string& name, const Picture& source, SampleLayou
     std::string loss;
     if (depth < bitsPerChannel(source.stored)) {
         loss = "has " + std::to_string(depth) + " bits per channel, " +
-               (floats ? "values beyond 0 to 1 are lost and the rest is rounded" : "the picture's 16 are cut to that");
+               (floats ? "so values outside 0 to 1 are clipped and the rest is rounded"
+                       : "so the picture's 16 bits are reduced");
     } else if (outputFormat(name) == FileFormat::HDR && source.image().hasFloatFormat() &&
                bitsPerChannel(source.stored) > 8 && !fitsSharedExponent(source.image())) {
-        loss = "keeps 8 bits of each value";
+        loss = "keeps only 8 significant bits of each value";
     } else {
         return;
     }
-    warn(name,
-         "this format " + loss + ", choose " + (floats ? ".exr or .tif to keep floats" : ".png or .tif to keep 16"));
+    warn(name, "this format " + loss + "; choose " +
+                   (floats ? ".exr or .tif to keep floats" : ".png or .tif to keep 16 bits"));
 }
 
 /// Pixels as the encoder takes them, whatever order their channels have.
@@ -90,12 +91,13 @@ PixelBuffer inWorkingFormat(PixelBuffer pixels, SampleLayout layout) {
 
 void warnOfLosses(const std::string& name, const Picture& source, SampleLayout layout) {
     if (hasAlpha(source.pixels.layout()) && !hasAlpha(layout) && isTransparent(source.image())) {
-        warn(name, std::string("this format has no transparency, the picture becomes opaque, choose ") +
+        warn(name, std::string("this format has no transparency, so the picture becomes opaque; choose ") +
                        (isFloat(source.stored) ? ".exr or .tif" : ".png or .tif") + " to keep it");
     }
     warnOfLostDepth(name, source, layout);
     if (layout == SampleLayout::PALETTE8) {
-        warn(name, "this format has 256 colours, the picture's are reduced to them, choose .png or .tif to keep all");
+        warn(name,
+             "this format has at most 256 colours, so the picture's are reduced; choose .png or .tif to keep all");
     }
 }
 

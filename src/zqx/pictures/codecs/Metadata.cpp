@@ -41,10 +41,10 @@ const char* obstacleForProfile(const std::vector<unsigned char>& profile, FileFo
         return "the colour profile of the source is damaged and is left out";
     }
     if (!holdsColorProfile(format)) {
-        return "this format cannot hold a colour profile, that of the source is left out";
+        return "this format cannot store a colour profile; that of the source is left out";
     }
     if (!profileFits(profile, stored, layout)) {
-        return "the colour profile of the source does not fit this file and is left out";
+        return "the colour profile of the source does not apply to this file and is left out";
     }
     return nullptr;
 }

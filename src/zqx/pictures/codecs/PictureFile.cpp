@@ -23,7 +23,7 @@ void checkReplacement(const PictureFile& input, const std::string& output) {
     std::error_code failure;
     if (input.header.info.severalPictures &&
         std::filesystem::equivalent(toPath(input.name()), toPath(output), failure)) {
-        throw Error(output, "holds several pictures, of which only the first would be left; write to another file");
+        throw Error(output, "holds several pictures, of which only the first would be kept; write to another file");
     }
 }
 

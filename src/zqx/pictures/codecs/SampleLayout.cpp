@@ -109,8 +109,8 @@ SampleLayout chooseLayout(const std::string& name, FileFormat format, SampleLayo
             return layout;
         }
     }
-    throw Error(name, std::string(nameOf(format)) + " files cannot hold " + nameOf(wanted) +
-                          ", choose another extension such as .png or .tif");
+    throw Error(name, std::string(nameOf(format)) + " files cannot store " + nameOf(wanted) +
+                          "; choose another extension such as .png or .tif");
 }
 
 } // namespace zqx::pictures

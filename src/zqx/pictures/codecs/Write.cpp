@@ -21,7 +21,7 @@ PixelBuffer copyOf(const img::Image& image, SampleLayout layout) {
 void writePicture(const Picture& picture, const std::string& name, const WriteOptions& options) {
     const FileFormat format = outputFormat(name);
     if (picture.pixels.isEmpty()) {
-        throw Error(name, "there are no pixels to write");
+        throw Error(name, "the picture has no pixels to write");
     }
     const SampleLayout layout = chooseLayout(name, format, picture.stored);
     warnOfLosses(name, picture, layout);

@@ -16,13 +16,13 @@ namespace {
 /// What keeps a file of some kind from being read; nothing for those that can be.
 const char* obstacle(FileKind kind, InputFile::Source source) {
     switch (kind) {
-    case FileKind::DIRECTORY: return "is a directory, name a file";
-    case FileKind::SOCKET: return "is a socket, name a file";
-    case FileKind::DEVICE: return "is a device, name a file";
+    case FileKind::DIRECTORY: return "is a folder; name a file";
+    case FileKind::SOCKET: return "is a socket; name a file";
+    case FileKind::DEVICE: return "is a device; name a file";
     case FileKind::PIPE:
         return source == InputFile::Source::FILE_OR_PIPE
                    ? nullptr
-                   : "is a pipe, from which pictures cannot be read; save what comes out of it to a file first";
+                   : "is a pipe, and pictures cannot be read from pipes; save its output to a file first";
     case FileKind::REGULAR: break;
     }
     return nullptr;
@@ -36,7 +36,7 @@ InputFile::InputFile(const std::string& name, Source source) : mName(name) {
     std::error_code failure;
     mFile = openForReading(name, failure);
     if (failure == std::errc::no_such_file_or_directory || failure == std::errc::not_a_directory) {
-        throw Error(name, "there is no such file, check the name");
+        throw Error(name, "there is no such file; check the name");
     }
     if (failure) {
         throw Error(name, "cannot be opened (" + failure.message() + "), check its permissions");
@@ -68,12 +68,11 @@ std::string InputFile::readText(std::size_t limit) {
     for (std::size_t count = 0; (count = std::fread(block, 1, sizeof block, mFile.stream.get())) > 0;) {
         text.append(block, count);
         if (text.size() > limit) {
-            throw Error(mName,
-                        "is larger than " + std::to_string(limit >> 20) + " MiB, which is too large for a document");
+            throw Error(mName, "is larger than " + std::to_string(limit >> 20) + " MiB, too large for a document");
         }
     }
     if (std::ferror(mFile.stream.get()) != 0) {
-        throw Error(mName, "could not be read to its end (" + std::generic_category().message(errno) + ")");
+        throw Error(mName, "could not be read completely (" + std::generic_category().message(errno) + ")");
     }
     return text;
 }

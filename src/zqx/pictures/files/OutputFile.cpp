@@ -23,11 +23,11 @@ std::string resolveLinks(const std::string& name) {
     std::error_code failure;
     for (int i = 0; fs::is_symlink(fs::symlink_status(path, failure)); ++i) {
         if (i == MAX_LINKS) {
-            throw Error(name, "is a link that leads nowhere");
+            throw Error(name, "goes through too many symbolic links");
         }
         const fs::path next = fs::read_symlink(path, failure);
         if (failure) {
-            throw Error(name, "is a link that cannot be read (" + failure.message() + ")");
+            throw Error(name, "is a symbolic link that cannot be read (" + failure.message() + ")");
         }
         path = path.parent_path() / next; // an absolute link replaces the whole path
     }
@@ -44,25 +44,25 @@ std::string checkTarget(const std::string& name) {
     std::error_code failure;
     const fs::file_status status = fs::status(toPath(target), failure);
     if (fs::is_directory(status)) {
-        throw Error(name, "is a directory, name a file in it");
+        throw Error(name, "is a folder; name a file in it");
     }
     if (fs::exists(status) && !fs::is_regular_file(status)) {
-        throw Error(name, "is not a regular file and would be replaced by one, choose another name");
+        throw Error(name, "is not a regular file and would be overwritten; choose another name");
     }
     if (fs::exists(status) && !isWritable(target, false)) {
-        throw Error(name, "is write-protected, choose another name or change its permissions");
+        throw Error(name, "is write-protected; choose another name or change its permissions");
     }
     const std::string directory = folderOf(target);
     const fs::file_status place = fs::status(toPath(directory), failure);
     if (place.type() == fs::file_type::not_found) {
-        throw Error(name, "cannot be written because there is no directory " + directory + ", create it first");
+        throw Error(name, "cannot be written because there is no folder " + directory + "; create it first");
     }
     if (fs::exists(place) && !fs::is_directory(place)) {
-        throw Error(name, "cannot be written because " + directory + " is not a directory");
+        throw Error(name, "cannot be written because " + directory + " is not a folder");
     }
     if (!isWritable(directory, true)) {
         throw Error(name,
-                    "cannot be written into directory " + directory + " (" + describe(errno) + "), choose another one");
+                    "cannot be written to the folder " + directory + " (" + describe(errno) + "); choose another one");
     }
     return target;
 }
@@ -186,8 +186,8 @@ std::string listOf(const std::vector<std::string>& names) {
     }
     const std::string outcome = lost.empty()
                                     ? "nothing was changed"
-                                    : "but " + listOf(lost) + " had been replaced already and could not be restored";
-    throw Error(name, "could not be put in place (" + failure.message() + "), " + outcome);
+                                    : "but " + listOf(lost) + " had already been replaced and could not be restored";
+    throw Error(name, "could not be moved into place (" + failure.message() + "); " + outcome);
 }
 
 /// A name may get lost when the power fails, although the file is stored, for as long as its folder is not.
@@ -198,7 +198,8 @@ void storeFolders(std::span<const std::string> targets) {
     }
     for (const std::string& folder : folders) {
         if (const std::error_code failure = storeFolder(folder)) {
-            warn(folder, "the folder could not be stored durably (" + failure.message() + ")");
+            warn(folder, "the folder could not be flushed to the disk (" + failure.message() +
+                             "); new files may be lost if the power fails");
         }
     }
 }
@@ -279,7 +280,7 @@ void OutputFile::store() {
     }
     if (hasFailed()) {
         discard();
-        throw Error(mName, "could not be written (" + describe(mFailure) + "), nothing was changed");
+        throw Error(mName, "could not be written (" + describe(mFailure) + "); nothing was changed");
     }
 }
 

@@ -16,7 +16,7 @@ namespace zqx::pictures {
 /// A file that was to be kept is there already.
 class ZQX_PICTURES_EXPORT FileExists : public Error {
 public:
-    explicit FileExists(const std::string& name) : Error(name, "exists and is to be kept") {}
+    explicit FileExists(const std::string& name) : Error(name, "already exists and was left as it is") {}
 };
 
 /// Collects output in a new file beside the target, and gives it the target's name when all of it is safely stored.

@@ -46,7 +46,7 @@ void writeWithMetadata(const std::string& name, std::string_view encoded, const 
         return;
     }
     if (hasBlocks(metadata)) {
-        warn(name, "Exif, IPTC and XMP are left out, since no metadata codec is installed");
+        warn(name, "Exif, IPTC and XMP are left out because no metadata codec is installed");
     }
     consumer(encoded);
 }

@@ -37,9 +37,10 @@ std::vector<std::string> nameOutputs(const std::vector<Input>& inputs, const Pla
         try {
             outputFormat(name);
         } catch (const UsageError& error) {
-            throw pattern.usesExtension() ? UsageError(inputs[i].name, std::string("would become ") + error.what() +
-                                                                           ", as with --name \"{dir}/{stem}.png\"")
-                                          : error;
+            throw pattern.usesExtension()
+                ? UsageError(inputs[i].name, std::string("would become ") + error.what() +
+                                                 ", for example with --name \"{dir}/{stem}.png\"")
+                : error;
         }
         outputs.push_back(name);
     }
@@ -57,8 +58,8 @@ void refuseSharedOutputs(const std::vector<Input>& inputs, const std::vector<std
         const std::string both = "would be written for both " + inputs[first].name + " and " + inputs[i].name;
         const bool same = outputs[first] == outputs[i];
         throw UsageError(outputs[i],
-                         (same ? both : both + " (as " + outputs[first] + ", which many disks do not tell apart)") +
-                             ", tell them apart as with --name \"{dir}/{stem}_{n:04}.{ext}\"");
+                         (same ? both : both + " (as " + outputs[first] + ", which is the same name on many disks)") +
+                             "; give them different names, for example with --name \"{dir}/{stem}_{n:04}.{ext}\"");
     }
 }
 
@@ -69,7 +70,7 @@ void refuseInputsAsOutputs(const std::vector<std::string>& read, const std::vect
     }
     for (const std::string& output : outputs) {
         if (inputs.contains(output)) {
-            throw UsageError(output, "would replace a picture that is read in this run, name another --output-dir or "
+            throw UsageError(output, "would replace a picture that this run reads; choose another --output-dir or "
                                      "--name");
         }
     }
@@ -87,7 +88,7 @@ void refuseCollisions(const std::vector<Input>& inputs, const std::vector<std::s
         checkOutputs(read, {{"--output", outputs.front(), options.output.empty() ? "" : inputs.front().name},
                             {"--before-after", options.comparison}});
     } else if (!outputs.empty() && !options.comparison.empty()) {
-        throw UsageError("--before-after", "is for one picture");
+        throw UsageError("--before-after", "takes a single picture");
     }
 }
 
@@ -160,7 +161,7 @@ void makeFolders(const std::vector<PlannedPicture>& plan, const std::string& out
         std::error_code failure;
         fs::create_directories(folder, failure);
         if (failure && !fs::is_directory(folder)) {
-            throw Error(toName(folder), "the folder cannot be made (" + failure.message() + ")");
+            throw Error(toName(folder), "the folder cannot be created (" + failure.message() + ")");
         }
     }
 }

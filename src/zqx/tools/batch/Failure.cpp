@@ -14,11 +14,11 @@ std::string describeFailure(const std::string& subject) {
     } catch (const pictures::Error& error) {
         return error.what(); // names its subject itself
     } catch (const std::bad_alloc&) {
-        return subject + ": there is not enough memory for this";
+        return subject + ": out of memory; close other programs or use a smaller picture";
     } catch (const std::exception& error) {
         return subject + ": unexpected failure: " + error.what();
     } catch (...) {
-        return subject + ": unexpected failure, for a reason that was not given";
+        return subject + ": unexpected failure of unknown cause";
     }
 }
 

@@ -86,7 +86,7 @@ private:
         }
         if (failure) {
             mList.failures.push_back(
-                {toName(folder), "cannot be read (" + failure.message() + "), check its permissions"});
+                {toName(folder), "cannot be read (" + failure.message() + "); check its permissions"});
         }
         std::ranges::sort(entries);
         return entries;
@@ -110,8 +110,8 @@ std::size_t total(const ExtensionCounts& counts) {
 
 /// Why a folder gave nothing.
 std::string describeEmptyFolder(bool hasUnreadable, bool recursive) {
-    const std::string reason = hasUnreadable ? "holds no pictures that this build can read" : "holds no pictures";
-    return recursive ? reason : reason + ", --recursive looks into its folders, too";
+    const std::string reason = hasUnreadable ? "contains no pictures that this build can read" : "contains no pictures";
+    return recursive ? reason : reason + "; use --recursive to include its subfolders";
 }
 
 } // namespace
@@ -122,7 +122,7 @@ InputList listInputs(const std::vector<std::string>& names, bool recursive, cons
         std::error_code failure;
         const fs::file_status status = fs::status(toPath(name), failure);
         if (status.type() == fs::file_type::not_found) {
-            list.failures.push_back({name, "there is no such file, check the name"});
+            list.failures.push_back({name, "there is no such file; check the name"});
         } else if (!fs::is_directory(status)) {
             list.inputs.push_back({name, ""});
         } else {

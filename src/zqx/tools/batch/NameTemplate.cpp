@@ -31,12 +31,12 @@ NameTemplate::NameTemplate(std::string_view pattern) {
         } else if (letter == '{') {
             const std::size_t end = pattern.find('}');
             if (end == std::string_view::npos) {
-                throw UsageError(OPTION, "a field is not closed, write a brace itself as {{");
+                throw UsageError(OPTION, "a { is not closed; write {{ for the brace itself");
             }
             mPieces.push_back(parseField(pattern.substr(1, end - 1)));
             pattern.remove_prefix(end + 1);
         } else if (letter == '}') {
-            throw UsageError(OPTION, "a } without its {, write a brace itself as }}");
+            throw UsageError(OPTION, "there is a } without a {; write }} for the brace itself");
         } else {
             addText(letter);
             pattern.remove_prefix(1);
@@ -72,7 +72,7 @@ NameTemplate::Piece NameTemplate::parseField(std::string_view name) {
             return {Field::NUMBER, {}, width};
         }
     }
-    throw UsageError(OPTION, "there is no field {" + std::string(name) + "}, there are " + FIELDS);
+    throw UsageError(OPTION, "unknown field {" + std::string(name) + "}; the fields are " + FIELDS);
 }
 
 std::string NameTemplate::expandPiece(const Piece& piece, const Input& input, std::size_t number) {
@@ -95,7 +95,7 @@ std::string NameTemplate::expand(const Input& input, std::size_t number) const {
     fs::path result;
     for (const fs::path& part : toPath(name).relative_path()) {
         if (part == "..") {
-            throw UsageError(OPTION, "leads out of the output folder with \"..\", name another --output-dir");
+            throw UsageError(OPTION, "leads out of the output folder with \"..\"; choose another --output-dir instead");
         }
         if (!part.empty() && part != ".") {
             result /= part;

@@ -31,7 +31,7 @@ void refuseSharedOutputs(const std::vector<Output>& outputs) {
     std::set<std::string> written;
     for (const Output& output : outputs) {
         if (!output.name.empty() && !written.insert(foldCase(canonicalName(output.name))).second) {
-            throw UsageError(output.option, "must not be the output file; choose another name");
+            throw UsageError(output.option, "is the same file as another output; choose another name");
         }
     }
 }

@@ -73,8 +73,8 @@ std::string lineAndColumn(const std::string& text, std::size_t offset) {
 
 const char* describe(rapidjson::ParseErrorCode code) {
     switch (code) {
-    case rapidjson::kParseErrorDocumentEmpty: return "there is nothing in it";
-    case rapidjson::kParseErrorDocumentRootNotSingular: return "there is more text after its end";
+    case rapidjson::kParseErrorDocumentEmpty: return "the document is empty";
+    case rapidjson::kParseErrorDocumentRootNotSingular: return "there is text after the end of the document";
     case rapidjson::kParseErrorValueInvalid: return "a value is missing or misspelt";
     case rapidjson::kParseErrorObjectMissName: return "a name in double quotes is missing";
     case rapidjson::kParseErrorObjectMissColon: return "a colon is missing after a name";
@@ -82,18 +82,19 @@ const char* describe(rapidjson::ParseErrorCode code) {
     case rapidjson::kParseErrorArrayMissCommaOrSquareBracket: return "a comma or ] is missing";
     case rapidjson::kParseErrorStringUnicodeEscapeInvalidHex: return "\\u needs four hexadecimal digits";
     case rapidjson::kParseErrorStringUnicodeSurrogateInvalid: return "a \\u surrogate has no second half";
-    case rapidjson::kParseErrorStringEscapeInvalid: return "there is no such escape, a backslash is written \\\\";
+    case rapidjson::kParseErrorStringEscapeInvalid: return "unknown escape; a backslash is written \\\\";
     case rapidjson::kParseErrorStringMissQuotationMark: return "a closing quotation mark is missing";
-    case rapidjson::kParseErrorStringInvalidEncoding: return "this is not UTF-8, or a control character in a string";
+    case rapidjson::kParseErrorStringInvalidEncoding:
+        return "this is not UTF-8, or a control character inside a string";
     case rapidjson::kParseErrorNumberTooBig: return "a number is too large";
     case rapidjson::kParseErrorNumberMissFraction: return "digits are missing after the decimal point";
     case rapidjson::kParseErrorNumberMissExponent: return "digits are missing in the exponent";
-    default: return "this is out of place";
+    default: return "this is not expected here";
     }
 }
 
 [[noreturn]] void refuse(const std::string& name, const std::string& text, std::size_t offset, const char* why) {
-    throw Error(name, "is not JSON at " + lineAndColumn(text, offset) + ": " + why);
+    throw Error(name, "is not valid JSON at " + lineAndColumn(text, offset) + ": " + why);
 }
 
 /// Refuses deep nesting before it costs memory. In text that is not JSON it may misjudge what a bracket is.
@@ -122,7 +123,7 @@ rapidjson::Document parse(const std::string& name, std::string& text) {
         text.erase(0, 3);
     }
     if (const std::size_t zero = text.find('\0'); zero != std::string::npos) {
-        refuse(name, text, zero, "this is a zero byte, save the document as UTF-8 text");
+        refuse(name, text, zero, "this is a zero byte; save the document as UTF-8 text");
     }
     limitNesting(name, text);
     rapidjson::Document document;
@@ -143,16 +144,16 @@ void requireVersion(const std::string& name, const rapidjson::Value& document) {
     const auto require = [&](bool fulfilled, const std::string& what) {
         if (!fulfilled) {
             throw Error(name, "is not a parameter document of version " + std::to_string(DOCUMENT_VERSION) + " (" +
-                                  what + "), write one with \"zqx-img params\"");
+                                  what + "); \"zqx-img params\" prints a valid one");
         }
     };
-    require(document.IsObject(), "it has to be an object");
+    require(document.IsObject(), "it must be an object");
     const rapidjson::Value* processing = find(document, "imageProcessing");
-    require(processing != nullptr && processing->IsObject(), "it has no object imageProcessing");
+    require(processing != nullptr && processing->IsObject(), "the object imageProcessing is missing");
     const rapidjson::Value* version = find(*processing, "version");
-    require(version != nullptr, "it has no imageProcessing.version");
+    require(version != nullptr, "imageProcessing.version is missing");
     require(version->IsInt() && version->GetInt() == DOCUMENT_VERSION,
-            "imageProcessing.version has to be " + std::to_string(DOCUMENT_VERSION));
+            "imageProcessing.version must be " + std::to_string(DOCUMENT_VERSION));
 }
 
 std::string describe(const rapidjson::Value& value) {
@@ -261,7 +262,7 @@ public:
     void read(const rapidjson::Value& document) {
         readObject(document, documentRoot(), "");
         if (mRemarkCount > MOST_REMARKS) {
-            mRemarks.add(mName, "has " + std::to_string(mRemarkCount - MOST_REMARKS) + " more faults like these", "");
+            mRemarks.add(mName, "has " + std::to_string(mRemarkCount - MOST_REMARKS) + " more problems like these", "");
         }
     }
 
@@ -273,7 +274,7 @@ private:
             const auto found = std::ranges::find(known.members, name, &DocumentMember::name);
             if (!names.insert(name).second) {
                 remark([&] { return joinPath(path, name) + " is given more than once"; },
-                       ", only the first one counts");
+                       "; only the first one counts");
             } else if (found == known.members.end()) {
                 remark([&] { return describeUnknown(known, path, name); }, ". It is ignored");
             } else {
@@ -301,7 +302,7 @@ private:
             break;
         case MemberKind::VERSION: return; // required before
         }
-        remark([&] { return path + " is " + describe(value) + " and has to be " + describeExpected(known); },
+        remark([&] { return path + " is " + describe(value) + " but must be " + describeExpected(known); },
                ". It is ignored");
     }
 
@@ -327,10 +328,10 @@ private:
         if (number != limited) {
             remark(
                 [&] {
-                    return path + " is " + formatNumber(number) + ", outside of " + formatNumber(parameter.minimum) +
-                           " to " + formatNumber(parameter.maximum);
+                    return path + " is " + formatNumber(number) + ", outside the range " +
+                           formatNumber(parameter.minimum) + " to " + formatNumber(parameter.maximum);
                 },
-                ", limited to " + formatNumber(limited));
+                "; limited to " + formatNumber(limited));
         }
         mMerged.given(parameter) = {{static_cast<float>(limited)}, mName};
         return true;
@@ -347,7 +348,7 @@ private:
             }
             const double number = value[i].GetDouble();
             if (std::abs(number) > static_cast<double>(std::numeric_limits<float>::max())) {
-                throw Error(mName, path + " holds a number that is too large for a colour");
+                throw Error(mName, path + " contains a number that is too large for a colour");
             }
             color.numbers[i] = static_cast<float>(number);
         }
@@ -357,9 +358,9 @@ private:
 
     static std::string describeUnknown(const DocumentMember& object, const std::string& path, std::string_view name) {
         const NearestMember nearest(object, name);
-        return joinPath(path, name) + " is not known" +
-               (nearest.suggestion().empty() ? " (known there: " + namesIn(object) + ")"
-                                             : ", did you mean \"" + nearest.suggestion() + "\"?");
+        return joinPath(path, name) + " is unknown" +
+               (nearest.suggestion().empty() ? " (known members: " + namesIn(object) + ")"
+                                             : "; did you mean \"" + nearest.suggestion() + "\"?");
     }
 
     template <typename Describe>
@@ -448,7 +449,7 @@ void MergedDocument::checkGradient(Remarks& remarks) const {
     for (const Parameter& parameter : parameters()) {
         if (parameter.kind == Kind::COLOR && given(parameter)) {
             remarks.add(given(parameter)->document,
-                        std::string(parameter.path) + " counts only together with " + std::string(missing->path),
+                        std::string(parameter.path) + " has no effect without " + std::string(missing->path),
                         ". It is ignored");
         }
     }

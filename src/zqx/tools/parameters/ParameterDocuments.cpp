@@ -35,7 +35,7 @@ img::ImageProcessingPipeline ParameterDocuments::makePipeline(Faults faults) con
         }
         merged.checkGradient(remarks);
         if (!pipeline.loadParams(merged.text())) {
-            throw Error(mDocuments.back().name, "could not be merged with what came before");
+            throw Error(mDocuments.back().name, "could not be merged with the documents before it");
         }
     }
     for (const std::string& setting : mSettings) {

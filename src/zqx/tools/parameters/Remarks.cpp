@@ -9,7 +9,7 @@ using namespace pictures;
 
 namespace {
 
-constexpr const char* ADVICE = "correct the following, or leave --strict out to go on with warnings";
+constexpr const char* ADVICE = "correct the following, or omit --strict to continue with warnings";
 
 std::string joined(const std::vector<std::string>& remarks) {
     std::string lines;

@@ -32,8 +32,7 @@ const Parameter& findParameter(const std::string& option, std::string_view name)
     if (found != parameters().end()) {
         return *found;
     }
-    throw UsageError(option, "there is no adjustment of this name, did you mean \"" +
-                                 std::string(nearestParameter(name).name) + "\"?");
+    throw UsageError(option, "unknown adjustment; did you mean \"" + std::string(nearestParameter(name).name) + "\"?");
 }
 
 std::optional<float> readNumber(std::string_view text) {
@@ -100,7 +99,7 @@ Value readValue(const std::string& option, const Parameter& parameter, std::stri
         break;
     }
     if (!value) {
-        throw UsageError(option, "the value has to be " + wanted);
+        throw UsageError(option, "the value must be " + wanted);
     }
     return *value;
 }
@@ -111,14 +110,15 @@ void applySetting(img::ImageProcessingPipeline& pipeline, const std::string& set
     const std::string option = "--set " + setting;
     const std::size_t equals = setting.find('=');
     if (equals == std::string::npos) {
-        throw UsageError(option, "has to be written name=value");
+        throw UsageError(option, "must be written name=value");
     }
     const Parameter& parameter = findParameter(option, std::string_view(setting).substr(0, equals));
     const Value value = readValue(option, parameter, std::string_view(setting).substr(equals + 1));
     parameter.set(pipeline, value);
     if (parameter.kind == Kind::NUMBER && (value[0] < parameter.minimum || value[0] > parameter.maximum)) {
-        remarks.add(option, "outside of " + formatNumber(parameter.minimum) + " to " + formatNumber(parameter.maximum),
-                    ", limited to " + formatValue(parameter, pipeline));
+        remarks.add(option,
+                    "outside the range " + formatNumber(parameter.minimum) + " to " + formatNumber(parameter.maximum),
+                    "; limited to " + formatValue(parameter, pipeline));
     }
 }
 

@@ -106,7 +106,7 @@ Converted convertStandard(FIBITMAP* bitmap) {
 }
 
 Converted convertStretched(const std::string& name, FIBITMAP* bitmap) {
-    warn(name, "holds numbers without a known range, which are stretched to 8-bit grey");
+    warn(name, "has samples without a known range; they are scaled to 8-bit grey");
     return {FreeImage_ConvertToStandardType(bitmap, TRUE), SampleLayout::GRAY8};
 }
 
@@ -147,7 +147,7 @@ ConvertedPixels toWorkingLayout(const std::string& name, Bitmap bitmap, RowOrder
     }
     const Converted converted = convert(name, bitmap.get());
     if (converted.bitmap == nullptr) {
-        throw Error(name, "cannot be converted" + inItsWords());
+        throw Error(name, "cannot be converted to a supported sample layout" + inItsWords());
     }
     if (converted.bitmap != bitmap.get()) {
         bitmap.reset(converted.bitmap);
@@ -165,7 +165,7 @@ Bitmap toStoredLayout(const std::string& name, PixelBuffer& pixels, SampleLayout
     }
     Bitmap palette(FreeImage_ColorQuantizeEx(bitmap.get(), FIQ_WUQUANT, 256, 0, nullptr));
     if (!palette) {
-        throw Error(name, "its colours cannot be reduced to a palette" + inItsWords());
+        throw Error(name, "the colours cannot be reduced to a palette of 256" + inItsWords());
     }
     return palette;
 }

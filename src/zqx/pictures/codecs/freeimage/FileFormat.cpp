@@ -123,11 +123,11 @@ FileFormat formatOfName(const std::string& name) {
 FileFormat outputFormat(const std::string& name) {
     const FileFormat format = formatOfName(name);
     if (format == FileFormat::UNKNOWN) {
-        throw UsageError(name, "no picture format has this extension, use one such as .png, .jpg or .tif");
+        throw UsageError(name, "unknown picture extension; use one such as .png, .jpg or .tif");
     }
     if (!canWrite(format)) {
         throw UsageError(name, std::string(nameOf(format)) +
-                                   " files can only be read, use an extension such as .png, .jpg or .tif");
+                                   " files can be read but not written; use an extension such as .png, .jpg or .tif");
     }
     return format;
 }

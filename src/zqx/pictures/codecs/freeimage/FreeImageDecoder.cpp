@@ -60,14 +60,16 @@ int loadFlags(FileFormat format) {
 /// FreeImage takes the samples of these for something else.
 void refuseMisreadTiff(const std::string& name, const TiffSamples& samples) {
     if (samples.perPixel == 2 && samples.bits == 16) {
-        throw Error(name,
-                    "is 16-bit grey with transparency, which cannot be read from TIFF files, convert it to colour");
+        throw Error(
+            name, "is 16-bit grey with transparency, which is not supported in TIFF files; convert it to colour first");
     }
     if (samples.perPixel == 1 && samples.bits == 16 && samples.floats) {
-        throw Error(name, "is grey in half floats, which cannot be read from TIFF files, convert it to 32-bit floats");
+        throw Error(name,
+                    "is grey in half floats, which is not supported in TIFF files; convert it to 32-bit floats first");
     }
     if (samples.perPixel == 2) {
-        warn(name, "is grey with transparency, which cannot be read in full from TIFF files, convert it to colour");
+        warn(name, "is grey with transparency, which is only partly supported in TIFF files; convert it to colour to "
+                   "keep it all");
     }
 }
 
@@ -98,15 +100,14 @@ Bitmap tryDecode(FreeImageStream& stream, const std::string& name, FileFormat fo
         const qutil::SehTranslator translator; // FreeImage's decoders trust what damaged files say of themselves
         return Bitmap(stream.decode(idOf(format), flags));
     } catch (const qutil::SehException&) {
-        throw Error(name, std::string("brought the ") + nameOf(format) + " decoder down, the file must be damaged");
+        throw Error(name, std::string("crashed the ") + nameOf(format) + " decoder; the file is probably damaged");
     }
 }
 
 /// What fails for want of memory or over a broken disk is not the file's fault. @throws Error, std::bad_alloc
 void checkSystem(const InputFile& file, bool decoded) {
     if (file.readFailure()) {
-        throw Error(file.name(),
-                    "could not be read (" + file.readFailure().message() + "), check the disk that it is on");
+        throw Error(file.name(), "cannot be read (" + file.readFailure().message() + "); check the disk it is on");
     }
     if (!decoded && saidToLackMemory()) {
         throw std::bad_alloc();
@@ -119,7 +120,7 @@ Bitmap decode(FreeImageStream& stream, const InputFile& file, FileFormat format,
     checkSystem(file, bitmap != nullptr);
     if (!bitmap) {
         throw Error(file.name(),
-                    std::string("cannot be read as ") + nameOf(format) + inItsWords() + ", the file may be damaged");
+                    std::string("cannot be read as ") + nameOf(format) + inItsWords() + "; the file may be damaged");
     }
     return bitmap;
 }
@@ -127,20 +128,20 @@ Bitmap decode(FreeImageStream& stream, const InputFile& file, FileFormat format,
 void checkComplete(InputFile& file, const Header& header) {
     switch (checkCompleteness(file, header)) {
     case Completeness::COMPLETE: break;
-    case Completeness::CUT_SHORT: throw Error(file.name(), "is cut short, get a complete copy");
-    case Completeness::DAMAGED: throw Error(file.name(), "is damaged: it does not hold all of its pixels");
+    case Completeness::CUT_SHORT: throw Error(file.name(), "is cut short; get a complete copy");
+    case Completeness::DAMAGED: throw Error(file.name(), "is damaged: some of its pixels are missing");
     }
 }
 
 /// @throws Error for what cannot be worked with
 void checkBitmap(const std::string& name, const Bitmap& bitmap, const Limits& limits) {
     if (!FreeImage_HasPixels(bitmap.get())) {
-        throw Error(name, "holds no pixels");
+        throw Error(name, "contains no pixel data");
     }
     checkPictureSize(name, FreeImage_GetWidth(bitmap.get()), FreeImage_GetHeight(bitmap.get()),
                      limits); // a header may lie, or tell nothing
     if (FreeImage_GetColorType(bitmap.get()) == FIC_CMYK) {
-        throw Error(name, "is in printing inks (CMYK), convert it to RGB first");
+        throw Error(name, "is a CMYK picture, which is not supported; convert it to RGB first");
     }
 }
 
@@ -216,7 +217,7 @@ Picture decodeByFreeImage(InputFile& file, const Header& header, const Limits& l
     FreeImageStream stream(file, maskMetadata(file, format));
     Bitmap bitmap = decode(stream, file, format, loadFlags(format));
     if (isCutShort(stream, format)) {
-        throw Error(name, "is cut short" + inItsWords() + ", get a complete copy");
+        throw Error(name, "is cut short" + inItsWords() + "; get a complete copy");
     }
     checkComplete(file, header);
     if (!freeImageMessages().empty()) {

@@ -60,7 +60,7 @@ void encodeByFreeImage(const std::string& name, FileFormat format, PixelBuffer p
     if (!memory || !FreeImage_SaveToMemory(idOf(format), bitmap.get(), memory.get(), saveFlags(format, quality)) ||
         !FreeImage_AcquireMemory(memory.get(), &bytes, &size)) {
         throw Error(name, std::string("cannot be written as ") + nameOf(format) + inItsWords() +
-                              ", choose another extension such as .png or .tif");
+                              "; choose another extension such as .png or .tif");
     }
     bitmap.reset();
     pixels.reset(); // the file takes room enough
