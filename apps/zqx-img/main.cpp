@@ -1,4 +1,4 @@
-// The command line program: runs the chosen command, and turns whatever goes wrong into a line and an exit code.
+// The command line program: runs the chosen command, and converts failures to messages and exit codes.
 #include <algorithm>
 #include <cstring>
 #include <exception>
@@ -45,14 +45,14 @@ std::vector<const char*> commandLine(int argc, char** argv) {
     return words;
 }
 
-/// The last line is advice of the program's own; line breaks before it are in words of the user's.
+/// The last line is advice from the program; earlier line breaks are part of what the user typed.
 int complainOfCommandLine(const std::string& problem) {
     const std::size_t end = problem.rfind('\n');
     complain(std::string_view(problem).substr(0, end));
     return complainAndReturn(INVALID_COMMAND_LINE, std::string_view(problem).substr(end + 1));
 }
 
-/// Help and version arrive as exceptions, too.
+/// The command line library throws also for --help and --version.
 int answer(const CLI::App& program, const CLI::ParseError& error, const std::vector<const char*>& words) {
     if (error.get_exit_code() != 0) {
         return complainOfCommandLine(describeProblem(program, error, words));
@@ -97,7 +97,7 @@ int runProgram(int argc, char** argv) {
     watchForInterrupts();
     setWarningHandler([](const std::string& line) { printWarning(line); });
     installExiv2();
-    qutil::Log::setReportingLevel(0); // failures of components are reported in the words of the program
+    qutil::Log::setReportingLevel(0); // failures are reported by the program's own messages
     const std::unique_ptr<CLI::App> program = makeCommandLine();
     return run(*program, commandLine(argc, argv));
 }

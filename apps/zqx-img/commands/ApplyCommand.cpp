@@ -1,4 +1,4 @@
-// apply: checks the options as a whole and hands them to the run.
+// apply: checks the combination of options, plans the run and starts it.
 #include <algorithm>
 #include <cstdint>
 #include <memory>
@@ -69,7 +69,7 @@ void checkOutputOptions(const ApplyOptions& options) {
     }
 }
 
-/// One picture and its output are as they are named; everything else is for many.
+/// With --output, the single input is taken as it is; folders are for --output-dir.
 InputList findInputs(const ApplyOptions& options) {
     if (!options.output.empty()) {
         InputList list;

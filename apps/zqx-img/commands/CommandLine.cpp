@@ -1,4 +1,4 @@
-// The whole command line: everything that users can write, in one place for running it and for documenting it.
+// Builds the whole command line, both for parsing it and for generating its documentation.
 #include "commands/CommandLine.h"
 
 #include <CLI/CLI.hpp>

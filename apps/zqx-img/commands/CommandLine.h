@@ -1,4 +1,4 @@
-// The program's command line as one object.
+// The command line of the program as one object.
 #pragma once
 
 #include <memory>
@@ -9,7 +9,7 @@ class App;
 
 namespace zqx::app {
 
-/// All commands and options, each ready to run when it is parsed.
+/// All commands and options. A command runs when it is parsed.
 std::unique_ptr<CLI::App> makeCommandLine();
 
 } // namespace zqx::app

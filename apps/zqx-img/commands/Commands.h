@@ -1,4 +1,4 @@
-// The commands of the program. Each adds itself to the command line and runs when it is the one chosen.
+// The commands of the program. Each function adds a command to the command line, which runs it if it is chosen.
 #pragma once
 
 namespace CLI {
@@ -23,7 +23,7 @@ void addParamsCommand(CLI::App& program);
 void addLutCommand(CLI::App& program);
 /// info: shows what a picture file contains.
 void addInfoCommand(CLI::App& program);
-/// help: explains the other commands, which have to be there already.
+/// help: explains the other commands, which must have been added before.
 void addHelpCommand(CLI::App& program);
 
 } // namespace zqx::app

@@ -1,4 +1,4 @@
-// compare: how much two picture files differ, in numbers and as a picture.
+// compare: reports how much two picture files differ, in numbers and as a picture.
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -55,7 +55,7 @@ const char* channelName(std::size_t channel, std::size_t channels) {
     return channels == 1 ? "grey" : NAMES[channel];
 }
 
-/// A number, or a fraction such as 2/255.
+/// Parses a number or a fraction such as 2/255.
 double parseTolerance(const std::string& text) {
     const auto fail = [&text]() -> double {
         throw UsageError("--tolerance",
@@ -84,7 +84,7 @@ std::string channelsInWords(const Picture& picture) {
     return hasAlpha(picture.stored) ? "colour with alpha" : hasColor(picture.stored) ? "colour" : "grey";
 }
 
-/// Why two pictures have no pixels to be compared; nothing when they have.
+/// Why two pictures cannot be compared; nothing if they can.
 std::optional<std::string> obstacle(const CompareOptions& options, const Picture& a, const Picture& b) {
     const auto sentence = [&options](const std::string& left, const std::string& right) {
         return options.files[0] + " is " + left + ", " + options.files[1] + " is " + right;
@@ -98,7 +98,7 @@ std::optional<std::string> obstacle(const CompareOptions& options, const Picture
     return std::nullopt;
 }
 
-/// The result in the units that people and programs are told: white is 1.
+/// The result in the units that are reported, in which white is 1.
 struct Report {
     const Picture& a;
     const Picture& b;
@@ -117,7 +117,7 @@ std::string inDigits(double value) {
     return text::significant(value);
 }
 
-/// "0.0117647", and the steps of the scale where it has some.
+/// A difference as "0.0117647 (3 of 255)"; floats have no codes.
 std::string inSteps(double normalised, ComparisonScale scale) {
     return inDigits(normalised) +
            (scale.encoded ? " (" + inDigits(normalised * scale.white) + " of " + inDigits(scale.white) + ")" : "");

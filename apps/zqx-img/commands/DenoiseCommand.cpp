@@ -1,4 +1,4 @@
-// denoise: a noisy render and what its renderer knows of the surfaces, through the denoising filter into a new file.
+// denoise: removes noise from a render with the denoising filter, guided by the albedo and normals of the surfaces.
 #include <cmath>
 #include <cstdint>
 #include <functional>
@@ -38,13 +38,13 @@ struct DenoiseOptions {
     std::string output;
     ReadOptions loading;
     std::uint64_t memory = 0; ///< the default
-    /// Not the default for bytes either: noise averages out in linear light. Encoded it averages to something lighter,
-    /// and the denoiser leaves more of it.
+    /// Not the default even for 8-bit pictures: noise averages out correctly in linear light only. In gamma-encoded
+    /// values the mean is too light, and the denoiser removes less noise.
     bool displayReferred = false;
     WriteOptions encoding;
 };
 
-/// The filter asks for the guides as well, but only once the pictures are read and its library is there.
+/// The filter checks this too, but only after the pictures have been read and its library has been loaded.
 void checkGuides(const DenoiseOptions& options) {
     for (const auto& [option, file] : {std::pair("--albedo", options.albedo), std::pair("--normal", options.normal)}) {
         if (file.empty()) {
@@ -77,8 +77,8 @@ Picture loadGuide(PictureFile& file, const Picture& color, const ReadOptions& lo
     return guide;
 }
 
-/// Encoded pictures hold a direction as (n + 1) / 2. Black is no direction: it is what renderers leave where there is
-/// no surface.
+/// Gamma-encoded pictures store a normal n as (n + 1) / 2. Black is not a normal: renderers write it where there is no
+/// surface.
 img::Color expandDirection(const img::Color& decoded) {
     if (decoded.r == 0.0F && decoded.g == 0.0F && decoded.b == 0.0F) {
         return decoded;
@@ -96,7 +96,7 @@ std::shared_ptr<img::Image> loadNormal(PictureFile& file, const Picture& color, 
     return normal;
 }
 
-/// Replaces the colours. The filter reads and writes three floats at the stride of four, so that alpha stays.
+/// Denoises in place. The filter accesses three floats at a stride of four, so that alpha is kept.
 void denoise(img::Image& color, const img::Image& albedo, const img::Image& normal, const DenoiseOptions& options) {
     img::DenoisingFilter filter;
     filter.setInput(img::DenoisingFilter::COLOR, color);
@@ -110,12 +110,13 @@ void denoise(img::Image& color, const img::Image& albedo, const img::Image& norm
     }
 }
 
-/// Within [0, 1]; NaN becomes 0.
+/// Clamps to [0, 1]; NaN becomes 0.
 float limited(float value) {
     return std::fmin(std::fmax(value, 0.0F), 1.0F);
 }
 
-/// Encoding to bytes truncates. Denoised values scatter around the right one and would come out half a step too dark.
+/// Conversion to bytes truncates. Denoised values scatter around the correct ones and would come out half a step too
+/// dark.
 img::Color raisedByHalfStep(const img::Color& encoded) {
     constexpr float HALF_STEP = 0.5F / 255.0F;
     return {encoded.r + HALF_STEP, encoded.g + HALF_STEP, encoded.b + HALF_STEP, encoded.a};
@@ -125,7 +126,7 @@ img::Color inRange(const img::Color& pixel) {
     return {limited(pixel.r), limited(pixel.g), limited(pixel.b), pixel.a};
 }
 
-/// @param encoded what the denoiser was given, and has left
+/// @param encoded whether the denoiser was given gamma-encoded values
 PixelBuffer makePixels(img::Image& color, bool encoded, SampleLayout from, SampleLayout to) {
     if (bitsPerChannel(to) == 8) {
         forEachPixel(color, [encoded](const img::Color& pixel) {
@@ -157,7 +158,7 @@ PixelBuffer render(const Picture& source, RenderFiles& files, SampleLayout layou
     const std::shared_ptr<img::Image> albedo = linearPixels(loadGuide(files.albedo, source, options.loading));
     const std::shared_ptr<img::Image> normal = loadNormal(files.normal, source, options.loading);
     if (options.displayReferred && !isFloat(source.stored)) {
-        forEachPixel(*color, [](const img::Color& pixel) { return pixel.toSrgb(); }); // back to what is stored
+        forEachPixel(*color, [](const img::Color& pixel) { return pixel.toSrgb(); }); // back to the stored values
     }
     denoise(*color, *albedo, *normal, options);
     return makePixels(*color, options.displayReferred, source.stored, layout);
@@ -167,7 +168,7 @@ void runDenoise(const DenoiseOptions& options) {
     checkGuides(options);
     const FileFormat format = outputFormat(options.output);
     checkResultFile(options.output, {options.albedo, options.normal});
-    constexpr std::uint64_t WORKING_BYTES = 3 * 4 * sizeof(float); // what the denoiser itself takes has its own limits
+    constexpr std::uint64_t WORKING_BYTES = 3 * 4 * sizeof(float); // the denoiser limits its own memory
     RenderFiles files(options);
     requireMemory({{memoryInput(files.color), memoryInput(files.albedo), memoryInput(files.normal)},
                    {options.output},
@@ -177,7 +178,7 @@ void runDenoise(const DenoiseOptions& options) {
     Picture source = readPicture(files.color, options.loading);
     const SampleLayout layout = chooseLayout(options.output, format, source.stored);
     warnOfLosses(options.output, source, layout);
-    prepareAlpha(source, format, layout, false); // renderers' colours are denoised as they lie in the file
+    prepareAlpha(source, format, layout, false); // premultiplied colours of renders are denoised as they are
     PixelBuffer pixels = render(source, files, layout, options);
     OutputFile file(options.output);
     encodePicture(file, options.output, format, std::move(pixels), layout, source, options.encoding);

@@ -1,4 +1,4 @@
-// help: the text of --help as a command of its own.
+// help: prints the text of --help.
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -18,7 +18,7 @@ std::vector<const CLI::App*> allCommands(const CLI::App& program) {
     return program.get_subcommands([](const CLI::App*) { return true; });
 }
 
-/// By the formatter itself: asked for its help, a program answers with that of the command that runs, which is this
+/// Calls the formatter directly: the program object would return the help of the command that is running, which is this
 /// one.
 std::string helpText(const CLI::App& program, const std::string& name) {
     const std::vector<const CLI::App*> commands = allCommands(program);

@@ -1,4 +1,4 @@
-// histogram: how often each stored value occurs, as a chart, as characters, or as numbers.
+// histogram: counts the values of a picture and shows them as a chart, as text or as numbers.
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -93,8 +93,8 @@ void runHistogram(const HistogramOptions& options) {
     checkOptions(options);
     img::ImageProcessingPipeline pipeline = options.adjustments.makePipeline();
     PictureFile file(options.input, options.loading.limits);
-    requireMemory({{memoryInput(file)}, {options.input}},
-                  options.memory); // what is counted is a picture like the input
+    // The adjusted picture is as large as the input.
+    requireMemory({{memoryInput(file)}, {options.input}}, options.memory);
     Picture source = readPicture(file, options.loading);
     straightenAlpha(source);
     connect(pipeline, source);

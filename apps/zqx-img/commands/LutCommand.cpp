@@ -1,4 +1,4 @@
-// lut: the grading as a .cube table, for other programs.
+// lut: writes the grading as a .cube file for other programs.
 #include <algorithm>
 #include <cctype>
 #include <memory>
@@ -39,7 +39,7 @@ void warnOfOmissions(const img::ImageProcessingPipeline& pipeline) {
     }
 }
 
-/// A table is text; under another name it would pass for what it is not.
+/// A lookup table is text; with another extension it would be taken for something else.
 void checkOutput(const LutOptions& options) {
     std::string extension = toName(toPath(options.output).extension());
     std::ranges::transform(extension, extension.begin(), [](unsigned char c) { return std::tolower(c); });

@@ -1,4 +1,4 @@
-// params: prints the normalised parameter document of the given adjustments, its description, or its schema.
+// params: prints a parameter document with the given adjustments, or its description or schema.
 #include <memory>
 
 #include <CLI/CLI.hpp>
@@ -52,7 +52,7 @@ void checkCombination(const ParamsOptions& options) {
     }
 }
 
-/// What is written is text; under a picture's name it would pass for one.
+/// The output is text; with the extension of a picture format it would be taken for a picture.
 void checkOutput(const ParamsOptions& options) {
     if (formatOfName(options.output) != FileFormat::UNKNOWN) {
         throw UsageError(options.output,

@@ -1,4 +1,4 @@
-// preview: a small version of the adjusted picture, or a contact sheet of several.
+// preview: makes a small version of an adjusted picture, or a contact sheet of several versions.
 #include <algorithm>
 #include <cstdint>
 #include <memory>
@@ -54,16 +54,16 @@ struct PreviewOptions {
     WriteOptions encoding;
 };
 
-/// Colours are averaged unpremultiplied.
+/// Colours are averaged with straight alpha.
 Picture loadStraight(const PreviewOptions& options) {
     PictureFile file(options.input, options.loading.limits);
-    requireMemory({{memoryInput(file)}, {options.input}}, options.memory); // at most as large as the input
+    requireMemory({{memoryInput(file)}, {options.input}}, options.memory); // the preview is at most as large
     Picture picture = readPicture(file, options.loading);
     straightenAlpha(picture);
     return picture;
 }
 
-/// The picture with its pixels brought down to a size. All else stays.
+/// The picture downscaled to a size, with everything else unchanged.
 Picture reduced(Picture picture, unsigned longestSide) {
     const Size size = {picture.width(), picture.height()};
     if (const Size smaller = fitted(size, longestSide); smaller != size) {
@@ -77,13 +77,13 @@ std::string fileStem(const std::string& name) {
     return {stem.begin(), stem.end()};
 }
 
-/// The adjustments of one picture on a sheet: its document over those of --params, and --set over both.
+/// The adjustments of one picture on a sheet: its document overrides those of --params, and --set overrides both.
 ParameterOptions withDocument(ParameterOptions adjustments, const std::string& document) {
     adjustments.documents.push_back(document);
     return adjustments;
 }
 
-/// One pipeline for each document. Warnings about --params and --set are given once, not once for each.
+/// One pipeline for each document. Warnings about --params and --set are printed once, not once per document.
 std::vector<img::ImageProcessingPipeline> sheetPipelines(const PreviewOptions& options) {
     std::vector<std::string> warnings;
     std::vector<img::ImageProcessingPipeline> pipelines;
@@ -130,7 +130,7 @@ PixelBuffer makePreview(const PreviewOptions& options, img::ImageProcessingPipel
     return result;
 }
 
-/// A sheet keeps nothing of its source but the meaning of its colours.
+/// Of the metadata of its source a sheet keeps only the colour profile.
 Picture originalOfSheet(const Picture& source) {
     Picture original;
     if (hasColor(source.stored) && !isFloat(source.stored)) {
@@ -153,12 +153,12 @@ void checkOptions(const PreviewOptions& options) {
     options.showing.check();
 }
 
-/// Of the output file; what is only shown is shown like a PNG.
+/// The format of the output file; what is only shown in the terminal is treated like a PNG.
 FileFormat formatFor(const PreviewOptions& options) {
     return options.output.empty() ? FileFormat::PNG : outputFormat(options.output);
 }
 
-/// The layout of the output file, or of the pixels where there is only something to show.
+/// The layout of the output file, or of the pixels if there is no output file.
 SampleLayout layoutFor(const PreviewOptions& options, const Picture& source) {
     if (options.output.empty()) {
         return source.pixels.layout();
@@ -168,7 +168,7 @@ SampleLayout layoutFor(const PreviewOptions& options, const Picture& source) {
     return layout;
 }
 
-/// @param layout that the file should have
+/// @param layout wanted for the output file
 void finish(const PreviewOptions& options, const PixelBuffer& result, SampleLayout layout, const Picture& original) {
     if (!options.output.empty()) {
         writeResultFile(options.output, result.image(), layout, original, options.encoding);

@@ -1,4 +1,4 @@
-// Checking and writing of these pictures.
+// Checks names of output pictures and writes them.
 #include "commands/ResultFile.h"
 
 #include <utility>

@@ -1,4 +1,4 @@
-// Pictures that commands make besides adjusted ones: previews, sheets and charts.
+// Pictures that commands other than apply write: previews, contact sheets and charts.
 #pragma once
 
 #include <string>
@@ -9,13 +9,14 @@
 
 namespace zqx::app {
 
-/// Checks that a picture file can be written and is none of those that it is made of, before work is spent on it.
-/// @throws Error, and UsageError for a name of no picture format or that of an input
+/// Checks that a picture file can be written and is not one of the inputs, before work is spent on it.
+/// @throws Error; UsageError if the extension belongs to no picture format, or if the file is an input
 void checkResultFile(const std::string& name, const std::vector<std::string>& inputs);
 
-/// Writes an image in the layout nearest to a wanted one that the file can hold.
+/// Writes an image in the layout nearest to the wanted one that the file format supports.
 /// @param wanted the image is in its working layout
-/// @param original what its colours and metadata come from; an empty one has nothing to pass on. @throws Error
+/// @param original the picture whose metadata to write; may be empty
+/// @throws Error
 void writeResultFile(const std::string& name, const img::Image& image, pictures::SampleLayout wanted,
                      const pictures::Picture& original, const pictures::WriteOptions& encoding);
 

@@ -1,4 +1,5 @@
-// Drawing shapes and text. What draws is in a module that is loaded when it is first needed, see Drawing.h.
+// The interface for drawing shapes and text. A module that is loaded when it is first needed implements it, see
+// Drawing.h.
 #pragma once
 
 #include <span>
@@ -12,7 +13,7 @@ struct Point {
     double y = 0.0;
 };
 
-/// A colour in stored values from 0 to 1.
+/// A colour in gamma-encoded values from 0 to 1.
 struct Ink {
     double r = 0.0;
     double g = 0.0;
@@ -23,9 +24,9 @@ struct Ink {
 struct Lettering {
     enum class Align { LEFT, MIDDLE, RIGHT };
 
-    double size;               ///< height of the letters' line in pixels
+    double size;               ///< font size in pixels
     Ink ink;                   //
-    Align align = Align::LEFT; ///< which part of the text is at its place
+    Align align = Align::LEFT; ///< which part of the text is at the given position
     bool bold = false;         //
     double longest = 1e6;      ///< in pixels; longer text ends in an ellipsis
 };

@@ -1,4 +1,4 @@
-// The layout of the chart, in pixels.
+// The layout of the chart. All lengths are in pixels.
 #include "drawing/HistogramChart.h"
 
 #include <algorithm>
@@ -60,10 +60,10 @@ void drawVertical(Canvas& canvas, double x, double from, double to, const Ink& i
     canvas.drawLine(ends, 1.0, ink);
 }
 
-/// Lines through the plot at whole stops below white, named above it; stored values below it.
+/// Draws vertical lines at whole stops below white, labelled above the plot, and the scale of stored values below it.
 void drawScales(Canvas& canvas) {
     constexpr double GAMMA = 2.2;
-    constexpr int DARKEST_STOP = 7; // further ones would be closer than their names are wide
+    constexpr int DARKEST_STOP = 7; // labels of further stops would overlap
     canvas.fillRectangle({LEFT, TOP}, RIGHT - LEFT, BOTTOM - TOP, PLOT);
     for (int stop = 1; stop <= DARKEST_STOP; ++stop) {
         const double x = binCenter(255.0 * img::kernels::maths::exp2(-stop / GAMMA));
@@ -114,7 +114,7 @@ void drawCurves(Canvas& canvas, const Histogram& histogram) {
     canvas.drawLine(floor, 1.0, FAINT_TEXT);
 }
 
-/// Shares of clipped values in the upper right corner, which also says which colour is which channel.
+/// Draws the shares of clipped values in the upper right corner, which also serves as the legend.
 void drawClipping(Canvas& canvas, const Histogram& histogram) {
     constexpr double CELL = 92.0;
     constexpr std::array LINES = {48.0, 74.0, 98.0};
@@ -131,7 +131,7 @@ void drawClipping(Canvas& canvas, const Histogram& histogram) {
     }
 }
 
-/// The share of values outside the scale, of the channel with most of them.
+/// The share of values out of range, in the channel with the most of them.
 std::string describeOutOfRange(const Histogram& histogram) {
     ChannelCounts sum;
     for (const ChannelCounts& counts : histogram.present()) {

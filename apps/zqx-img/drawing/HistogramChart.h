@@ -8,10 +8,11 @@
 
 namespace zqx::app {
 
-/// Colour of 8 bits: the channels' light over each other, luma as a line, scales of stored values and of stops, and
-/// the shares of clipped values. @throws Error when nothing can be drawn
-/// @param title what was counted
-/// @param subtitle more about it
+/// Draws a histogram in 8-bit colour: the channels blended over each other, luma as a line, scales of stored values and
+/// of stops, and the shares of clipped values.
+/// @param title usually the file name
+/// @param subtitle further information about the picture
+/// @throws Error if the drawing module cannot be loaded
 pictures::PixelBuffer drawChart(const tools::Histogram& histogram, const std::string& title,
                                 const std::string& subtitle);
 

@@ -1,4 +1,4 @@
-// Light letters on the grey of the sheet.
+// Light text on the background of the sheet.
 #include "drawing/SheetLabels.h"
 
 #include "drawing/Drawing.h"

@@ -5,10 +5,10 @@
 
 namespace zqx::app {
 
-/// Draws labels with the program's letters.
+/// Draws labels with the drawing module.
 class SheetLabels : public tools::LabelPainter {
 public:
-    /// @throws Error when nothing can be drawn
+    /// @throws Error if the drawing module cannot be loaded
     bool drawLabel(img::Image& area, const std::string& text, unsigned letterHeight) override;
 };
 

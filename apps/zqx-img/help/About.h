@@ -1,4 +1,4 @@
-// What this build of the program is: version, instruction set, libraries.
+// Information about this build of the program.
 #pragma once
 
 #include <string>

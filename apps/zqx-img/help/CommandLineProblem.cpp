@@ -1,5 +1,5 @@
-// The command line library reports that something does not fit. What it left unparsed, and the names that there are,
-// tell what the user most likely meant.
+// Improves the messages of the command line library: from the words that it left unparsed and the known names, guesses
+// what the user most likely meant.
 #include "help/CommandLineProblem.h"
 
 #include <algorithm>
@@ -30,7 +30,7 @@ std::vector<const CLI::App*> allCommands(const CLI::App& program) {
     return program.get_subcommands([](const CLI::App*) { return true; });
 }
 
-/// The command that was chosen, or the program itself.
+/// The command that was given, or the program itself.
 const CLI::App& chosenCommand(const CLI::App& program) {
     const std::vector<const CLI::App*> commands = allCommands(program);
     const auto chosen = std::ranges::find_if(commands, [](const CLI::App* command) { return command->count() > 0; });
@@ -59,14 +59,14 @@ bool has(const CLI::App& command, const std::string& option) {
     return command.get_option_no_throw(option) != nullptr;
 }
 
-/// The first word that found no place; "--" has none, and needs none.
+/// The first word that was not parsed, except "--".
 std::optional<std::string> firstUnexpected(const CLI::App& command) {
     const std::vector<std::string> words = command.remaining();
     const auto first = std::ranges::find_if(words, [](const std::string& word) { return word != "--"; });
     return first != words.end() ? std::optional(*first) : std::nullopt;
 }
 
-/// Behind the words of a message, where arguments are missing or too many.
+/// Appended to messages about missing or unexpected arguments.
 std::string usageLine(const CLI::App& program, const CLI::App& command) {
     return "; usage: " + formatUsage(describe(command), &command == &program ? "" : program.get_name());
 }
@@ -84,12 +84,12 @@ std::string describeUnknownCommand(const std::string& word, const CLI::App& prog
     return "unknown command " + quoted(word) + didYouMean(word, commandNames(program));
 }
 
-/// Whether a word can be an option's value: only numbers begin with a dash.
+/// Whether a word can be the value of an option: of values, only numbers begin with a dash.
 bool isValue(std::string_view word) {
     return !word.starts_with('-') || (word.size() > 1 && (std::isdigit(static_cast<unsigned char>(word[1])) != 0));
 }
 
-/// An option that does not exist, as it stands on the command line.
+/// An unknown option as given on the command line.
 struct UnknownOption {
     UnknownOption(const std::string& word, Words words) : name(word.substr(0, word.find('='))) {
         if (name.size() < word.size()) {
@@ -104,7 +104,7 @@ struct UnknownOption {
     std::string value = "VALUE";
 };
 
-/// Adjustments look as if they were options of their own: "--exposure 1" in place of "--set exposure=1".
+/// Users may take adjustments for options: "--exposure 1" instead of "--set exposure=1".
 std::vector<std::string> adjustmentsAsOptions() {
     std::vector<std::string> names;
     for (const tools::Parameter& parameter : tools::parameters()) {
@@ -142,7 +142,7 @@ std::string describeUnexpected(const std::string& word, const CLI::App& program,
                : command.get_name() + ": unexpected argument " + quoted(word) + usageLine(program, command);
 }
 
-/// "NAME is required", of a positional or an option.
+/// @param words "NAME is required", for an argument or an option
 std::string describeMissing(const CLI::App& program, const CLI::App& command, const std::string& words) {
     if (&command == &program) {
         return "missing command";
@@ -150,7 +150,7 @@ std::string describeMissing(const CLI::App& program, const CLI::App& command, co
     return command.get_name() + ": missing " + words.substr(0, words.find(' ')) + usageLine(program, command);
 }
 
-/// The words of the command line library put plainly, as far as they are known.
+/// Rephrases messages of the command line library.
 std::string inPlainWords(const CLI::App& program, const CLI::App& command, const CLI::ParseError& error) {
     const std::string words = error.what();
     const std::string subject = words.substr(0, words.find_first_of(": "));
@@ -164,7 +164,7 @@ std::string inPlainWords(const CLI::App& program, const CLI::App& command, const
         if (words.ends_with(" missing")) {
             const CLI::Option* option = command.get_option_no_throw(subject);
             const std::string value = option != nullptr ? option->get_type_name() : "value";
-            return subject + ": missing " + value.substr(0, value.find(':')); // what validators demand comes behind it
+            return subject + ": missing " + value.substr(0, value.find(':')); // without what validators append
         }
         return subject + (words.find("override") != std::string::npos ? ": takes no value" : ": given more than once");
     }
@@ -175,7 +175,7 @@ std::string inPlainWords(const CLI::App& program, const CLI::App& command, const
 
 std::string describeProblem(const CLI::App& program, const CLI::ParseError& error, Words words) {
     const CLI::App& command = chosenCommand(program);
-    // What is not known comes first: it often is the reason why something else is missing.
+    // Unknown words come first, since they are often the reason why something else is missing.
     std::string problem;
     if (const std::optional<std::string> word = firstUnexpected(program)) {
         problem = describeUnexpected(*word, program, program, words);

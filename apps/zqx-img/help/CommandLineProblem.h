@@ -1,4 +1,4 @@
-// Command lines that cannot be parsed, explained.
+// Explains command lines that cannot be parsed.
 #pragma once
 
 #include <span>
@@ -11,10 +11,10 @@ class ParseError;
 
 namespace zqx::app {
 
-/// What is wrong with a command line and, where that can be guessed, what was meant: a line for the user, and one that
-/// says where to read more.
-/// @param program after it failed to parse the words
-/// @param words of the command line, the program's name first
+/// What is wrong with a command line and, if that can be guessed, what was meant, followed by a line that says where to
+/// read more.
+/// @param program after it failed to parse the command line
+/// @param words of the command line, beginning with the name of the program
 std::string describeProblem(const CLI::App& program, const CLI::ParseError& error, std::span<const char* const> words);
 
 } // namespace zqx::app

@@ -14,9 +14,9 @@ namespace zqx::app {
 
 /// One option or positional argument.
 struct OptionText {
-    std::vector<std::string> names;   ///< "-o", "--output"; the name of a positional
+    std::vector<std::string> names;   ///< "-o", "--output"; or the name of a positional argument
     std::string value;                ///< placeholder for the value, "FILE"; empty for a switch
-    std::vector<std::string> choices; ///< the accepted words, where there is a fixed list
+    std::vector<std::string> choices; ///< the accepted words, if there is a fixed list
     std::string description;
     std::string defaultValue; ///< empty for none
     std::string group;
@@ -37,7 +37,7 @@ struct SectionText {
 struct CommandText {
     std::string name; ///< "apply"; "zqx-img" for the program
     std::string description;
-    std::vector<OptionText> options; ///< positionals first, then as they were added
+    std::vector<OptionText> options; ///< positional arguments first, otherwise in the order of addition
     std::vector<SectionText> sections;
     std::vector<CommandText> commands;
 };

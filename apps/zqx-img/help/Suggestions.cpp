@@ -1,4 +1,5 @@
-// How near is near enough: a third of the characters may differ, which still tells the names of this program apart.
+// A name is suggested if no more than a third of its characters differ, which still distinguishes the names of this
+// program.
 #include "help/Suggestions.h"
 
 #include <algorithm>
@@ -12,12 +13,12 @@ using tools::editDistance;
 
 namespace {
 
-/// The characters that tell names apart: all options begin with dashes.
+/// The number of characters after the leading dashes, which all options have.
 std::size_t letters(std::string_view name) {
     return name.size() - std::min(name.find_first_not_of('-'), name.size());
 }
 
-/// Names are longer than what is commonly typed of them: "--output-directory" and "hist" are no misspellings.
+/// Users type abbreviations and longer forms of names: "hist" and "--output-directory" are not misspellings.
 bool isAbbreviation(std::string_view brief, std::string_view name) {
     constexpr std::size_t SHORTEST = 3;
     return letters(brief) >= SHORTEST && brief.size() < name.size() &&

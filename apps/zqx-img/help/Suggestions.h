@@ -1,4 +1,4 @@
-// "Did you mean": the known name that a misspelt one is nearest to.
+// "Did you mean" suggestions for misspelt names.
 #pragma once
 
 #include <optional>
@@ -8,11 +8,11 @@
 
 namespace zqx::app {
 
-/// The nearest of the names, whatever the case: one that differs in a few characters, or of which the word is the
-/// beginning. Nothing where none is near enough to be meant.
+/// The most similar name, ignoring case: one that differs in a few characters, or one of which the word is an
+/// abbreviation or extension. Nothing if no name is similar enough.
 std::optional<std::string> nearestName(std::string_view word, std::span<const std::string> names);
 
-/// "; did you mean "histogram"?", or nothing where no name is near enough.
+/// A suggestion such as "; did you mean "histogram"?", or nothing if no name is similar enough.
 std::string didYouMean(std::string_view word, std::span<const std::string> names);
 
 } // namespace zqx::app

@@ -1,4 +1,4 @@
-// The option alone: what work takes is estimated by the tools.
+// Only the option itself; zqx_tools estimates the memory that a task needs.
 #include "options/MemoryOption.h"
 
 #include <CLI/CLI.hpp>

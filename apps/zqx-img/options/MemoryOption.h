@@ -1,4 +1,4 @@
-// --max-memory: how much memory the work on pictures may take.
+// --max-memory: the memory that a command may use.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,8 @@ class App;
 
 namespace zqx::app {
 
-/// Adds --max-memory. The limit has to live as long as the command.
-/// @param limit in bytes; stays 0 where the user did not choose
+/// Adds --max-memory. The limit must outlive the command.
+/// @param limit in bytes; stays 0 if the option is not given
 void addMemoryOption(CLI::App& command, std::uint64_t& limit);
 
 } // namespace zqx::app

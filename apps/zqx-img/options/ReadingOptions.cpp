@@ -1,4 +1,4 @@
-// The options about reading picture files.
+// The options for reading picture files.
 #include "options/ReadingOptions.h"
 
 #include <string>

@@ -9,10 +9,10 @@ class App;
 
 namespace zqx::app {
 
-/// Adds the limits on sizes, for commands that do not decode. The limits have to live as long as the command.
+/// Adds the size limits, for commands that do not decode. The limits must outlive the command.
 void addLimitOptions(CLI::App& command, pictures::Limits& limits);
 
-/// Adds the limits on sizes, and who decodes within which bounds.
+/// Adds the size limits and the options of isolated decoding. The options must outlive the command.
 void addReadingOptions(CLI::App& command, pictures::ReadOptions& options);
 
 } // namespace zqx::app

@@ -1,4 +1,4 @@
-// Pictures to the terminal.
+// Shows pictures in the terminal.
 #include "options/ShowOption.h"
 
 #include <memory>

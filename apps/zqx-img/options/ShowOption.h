@@ -1,4 +1,4 @@
-// --show: the result in the terminal.
+// --show: shows the result in the terminal.
 #pragma once
 
 #include <string>
@@ -15,16 +15,16 @@ namespace zqx::app {
 
 /// Whether and how to show a result in the terminal.
 struct ShowOption {
-    std::string protocol; ///< as named on the command line, empty when it is not to be shown
+    std::string protocol; ///< as given on the command line; empty if the result is not to be shown
 
     void addTo(CLI::App& command);
 
     bool wanted() const { return !protocol.empty(); }
 
-    /// Before work is spent on a picture. @throws UsageError when there is no terminal to show it in
+    /// Checks that there is a terminal, before work is spent on a picture. @throws UsageError if there is none
     void check() const;
 
-    /// Shows it. @throws Error
+    /// Shows an image. @throws Error
     void show(const img::Image& image) const;
 };
 

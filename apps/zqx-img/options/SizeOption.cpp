@@ -1,4 +1,4 @@
-// Amounts on the command line.
+// Parses sizes and counts on the command line.
 #include "options/SizeOption.h"
 
 #include <optional>

@@ -1,4 +1,4 @@
-// Options whose value is an amount: of bytes with K, M, G, T as powers of 1024, or of things as powers of 1000.
+// Options whose value is a size in bytes, with K, M, G and T as powers of 1024, or a count, with powers of 1000.
 #pragma once
 
 #include <cstdint>
@@ -11,11 +11,11 @@ class Option;
 
 namespace zqx::app {
 
-/// Adds an option for a number of bytes above zero, which says what it takes where a value is no such number.
+/// Adds an option for a number of bytes above zero, with an error message for invalid values.
 /// @param shownDefault for the help
 CLI::Option* addSizeOption(CLI::App& command, const std::string& name, std::uint64_t& bytes,
                            const std::string& shownDefault, const std::string& description);
-/// The same for a number of things.
+/// Adds an option for a count above zero.
 CLI::Option* addCountOption(CLI::App& command, const std::string& name, std::uint64_t& count,
                             const std::string& shownDefault, const std::string& description);
 

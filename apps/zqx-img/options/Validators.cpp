@@ -1,4 +1,5 @@
-// Numbers are read here before the command line library converts them: it accepts infinities and what follows a number.
+// Numbers are parsed here before the command line library converts them, which would accept infinities and trailing
+// text.
 #include "options/Validators.h"
 
 #include <algorithm>
@@ -13,7 +14,7 @@ namespace zqx::app {
 
 namespace {
 
-/// The whole text as a number, whatever the locale.
+/// Parses the whole text as a number, independently of the locale.
 template <typename Number>
 std::optional<Number> parseNumber(std::string_view text) {
     Number number{};

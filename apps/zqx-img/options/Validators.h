@@ -1,4 +1,4 @@
-// What the values of options may be. Each check says in its own words what is wrong with a value and what would do.
+// Checks of option values, with messages that say what is wrong and what is allowed.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// The options about writing picture files.
+// The options for writing picture files.
 #include "options/WritingOptions.h"
 
 #include <string>
@@ -21,7 +21,7 @@ void addWritingOptions(CLI::App& command, pictures::WriteOptions& options) {
         .add_option("--strip", options.strippings,
                     "Leave out the colour profile (icc), exif, xmp or iptc metadata, or all of these and comments")
         ->delimiter(',')
-        ->allow_extra_args(false) // or a following INPUT would be read as another class
+        ->allow_extra_args(false) // otherwise a following INPUT would be taken as another class
         ->check(oneOf({"icc", "exif", "xmp", "iptc", "all"}))
         ->type_name("CLASS,...");
 }

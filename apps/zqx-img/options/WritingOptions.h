@@ -9,7 +9,7 @@ class App;
 
 namespace zqx::app {
 
-/// Adds --quality and --strip. The options have to live as long as the command.
+/// Adds --quality and --strip. The options must outlive the command.
 void addWritingOptions(CLI::App& command, pictures::WriteOptions& options);
 
 } // namespace zqx::app

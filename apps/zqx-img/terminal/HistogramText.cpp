@@ -1,4 +1,4 @@
-// A panel of bars for each channel, luma first and tallest, over one axis each with the stored values.
+// A panel of bars for each channel, luma first and tallest, above a common axis with the stored values.
 #include "terminal/HistogramText.h"
 
 #include <algorithm>
@@ -14,11 +14,11 @@ using namespace tools;
 
 namespace {
 
-constexpr std::size_t GUTTER = 7; // "green" and what separates it from the bars
+constexpr std::size_t GUTTER = 7; // the width of "green" and a gap
 constexpr std::size_t LUMA_ROWS = 7;
 constexpr std::size_t COLOR_ROWS = 3;
 
-/// The characters of a bar: what is full, and the steps below.
+/// The characters for the levels of a bar.
 struct Bars {
     std::vector<std::string_view> levels; // the first is empty, the last is full
     std::string_view axis;
@@ -40,7 +40,7 @@ std::string inColor(std::string_view name, std::string text, const TextStyle& st
     return "\x1b[" + std::string(code) + "m" + text + "\x1b[0m";
 }
 
-/// Bars of up to so many rows. What occurs at all shows.
+/// Draws the bars of a channel. Every bin that is not empty is visible.
 std::string panel(std::string_view name, const std::vector<double>& bins, double limit, std::size_t rows,
                   const TextStyle& style) {
     const Bars& bars = selectBars(style);
@@ -79,7 +79,7 @@ std::string axis(std::size_t columns, const TextStyle& style) {
     return line + "\n" + numbers + "\n";
 }
 
-/// One line for a channel of what is clipped; an empty name gives the heading.
+/// A table of the clipped values, with a heading and one line for each channel.
 std::string clippingTable(const Histogram& histogram) {
     constexpr std::size_t CELL = 13;
     const auto row = [&](std::string_view name, const std::vector<std::string>& cells) {

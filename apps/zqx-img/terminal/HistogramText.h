@@ -1,4 +1,4 @@
-// A histogram in characters.
+// A histogram drawn with characters.
 #pragma once
 
 #include <string>
@@ -10,10 +10,10 @@ namespace zqx::app {
 struct TextStyle {
     std::size_t columns = 80; ///< of the terminal
     bool unicode = false;     ///< block characters; plain ASCII otherwise
-    bool color = false;       ///< with the escape sequences of terminals
+    bool color = false;       ///< with escape sequences for colours
 };
 
-/// Lines of text, from the title to the shares of clipped values. @param title what was counted
+/// Draws a histogram as text, from the title to the shares of clipped values. @param title usually the file name
 std::string drawAsText(const tools::Histogram& histogram, const std::string& title, const TextStyle& style);
 
 } // namespace zqx::app

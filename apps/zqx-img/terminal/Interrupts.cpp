@@ -1,4 +1,4 @@
-// The end of a program that is told to end.
+// The orderly end of an interrupted program.
 #include "terminal/Interrupts.h"
 
 #include <chrono>
@@ -22,7 +22,7 @@ struct Will {
 };
 
 Will& will() {
-    static Will& only = *new Will; // never destroyed: an interruption may come while the program ends
+    static Will& only = *new Will; // never destroyed: a signal may arrive while the program is exiting
     return only;
 }
 

@@ -1,18 +1,18 @@
-// Ctrl-C and the like: whatever ends the program, no half-written file stays behind.
+// Ctrl-C and the like: however the program is interrupted, no partial file is left behind.
 #pragma once
 
 #include <functional>
 
 namespace zqx::app {
 
-/// Removes temporary files when the program is asked to end, has the last words said, and ends it. The exit code is 128
-/// + the signal's number: 130 for Ctrl-C. To be called once, before there are other threads.
+/// When the program is asked to end, removes temporary files, calls the function of LastWords and exits. The exit code
+/// is 128 plus the number of the signal: 130 for Ctrl-C. To be called once, before other threads are started.
 void watchForInterrupts();
 
-/// Has something said or tidied up at an interruption, for as long as it lives.
+/// Registers a function to be called at an interruption, for as long as this object exists.
 class LastWords {
 public:
-    /// @param function runs on another thread while all others go on, and must not wait for them for long
+    /// @param function is called on another thread while all others continue, and must not wait for them for long
     explicit LastWords(std::function<void()> function);
     LastWords(const LastWords&) = delete;
     LastWords& operator=(const LastWords&) = delete;

@@ -1,4 +1,4 @@
-// One write for a line, so that lines of several threads and processes stay whole.
+// Each line is written at once, so that lines of several threads and processes do not mix.
 #include "terminal/Output.h"
 
 #include <cstdio>
@@ -16,7 +16,7 @@ bool write(std::string_view bytes, std::FILE* stream) noexcept {
     return std::fwrite(bytes.data(), 1, bytes.size(), stream) == bytes.size() && std::fflush(stream) == 0;
 }
 
-/// Without asking for memory where there is none.
+/// Reports a lack of memory without allocating any.
 void writeErrorLine(const char* prefix, std::string_view line) noexcept {
     try {
         write(prefix + text::printable(line) + "\n", stderr);

@@ -1,28 +1,28 @@
-// Where text leaves the program. File names and words from files may be any bytes; what is for people is cleaned here,
-// wherever it goes: lines in a log are read in a terminal, too.
+// All text output of the program. File names and text from files may contain arbitrary bytes; lines for people are made
+// safe for terminals here, also in pipes, since logs are read in terminals, too.
 #pragma once
 
 #include <string_view>
 
 namespace zqx::app {
 
-/// Writes a line on standard error, at once and cleaned. Failures go unnoticed, for there is nobody left to tell.
+/// Writes a line to standard error, unbuffered and made safe for terminals. Failures are ignored.
 void writeErrorLine(std::string_view line) noexcept;
 
-/// "zqx-img: ..." on standard error.
+/// Writes an error message to standard error: "zqx-img: ...".
 void complain(std::string_view text) noexcept;
 
-/// "zqx-img: warning: ..." on standard error.
+/// Writes a warning to standard error: "zqx-img: warning: ...".
 void printWarning(std::string_view text) noexcept;
 
-/// Writes bytes on standard output, at once and as they are. False when that fails.
+/// Writes bytes to standard output, unbuffered and unchanged. False on failure.
 bool writeOutput(std::string_view bytes) noexcept;
 
-/// Prints text of the program's own making: JSON, help, drawings. What it has in it from elsewhere is clean already.
-/// @throws Error when standard output takes no more
+/// Prints text that is safe already: JSON, help, drawings.
+/// @throws Error if standard output cannot be written
 void print(std::string_view text);
 
-/// Prints a line for people, cleaned. @throws Error when standard output takes no more
+/// Prints a line for people, made safe for terminals. @throws Error if standard output cannot be written
 void printLine(std::string_view line);
 
 } // namespace zqx::app

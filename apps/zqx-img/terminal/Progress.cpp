@@ -26,7 +26,7 @@ std::string formatTime(double seconds) {
            ":" + twoDigits(whole % 60);
 }
 
-/// Slow work is better told by the time that one picture takes.
+/// Below one picture per second, the time for each picture is more informative.
 std::string formatRate(double perSecond) {
     return perSecond < 1.0 ? text::fixed(1.0 / perSecond, 1) + " s each" : text::fixed(perSecond, 1) + " pictures/s";
 }
@@ -44,7 +44,7 @@ std::string bar(std::size_t done, std::size_t total, std::size_t width, bool uni
 
 std::string progressLine(const ProgressState& state, std::size_t columns, bool unicode) {
     std::string figures = std::to_string(state.done) + "/" + std::to_string(state.total);
-    constexpr double SHORTEST_EXPERIENCE = 1.0; // before, the figures only flicker
+    constexpr double SHORTEST_EXPERIENCE = 1.0; // in seconds; earlier estimates fluctuate too much
     if (state.done > 0 && state.seconds >= SHORTEST_EXPERIENCE) {
         const double rate = static_cast<double>(state.done) / state.seconds;
         figures += "  " + formatRate(rate) + "  " +
@@ -56,7 +56,7 @@ std::string progressLine(const ProgressState& state, std::size_t columns, bool u
     std::size_t room = columns - figures.size();
     constexpr std::size_t WIDEST_BAR = 24;
     constexpr std::size_t NARROWEST_BAR = 6;
-    const std::size_t frame = unicode ? 1 : 3; // the space behind it, and the brackets
+    const std::size_t frame = unicode ? 1 : 3; // a space after the bar, and the brackets
     std::string line;
     if (room >= NARROWEST_BAR + frame) {
         const std::size_t width = std::clamp(room / 3, NARROWEST_BAR, WIDEST_BAR);
@@ -80,7 +80,8 @@ void Progress::update(const ProgressState& state) {
     if (!mShown || (mDrawn && now - mLast < SHORTEST_PAUSE) || !isInForeground()) {
         return;
     }
-    // One write for the whole line: nobody sees a half. The last column stays free, where some terminals break lines.
+    // The line is written at once, so that it never appears in parts. The last column, at which some terminals wrap,
+    // stays free.
     std::string text("\r");
     text += progressLine(state, terminalSize(StandardStream::ERRORS).columns - 1, mUnicode) + "\x1b[K";
     std::fwrite(text.data(), 1, text.size(), stderr);

@@ -1,4 +1,4 @@
-// The line at the foot of the terminal that shows how far a run of many pictures is.
+// The progress line of a run, at the bottom of the terminal.
 #pragma once
 
 #include <chrono>
@@ -11,25 +11,25 @@ struct ProgressState {
     std::size_t done = 0;
     std::size_t total = 0;
     double seconds = 0.0; ///< since work began
-    std::string current;  ///< the file that was begun last
+    std::string current;  ///< the file that was started last
 };
 
-/// "[####----] 57/200  16.1 pictures/s  0:09 left  file.jpg" in exactly as many columns as given, or fewer.
-/// @param unicode draws with block characters, and shows names as they are instead of with question marks
+/// "[####----] 57/200  16.1 pictures/s  0:09 left  file.jpg" in at most the given number of columns.
+/// @param unicode whether to draw with block characters, and to show names as they are instead of with question marks
 std::string progressLine(const ProgressState& state, std::size_t columns, bool unicode);
 
-/// Draws the line on standard error, where somebody sees it.
+/// Draws the line on standard error if that is a terminal.
 class Progress {
 public:
-    /// @param wanted still does not show it on a pipe, on a terminal that cannot go back, or in the background
+    /// @param wanted false to suppress the line; it is never shown in pipes, on dumb terminals or in the background
     explicit Progress(bool wanted);
 
     bool isShown() const { return mShown; }
 
-    /// Draws, unless it did so just now.
+    /// Draws the line, unless it was drawn just before.
     void update(const ProgressState& state);
 
-    /// Takes the line away, for something else to be printed or for good.
+    /// Removes the line, so that something else can be printed.
     void clear();
 
 private:

@@ -1,4 +1,4 @@
-// One lock around all that is printed, so that lines of several threads stay whole and out of the progress line.
+// One lock protects all output, so that lines of several threads do not mix with each other or with the progress line.
 #include "terminal/RunReport.h"
 
 #include "terminal/Output.h"
@@ -15,7 +15,7 @@ namespace {
 
 using Status = PictureRecord::Status;
 
-/// Records and the line would be drawn over each other.
+/// On a terminal, JSON records and the progress line would overwrite each other.
 bool wantsProgress(const ReportOptions& options, std::size_t pictures) {
     return pictures > 1 && !options.quiet && !options.dryRun && !(options.json && isTerminal(StandardStream::OUTPUT));
 }
@@ -93,7 +93,7 @@ void RunReport::conclude() {
 }
 
 void RunReport::concludeInterrupted() {
-    constexpr std::chrono::milliseconds PATIENCE(500); // somebody may be stuck in a full pipe
+    constexpr std::chrono::milliseconds PATIENCE(500); // another thread may be blocked by a full pipe
     const std::unique_lock lock = lockWithin(mMutex, PATIENCE);
     if (!lock) {
         return;
@@ -127,7 +127,7 @@ void RunReport::print(const std::string& line) {
     writeErrorLine(line);
 }
 
-/// A line for standard output, whole at once: what is left in a buffer would be lost at an interruption.
+/// Writes a line to standard output, unbuffered: what is left in a buffer would be lost at an interruption.
 void RunReport::printRecord(const std::string& line) {
     if (isTerminal(StandardStream::OUTPUT)) {
         mProgress.clear();
@@ -136,7 +136,7 @@ void RunReport::printRecord(const std::string& line) {
 }
 
 ProgressState RunReport::state() const {
-    // What was skipped took no time, and says nothing about the time left.
+    // Skipped pictures take no time, and would distort the estimate of the time left.
     return {mTotals.written + mTotals.failed, mPictures - mTotals.skipped, seconds(), mCurrent};
 }
 

@@ -1,4 +1,4 @@
-// Reports the progress and the result of a run: to people on standard error, to programs on standard output.
+// Reports the progress and the results of a run, to people on standard error and to programs on standard output.
 #pragma once
 
 #include <chrono>
@@ -21,27 +21,27 @@ struct ReportOptions {
 /// Counts and reports results. Thread-safe.
 class RunReport : public tools::BatchObserver {
 public:
-    /// @param pictures in the run; a single one gets no summary
-    /// @param unreadable files that are no part of it
+    /// @param pictures number of pictures in the run; a single one gets no summary
+    /// @param unreadable files left out of the run
     RunReport(const ReportOptions& options, std::size_t pictures, const tools::ExtensionCounts& unreadable);
 
-    /// A line that only --verbose prints.
+    /// Prints a line if --verbose is given.
     void note(const std::string& line);
     void begin(const std::string& input) override;
     void warning(const std::string& line) override;
     void finish(const tools::PictureRecord& record) override;
 
-    /// Brings the progress line up to date.
+    /// Updates the progress line.
     void tick() override;
 
     /// Prints the summary of a finished run.
     void conclude();
-    /// Prints the summary of an interrupted run. Called while other threads still work.
+    /// Prints the summary of an interrupted run. May be called while other threads are still working.
     void concludeInterrupted();
 
     tools::RunTotals totals() const;
 
-    /// False once standard output could not be written.
+    /// False after a failure to write to standard output.
     bool isHeard() const override;
 
 private:

@@ -1,5 +1,4 @@
-// What the program asks of the operating system about its terminal, its standard streams and its end. There is one
-// source for each system.
+// System-dependent functions for terminals, standard streams and interruptions. There is one source for each system.
 #pragma once
 
 #include <optional>
@@ -10,28 +9,28 @@ namespace zqx::app {
 
 enum class StandardStream { OUTPUT, ERRORS };
 
-/// True when a person reads the stream, not a file or another program.
+/// Whether a stream is a terminal, rather than a file or a pipe.
 bool isTerminal(StandardStream stream);
 
-/// The size of the window, where there is one and it tells; cells are 0 by 0 where only their number is known.
+/// The size of the terminal window if it is known. Cells are 0 by 0 if only their number is known.
 std::optional<TerminalSize> windowSize(StandardStream stream);
 
-/// True when the terminal understands escape sequences.
+/// Whether the terminal understands escape sequences.
 bool obeysEscapes(StandardStream stream);
 
-/// False for a job in the background, which would write over what its user does meanwhile.
+/// False for a background job, whose output would disturb what the user does in the terminal meanwhile.
 bool isInForeground();
 
-/// True when terminals show UTF-8, going by the locale, or on Windows by the code page of the console.
+/// Whether the terminal displays UTF-8, according to the locale or, on Windows, the code page of the console.
 bool showsUnicode();
 
-/// Makes sure that writing to a stream which is closed fails, whatever happens: to one that the program was started
-/// without, where otherwise a file that is opened later would take its place, and to a pipe that nobody reads.
+/// Makes writing to a closed stream fail in an orderly way: both for standard streams with which the program was not
+/// started, whose descriptors would otherwise be reused for files opened later, and for pipes that nobody reads.
 void prepareStandardStreams();
 
-/// Has a function called when the user or the system asks the program to end (Ctrl-C and the like), on a thread of its
-/// own, with the exit code that this asks for: 128 + the signal's number. What the program was started deaf to (nohup)
-/// does not count. To be called once, before there are other threads.
+/// Calls a function, on a thread of its own, when the user or the system asks the program to end (Ctrl-C and the like).
+/// Its argument is the exit code, 128 plus the number of the signal. Signals that were ignored when the program was
+/// started (nohup) remain ignored. To be called once, before other threads are started.
 void watchForEnd(void (*end)(int exitCode));
 
 } // namespace zqx::app

@@ -1,4 +1,4 @@
-// What the environment says of the terminal, over what the system knows.
+// Properties of the terminal; environment variables take precedence over what the system says.
 #include "terminal/Terminal.h"
 
 #include <charconv>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr TerminalSize UNKNOWN_SIZE{80, 24, 10, 20};
 
-/// The value of a variable, empty where there is none.
+/// The value of an environment variable; empty if it is not set.
 std::string_view variable(const char* name) {
     const char* value = std::getenv(name);
     return value != nullptr ? value : "";

@@ -1,4 +1,4 @@
-// The terminal that a stream may be: how large it is, and what may be drawn on it.
+// Properties of the terminal: its size and whether to use colours.
 #pragma once
 
 #include "terminal/System.h"

@@ -1,11 +1,11 @@
-// Pictures for terminals. They are encoded by a module that is loaded when first needed.
+// Pictures to be shown in a terminal. A module that is loaded when it is first needed encodes them.
 #pragma once
 
 #include <cstddef>
 
 namespace zqx::app {
 
-/// Graphics protocols of terminals. SYMBOLS, coloured characters, works everywhere.
+/// Graphics protocols of terminals. SYMBOLS uses coloured characters and works everywhere.
 enum class TerminalProtocol { BEST, KITTY, ITERM, SIXEL, SYMBOLS };
 
 /// The size of a terminal and of one of its character cells.
@@ -21,8 +21,8 @@ struct TerminalPicture {
     unsigned width;
     unsigned height;
     TerminalSize terminal;
-    TerminalProtocol protocol; ///< BEST asks the environment which one the terminal knows
-    bool unicode;              ///< false: characters are plain ASCII
+    TerminalProtocol protocol; ///< BEST selects one by the environment
+    bool unicode;              ///< whether characters beyond ASCII may be used
 };
 
 } // namespace zqx::app

@@ -10,55 +10,57 @@
 
 namespace zqx::pictures {
 
-/// A failure while working on something. what() is a whole line for people: "photo.jpg: is cut short, get a complete
-/// copy". It says what is wrong and, where it helps, what to do.
+/// A failure to do what was asked. what() is a complete line for people, such as "photo.jpg: is cut short; get a
+/// complete copy": what is wrong with what and, where it helps, what to do about it.
 /// @ingroup pictures
 class ZQX_PICTURES_EXPORT Error : public std::runtime_error {
 public:
     /// @param subject the file or option at fault
     /// @param text what is wrong with it
     Error(const std::string& subject, const std::string& text) : std::runtime_error(subject + ": " + text) {}
-    /// A copy.
+    /// Copies the message.
     Error(const Error&) = default;
     ~Error() override;
 };
 
-/// A request that can never be carried out, such as a file name whose extension stands for no format.
+/// A request that cannot succeed whatever the files contain, such as an output whose extension belongs to no format.
 /// @ingroup pictures
 class ZQX_PICTURES_EXPORT UsageError : public Error {
 public:
     using Error::Error;
-    /// A copy.
+    /// Copies the message.
     UsageError(const UsageError&) = default;
     ~UsageError() override;
 };
 
-/// Receives warnings, each a whole line "subject: text".
+/// Receives warnings, each a complete line "subject: text".
 /// @ingroup pictures
 using WarningHandler = std::function<void(const std::string& line)>;
 
-/// Reports something that was done, but not quite as asked: to the thread's WarningListener, else to the handler of the
-/// process.
-/// @param subject the file at fault
-/// @param text what is not as it was asked for
+/// Reports that something was done, but not exactly as asked. The warning goes to the calling thread's WarningListener,
+/// or to the handler of the process if the thread has none.
+/// @param subject the file or option concerned
+/// @param text what differs from what was asked for
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT void warn(const std::string& subject, const std::string& text);
 
-/// Sets what gets the warnings of threads without a listener. Without one they are dropped.
+/// Sets the handler for warnings of threads that have no WarningListener. Without a handler they are discarded.
 ///
-/// To be called before other threads use the library; the handler itself is called by any thread.
+/// Call it before other threads use the library. The handler itself may be called by any thread, also by several at
+/// once.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT void setWarningHandler(WarningHandler handler);
 
-/// Takes the warnings of the calling thread for as long as it lives. Of nested ones the innermost gets them.
+/// Receives the warnings of the calling thread for as long as it exists. If listeners are nested, the innermost one
+/// receives them.
 /// @ingroup pictures
 class ZQX_PICTURES_EXPORT WarningListener {
 public:
-    /// @param listener is called on this thread
+    /// @param listener called on this thread only
     explicit WarningListener(WarningHandler listener);
     WarningListener(const WarningListener&) = delete;
     WarningListener& operator=(const WarningListener&) = delete;
-    /// Gives the warnings back to whoever had them before.
+    /// Restores the listener that was active before.
     ~WarningListener();
 
 private:

@@ -1,5 +1,5 @@
 /// @file
-/// The formats of picture files, by content, by name, and what each can hold.
+/// The picture file formats: how they are recognised, and what each of them can store.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 
 namespace zqx::pictures {
 
-/// The formats of picture files. All functions about them may be called by any thread.
+/// The picture file formats. The functions about them may be called by any thread.
 /// @ingroup pictures
 enum class FileFormat : std::uint8_t {
     BMP,     ///< Windows bitmap
@@ -44,7 +44,7 @@ enum class FileFormat : std::uint8_t {
     PPMRAW,  ///< portable pixel map
     PSD,     ///< Photoshop
     RAS,     ///< Sun raster
-    RAW,     ///< the raw samples of a camera
+    RAW,     ///< camera raw
     SGI,     ///< Silicon Graphics
     TARGA,   ///< Truevision
     TIFF,    ///< Tagged Image File Format
@@ -55,55 +55,55 @@ enum class FileFormat : std::uint8_t {
     UNKNOWN, ///< none of these
 };
 
-/// How many formats there are, without UNKNOWN.
+/// The number of formats, not counting UNKNOWN.
 /// @ingroup pictures
 constexpr std::size_t FILE_FORMAT_COUNT = static_cast<std::size_t>(FileFormat::UNKNOWN);
 
-/// A short name such as "PNG"; "unknown" for none.
+/// The short name of a format, such as "PNG"; "unknown" for UNKNOWN.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT const char* nameOf(FileFormat format);
 
-/// A longer name for people, "Portable Network Graphics"; "unknown" for none.
+/// The full name of a format, such as "Portable Network Graphics"; "unknown" for UNKNOWN.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT const char* descriptionOf(FileFormat format);
 
-/// The extensions of file names that stand for a format, in lower case and without the dot.
+/// The file name extensions of a format, in lower case and without the dot.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT std::vector<std::string> extensionsOf(FileFormat format);
 
-/// True for formats whose files this library decodes.
+/// Whether this library can decode files of a format.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT bool canRead(FileFormat format);
 
-/// True for formats whose files this library encodes.
+/// Whether this library can encode files of a format.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT bool canWrite(FileFormat format);
 
-/// True when files of the format are written in this layout without any conversion.
+/// Whether files of the format can store samples of this layout without conversion.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT bool holds(FileFormat format, SampleLayout layout);
 
-/// True for formats that can carry an ICC profile.
+/// Whether files of the format can store an ICC profile.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT bool holdsColorProfile(FileFormat format);
 
-/// The format that a file name's extension stands for; UNKNOWN for none.
-/// @param name UTF-8; the file need not exist
+/// The format that the extension of a file name stands for; UNKNOWN if there is none.
+/// @param name of a file, in UTF-8; the file need not exist
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT FileFormat formatOfName(const std::string& name);
 
-/// The format of a file to be written, by its extension.
-/// @param name UTF-8
-/// @throws UsageError when no format has the extension, or none that can be written
+/// The format in which to write a file, by its extension.
+/// @param name of the file, in UTF-8
+/// @throws UsageError if the extension belongs to no format, or to one that cannot be written
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT FileFormat outputFormat(const std::string& name);
 
-/// The layout nearest to the wanted one that files of the format hold. To lose least, ask for what the source file had
-/// (Picture::stored), not for what it has in memory.
-/// @param name of the file to be written, for the message
+/// The layout in which a file of this format loses least of a picture. Ask for the layout that the picture's source
+/// file had (Picture::stored) rather than for the one that it has in memory.
+/// @param name of the file to be written, for error messages
 /// @param format of that file
 /// @param wanted the layout that would lose nothing
-/// @throws Error when the format holds none
+/// @throws Error if the format can store no suitable layout
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT SampleLayout chooseLayout(const std::string& name, FileFormat format, SampleLayout wanted);
 

@@ -1,5 +1,5 @@
 /// @file
-/// The pixels of a picture and the memory they lie in.
+/// The pixels of a picture together with their memory.
 #pragma once
 
 #include <cstddef>
@@ -11,31 +11,32 @@
 
 namespace zqx::pictures {
 
-/// An image, top row first, together with whatever keeps its memory alive: an allocation of its own, memory shared with
-/// another process, or a decoder's bitmap.
+/// An image, top row first, together with the owner of its memory: an allocation of its own, memory shared with another
+/// process, or a decoder's bitmap.
 ///
-/// It can be moved, not copied. One thread at a time, as for img::Image.
+/// It can be moved but not copied. Like img::Image, it must not be used by several threads at once.
 /// @ingroup pictures
 class ZQX_PICTURES_EXPORT PixelBuffer {
 public:
-    /// No pixels.
+    /// An empty buffer, without pixels.
     PixelBuffer() = default;
 
-    /// Allocates black (transparent) pixels in the working format of a layout; rows begin at multiples of four bytes.
+    /// Allocates pixels in the working format of a layout and sets all samples to 0: black and, with alpha,
+    /// transparent. The row stride is a multiple of four bytes.
     /// @throws std::bad_alloc
     PixelBuffer(std::size_t width, std::size_t height, SampleLayout layout);
 
-    /// Takes the pixels of an image that owns them. @param image not empty
+    /// Takes over an image that owns its pixels. @param image must not be empty
     explicit PixelBuffer(std::shared_ptr<img::Image> image);
 
-    /// Looks into memory that belongs to somebody else.
-    /// @param view its pixels, top row first
-    /// @param memory whatever has to live as long as they do
+    /// Wraps pixels in memory that something else owns.
+    /// @param view of the pixels, top row first
+    /// @param memory owner of the memory, kept alive for as long as the pixels are needed
     PixelBuffer(const img::Image& view, std::shared_ptr<void> memory);
 
     /// @{
 
-    /// The source has no pixels afterwards.
+    /// Move the pixels; the source is empty afterwards.
     PixelBuffer(PixelBuffer&& other) noexcept;
     PixelBuffer& operator=(PixelBuffer&& other) noexcept;
     /// @}
@@ -43,22 +44,22 @@ public:
     PixelBuffer& operator=(const PixelBuffer&) = delete;
     ~PixelBuffer() = default;
 
-    /// True where there are no pixels.
+    /// Whether there are no pixels.
     bool isEmpty() const { return mImage.getDataPtr() == nullptr; }
 
-    /// The pixels, row 0 on top. Only valid as long as this object has them.
+    /// The pixels, row 0 at the top. Valid for as long as this object owns them.
     const img::Image& image() const { return mImage; }
-    /// The same, for operations that change pixels in place.
+    /// The pixels, to be changed in place.
     img::Image& image() { return mImage; }
 
-    /// Pixels in a row.
+    /// Width in pixels.
     unsigned width() const { return static_cast<unsigned>(mImage.getWidth()); }
-    /// Rows.
+    /// Height in pixels.
     unsigned height() const { return static_cast<unsigned>(mImage.getHeight()); }
-    /// What a pixel is.
+    /// The sample layout of the pixels.
     SampleLayout layout() const { return layoutOf(mImage); }
 
-    /// Gives the memory up.
+    /// Releases the memory; the buffer is empty afterwards.
     void reset();
 
 private:

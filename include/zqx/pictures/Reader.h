@@ -1,5 +1,5 @@
 /// @file
-/// Picture files into pictures.
+/// Reading picture files.
 #pragma once
 
 #include <cstdint>
@@ -13,44 +13,44 @@
 
 namespace zqx::pictures {
 
-/// How picture files are read.
+/// Options for reading picture files.
 /// @ingroup pictures
 struct ReadOptions {
-    Limits limits; ///< what a file may ask for before it is refused
+    Limits limits; ///< larger pictures and files are refused
 
-    /// Decode in a process of its own, which a hostile file may bring down without harm. It needs the program
-    /// zqx-img-decoder and a system that has processes of this kind. No, where it is not set.
+    /// Whether to decode in a separate process, which a damaged or hostile file may crash without further harm. This
+    /// needs the program zqx-img-decoder and a system that supports it. Unset means no.
     std::optional<bool> isolate;
-    std::uint64_t decodeMemory = 0; ///< bytes that such a process may use; 0 for half of the machine's
-    double decodeSeconds = 60.0;    ///< seconds that it may take
+    std::uint64_t decodeMemory = 0; ///< bytes that the separate process may use; 0 for half of the machine's memory
+    double decodeSeconds = 60.0;    ///< seconds that the separate process may take
 
-    /// Refuse to decode where the system cannot confine such a process: keep it from files, from the network and from
-    /// other processes. Otherwise that is a warning, once.
+    /// Whether to refuse decoding if the system cannot confine the separate process, that is, keep it from opening
+    /// files, using the network and reaching other processes. Otherwise that is a warning, given once.
     bool requireConfinement = true;
 
-    /// Isolates decoding where the user did not decide, if this system can, and as well as it can.
+    /// Turns isolation on if it is unset and this system supports it, with as much confinement as the system offers.
     ZQX_PICTURES_EXPORT void isolateByDefault();
 };
 
-/// Reads a picture file: decodes it, turns it upright and brings it into the form in memory that keeps most of it. Of a
-/// file with several pictures the first is read. What is lost is told by a warning (Diagnostics.h).
+/// Reads a picture file: decodes it, turns it upright and converts it to the working layout that preserves most of it.
+/// Of a file with several pictures the first is read. Warnings report what is lost (Diagnostics.h).
 ///
-/// All of the formats of FileFormat.h are read. Colour profile, resolution and comments are kept; Exif, IPTC and XMP,
-/// and the profile of PNG files, only where a MetadataCodec is installed.
+/// Any format for which canRead() holds will do. Colour profile, resolution and comments are kept; Exif, IPTC and XMP,
+/// and the profile of PNG files, only if a MetadataCodec is installed.
 ///
 /// Any number of threads may read at once.
-/// @param name UTF-8
-/// @param options limits, and who decodes
-/// @throws Error naming the file when it is missing, no picture, damaged, beyond the limits or of a kind that cannot be
-/// worked with
+/// @param name of the file, in UTF-8
+/// @param options limits, and whether to decode in a separate process
+/// @throws Error naming the file if it is missing, not a picture, damaged, beyond the limits, or of a kind that is not
+/// supported
 /// @throws std::bad_alloc
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT Picture readPicture(const std::string& name, const ReadOptions& options = {});
 
-/// Reads what the header of a picture file tells, without decoding pixels. It costs time and memory for a few
-/// kilobytes, whatever the file says.
-/// @param name UTF-8
-/// @throws Error naming the file when it is missing or no picture
+/// Reads the header of a picture file without decoding any pixels. Whatever the file claims, this takes little time and
+/// memory.
+/// @param name of the file, in UTF-8
+/// @throws Error naming the file if it is missing or not a picture
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT HeaderInfo examinePicture(const std::string& name);
 

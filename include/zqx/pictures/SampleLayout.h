@@ -1,5 +1,5 @@
 /// @file
-/// How the samples of a picture are stored in a file, and in what form they are worked on.
+/// Sample layouts: the channels, bit depth and encoding of pixels, in files and in memory.
 #pragma once
 
 #include <cstddef>
@@ -9,12 +9,12 @@
 
 namespace zqx::pictures {
 
-/// Channels, depth and encoding of the samples in a picture file.
+/// Channels, bit depth and encoding of the samples in a picture file.
 ///
-/// Pictures of the first six layouts are worked on as they are stored, each in one format of img::Image. The others
-/// exist in files alone: 16-bit samples become linear floats in memory, of which every code comes back, and palettes
-/// become 8-bit colour. Floats are linear light; 8-bit and 16-bit colour is encoded by the power 1/2.2; alpha is always
-/// linear.
+/// The first six are working layouts: pictures keep them in memory, each in one format of img::Image. The others exist
+/// in files only: 16-bit samples become linear floats in memory, from which every code is restored exactly, and
+/// palettes become 8-bit colour. Floats are linear light; 8-bit and 16-bit colour is gamma-encoded with the exponent
+/// 1/2.2; alpha is always linear.
 /// @ingroup pictures
 enum class SampleLayout {
     GRAY8,    ///< 8-bit grey
@@ -29,38 +29,38 @@ enum class SampleLayout {
     PALETTE8, ///< up to 256 colours, RGB8 in memory
 };
 
-/// How many layouts there are.
+/// The number of layouts.
 /// @ingroup pictures
 constexpr std::size_t SAMPLE_LAYOUT_COUNT = static_cast<std::size_t>(SampleLayout::PALETTE8) + 1;
 
-/// The layout that pictures of a stored layout have in memory: one of the first six.
+/// The working layout of a stored layout, that is, the one that such pictures have in memory.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT SampleLayout workingLayout(SampleLayout layout);
 
-/// The image format that new pixels of a layout are allocated in; blue comes first in 8-bit colour.
+/// The image format in which new pixels of a layout are allocated; 8-bit colour is stored blue first.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT img::Image::Format workingFormat(SampleLayout layout);
 
-/// The layout of an image's pixels: one of the first six. Linear 8-bit formats count as their encoded counterparts.
+/// The working layout of an image. Linear 8-bit formats count as their gamma-encoded counterparts.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT SampleLayout layoutOf(const img::Image& image);
 
-/// True for layouts with red, green and blue.
+/// Whether a layout has red, green and blue channels.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT bool hasColor(SampleLayout layout);
-/// True for layouts with an alpha channel.
+/// Whether a layout has an alpha channel.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT bool hasAlpha(SampleLayout layout);
-/// True for layouts that hold linear light in 32-bit floats.
+/// Whether a layout stores linear light as 32-bit floats.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT bool isFloat(SampleLayout layout);
-/// Channels of a pixel: 1, 3 or 4. Those of a palette are the channels of its colours.
+/// The number of channels: 1, 3 or 4. For palettes, that of their colours.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT std::size_t channelCount(SampleLayout layout);
-/// Bits of a channel: 8, 16, or 32 for floats.
+/// The number of bits per channel: 8, 16, or 32 for floats.
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT int bitsPerChannel(SampleLayout layout);
-/// In words for people, "8-bit grey".
+/// A description for people, such as "8-bit grey".
 /// @ingroup pictures
 ZQX_PICTURES_EXPORT const char* nameOf(SampleLayout layout);
 

@@ -1,5 +1,5 @@
 /// @file
-/// Pictures through the pipeline, one or many at once.
+/// Adjusting picture files, one at a time or many at once.
 #pragma once
 
 #include <cstddef>
@@ -18,63 +18,65 @@
 
 namespace zqx::tools {
 
-/// What is done to every picture of a run.
+/// What to do with every picture of a run.
 /// @ingroup tools
 struct ApplySettings {
-    img::ImageProcessingPipeline pipeline; ///< the adjustments; its source image and active stages do not matter
+    img::ImageProcessingPipeline pipeline; ///< the adjustments; its source image and active stages are ignored
     pictures::ReadOptions loading;         ///< how pictures are read
     pictures::WriteOptions encoding;       ///< how outputs are written
-    bool keepExisting = false;             ///< leave an output that has appeared since the run was planned
+    bool keepExisting = false;             ///< keep an output file that appeared after the run was planned
 };
 
 /// The files of one picture.
 /// @ingroup tools
 struct ApplyFiles {
-    std::string input;      ///< may be the output, too
-    std::string output;     ///< its extension decides over the format
-    std::string comparison; ///< left half before, right half after; or empty
+    std::string input;      ///< may be the same file as the output
+    std::string output;     ///< the extension selects the format
+    std::string comparison; ///< also written: left half before, right half after; empty for none
 };
 
-/// Adjusts one picture. All of its outputs appear, or none does.
+/// Adjusts one picture. Either all of its outputs appear or none does.
 /// @throws pictures::Error naming the file
 /// @ingroup tools
 ZQX_TOOLS_EXPORT ApplyResult applyToPicture(const ApplyFiles& files, const ApplySettings& settings);
 
-/// Pictures at once, and threads that work on each.
+/// How the processors are shared among the pictures of a run.
 /// @ingroup tools
 struct WorkSplit {
-    unsigned jobs = 1;    ///< pictures at once
-    unsigned threads = 1; ///< for each of them
+    unsigned jobs = 1;    ///< pictures processed at once
+    unsigned threads = 1; ///< threads for each picture
 };
 
-/// Shares processors out. Many pictures are best done one a processor; what is given decides over the rest.
-/// @param pictures to be worked on
-/// @param processors at least 1
-/// @param jobs pictures at once, at least 1
-/// @param threads for each picture, 0 for all processors
+/// Shares the processors among pictures. With many pictures, one picture per processor is fastest. Whichever of jobs
+/// and threads is given determines the other.
+/// @param pictures number of pictures to process
+/// @param processors number of processors, at least 1
+/// @param jobs pictures to process at once, at least 1
+/// @param threads per picture, 0 for all processors
 /// @ingroup tools
 ZQX_TOOLS_EXPORT WorkSplit splitWork(std::size_t pictures, unsigned processors, std::optional<unsigned> jobs,
                                      std::optional<unsigned> threads);
 
-/// Does what is planned, several pictures at once, on threads of its own. Results do not depend on their number.
+/// Carries out a plan, several pictures at once, on threads of its own. The results do not depend on the number of
+/// threads.
 ///
-/// A picture that fails, whatever is thrown, does not stop the others; the observer is told everything. What the
-/// observer itself throws ends the run, and is thrown here once the pictures at work are done.
-/// @param plan of all pictures
-/// @param comparison second output of the only picture, or empty
+/// A picture that fails, whatever is thrown, does not stop the others: the observer is notified. An exception that the
+/// observer itself throws ends the run, and is rethrown here once the pictures in progress are finished.
+/// @param plan for all pictures
+/// @param comparison second output of a single picture, or empty
 /// @param settings for all pictures
 /// @param split of the processors
-/// @param gate that keeps pictures within an amount of memory
-/// @param observer is told of everything
+/// @param gate limits the memory of all pictures in progress
+/// @param observer is notified of everything
 /// @ingroup tools
 ZQX_TOOLS_EXPORT void runBatch(const std::vector<PlannedPicture>& plan, const std::string& comparison,
                                const ApplySettings& settings, const WorkSplit& split, MemoryGate& gate,
                                BatchObserver& observer);
 
-/// Only tells what would be done: that inputs can be opened, and outputs written.
-/// @param plan of all pictures
-/// @param makesFolders whether missing folders would be made
-/// @param observer is told of everything
+/// Reports what runBatch() would do, without doing it: checks that inputs can be opened and outputs written.
+/// @param plan for all pictures
+/// @param makesFolders whether missing output folders would be created
+/// @param observer is notified of every picture
 /// @ingroup tools
 ZQX_TOOLS_EXPORT void rehearseBatch(const std::vector<PlannedPicture>& plan, bool makesFolders,
                                     BatchObserver& observer);

@@ -1,5 +1,5 @@
 /// @file
-/// Who is told how a run of many pictures goes.
+/// The interface through which a run reports its progress.
 #pragma once
 
 #include <string>
@@ -8,10 +8,10 @@
 
 namespace zqx::tools {
 
-/// Is told of everything that happens in a run.
+/// Is notified of everything that happens in a run.
 ///
-/// All methods but tick() are called by several threads, possibly at once. An exception that begin() or warning()
-/// throws fails the picture at hand; one from another method ends the run, and is thrown by runBatch() to its caller.
+/// All methods except tick() are called by several threads, possibly at once. If begin() or warning() throws, the
+/// current picture fails; an exception from any other method ends the run and is passed on to the caller of runBatch().
 /// @ingroup tools
 class BatchObserver {
 public:
@@ -23,17 +23,17 @@ public:
     /// Work on a picture begins.
     virtual void begin(const std::string& input) = 0;
 
-    /// Something was done, but not quite as asked.
+    /// Something was done, but not exactly as asked.
     /// @param line "subject: text"
     virtual void warning(const std::string& line) = 0;
 
-    /// What became of a picture.
+    /// Work on a picture has ended, or it was skipped.
     virtual void finish(const PictureRecord& record) = 0;
 
     /// Called several times a second by the thread that runs the batch.
     virtual void tick() = 0;
 
-    /// False once nobody wants results any more: no further pictures are begun.
+    /// Whether anyone still wants the results; once this is false, no further pictures are begun.
     virtual bool isHeard() const = 0;
 };
 

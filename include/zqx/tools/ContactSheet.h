@@ -1,5 +1,5 @@
 /// @file
-/// Versions of one picture on a sheet.
+/// Contact sheets: versions of one picture side by side.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 
 namespace zqx::tools {
 
-/// Draws the labels of a contact sheet, by whatever draws letters where the program runs.
+/// Draws the labels of a contact sheet. The library itself has no fonts.
 /// @ingroup tools
 class LabelPainter {
 public:
@@ -21,36 +21,36 @@ public:
     LabelPainter& operator=(const LabelPainter&) = delete;
     virtual ~LabelPainter() = default;
 
-    /// Draws a line of text into the middle of an area of the sheet; longer text ends in an ellipsis.
-    /// @param area in SBGR8, filled with the grey of the sheet
+    /// Draws a line of text centred in an area of the sheet; text that is too long ends in an ellipsis.
+    /// @param area in SBGR8, filled with the background of the sheet
     /// @param text UTF-8
-    /// @param letterHeight of the text's line in pixels
-    /// @return false when no installed font has all the letters
+    /// @param letterHeight font size in pixels
+    /// @return whether a font has all characters of the text
     virtual bool drawLabel(img::Image& area, const std::string& text, unsigned letterHeight) = 0;
 };
 
-/// Labelled pictures of one size in rows and columns on dark grey, the whole near to the shape 3:2.
+/// Labelled pictures of equal size in rows and columns on dark grey, with an aspect ratio near 3:2.
 /// @ingroup tools
 class ZQX_TOOLS_EXPORT ContactSheet {
 public:
-    /// The grey between the pictures, as stored.
+    /// The background between the pictures, a gamma-encoded grey.
     static constexpr unsigned char GROUND = 48;
 
     /// Lays the sheet out and draws the labels.
     /// @param labels one for each picture, at least one
-    /// @param pictureWidth in pixels, of each
-    /// @param pictureHeight in pixels, of each
-    /// @param painter only used here
-    /// @throws pictures::UsageError for more than a file of any format could hold; what the painter throws
+    /// @param pictureWidth of each picture in pixels
+    /// @param pictureHeight of each picture in pixels
+    /// @param painter used by this constructor only
+    /// @throws pictures::UsageError if the sheet is too large for any file format; whatever the painter throws
     ContactSheet(const std::vector<std::string>& labels, unsigned pictureWidth, unsigned pictureHeight,
                  LabelPainter& painter);
 
-    /// Puts a picture in its place. Transparent ones show the grey of the sheet.
-    /// @param number of the picture, by rows from the upper left, from 0
-    /// @param picture of the size that the sheet was made for, in any format, with straight alpha
+    /// Puts a picture in its place. Where it is transparent, the background shows.
+    /// @param number of the picture, row by row from the upper left, from 0
+    /// @param picture of the size given to the constructor, in any format, with straight alpha
     void place(std::size_t number, const img::Image& picture);
 
-    /// The sheet, 8-bit colour. There is none any more afterwards.
+    /// Hands over the sheet, in 8-bit colour. Nothing can be placed on it afterwards.
     pictures::PixelBuffer take();
 
 private:
@@ -64,8 +64,8 @@ private:
 
     unsigned mPictureWidth;
     unsigned mPictureHeight;
-    unsigned mCellWidth; // of the picture and its label; a narrow picture stands in the middle
-    unsigned mLetters;   // their height, which all spaces follow
+    unsigned mCellWidth; // of a picture with its label; a narrower picture is centred
+    unsigned mLetters;   // font size, to which all margins are proportional
     std::size_t mColumns;
     std::size_t mRows;
     pictures::PixelBuffer mSheet;

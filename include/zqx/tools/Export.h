@@ -1,13 +1,13 @@
 /// @file
-/// Symbol visibility of the library: everything is hidden except what carries ZQX_TOOLS_EXPORT.
+/// Symbol visibility of zqx_tools: everything is hidden except what carries ZQX_TOOLS_EXPORT.
 #pragma once
 
 /// @def ZQX_TOOLS_EXPORT
 /// Marks what the shared library exports.
 /// @ingroup tools
 
-/// @defgroup tools What is done to many pictures, or about one
-/// Adjustments from documents, runs over folders, histograms, comparisons, smaller versions, contact sheets and lookup
+/// @defgroup tools Tools for pictures and folders of pictures
+/// Parameter documents, runs over many pictures, histograms, comparisons, downscaling, contact sheets and lookup
 /// tables: what the program zqx-img does, for programs of your own.
 
 #if !defined(_WIN32)

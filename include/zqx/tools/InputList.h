@@ -1,5 +1,5 @@
 /// @file
-/// The pictures that files and folders stand for.
+/// Finding the pictures in files and folders.
 #pragma once
 
 #include <cstddef>
@@ -11,46 +11,46 @@
 
 namespace zqx::tools {
 
-/// A picture file to be worked on.
+/// A picture file to work on.
 /// @ingroup tools
 struct Input {
     std::string name;   ///< of the file, in UTF-8
-    std::string folder; ///< where it lies below the folder that was named; empty for a file that was
+    std::string folder; ///< relative to the folder that was given; empty for a file that was given itself
 };
 
-/// A name that stands for no picture.
+/// A file or folder name that yields no picture.
 /// @ingroup tools
 struct InputFailure {
-    std::string name;   ///< as it was given
-    std::string reason; ///< the end of a sentence that begins with the name
+    std::string name;   ///< as given
+    std::string reason; ///< a phrase that continues a sentence beginning with the name
 };
 
-/// How many files there are of each extension, which is in lower case and without its dot.
+/// The number of files for each extension, in lower case and without the dot.
 /// @ingroup tools
 using ExtensionCounts = std::map<std::string, std::size_t>;
 
-/// What was found.
+/// The result of listInputs().
 /// @ingroup tools
 struct InputList {
-    std::vector<Input> inputs;          ///< in the order of the names
-    std::vector<InputFailure> failures; ///< names without pictures
-    ExtensionCounts unreadable;         ///< pictures left out because this build reads no files of their format
+    std::vector<Input> inputs;          ///< in the order in which they were found
+    std::vector<InputFailure> failures; ///< names that yield no picture
+    ExtensionCounts unreadable;         ///< pictures left out because this build cannot read their format
 };
 
 /// Finds the pictures to work on.
 ///
-/// Files are taken as they are; of folders, the visible files whose extension is that of a readable format, in the
-/// order of their names. Links to folders are not followed below a folder that was named.
+/// Files are taken as they are; from folders, all visible files with the extension of a readable format, sorted by
+/// name. Below a given folder, symbolic links to folders are not followed.
 /// @param names of files and folders, in UTF-8
-/// @param recursive whether folders in folders count, too
-/// @param excluded a folder that is not gone into unless it is named; may be empty, or not exist
-/// @return never throws for what it finds on disk: see failures
+/// @param recursive whether to include subfolders
+/// @param excluded a folder to leave out unless it is given itself; may be empty or missing
+/// @return the pictures; whatever is wrong with files and folders is reported in its failures, not by an exception
 /// @ingroup tools
 ZQX_TOOLS_EXPORT InputList listInputs(const std::vector<std::string>& names, bool recursive,
                                       const std::string& excluded);
 
-/// "skipped 12 files in formats this build cannot read: 10 .heic, 2 .avif", the most frequent first; empty when there
-/// are none.
+/// A sentence such as "skipped 12 files in formats this build cannot read: 10 .heic, 2 .avif", most frequent first;
+/// empty if there are none.
 /// @ingroup tools
 ZQX_TOOLS_EXPORT std::string describeUnreadable(const ExtensionCounts& unreadable);
 

@@ -1,5 +1,5 @@
 /// @file
-/// Names of output files, made from a pattern: "{dir}/{stem}_{n:04}.png".
+/// File names from a pattern such as "{dir}/{stem}_{n:04}.png".
 #pragma once
 
 #include <cstddef>
@@ -12,28 +12,30 @@
 
 namespace zqx::tools {
 
-/// A parsed pattern.
+/// A parsed pattern for the names of output files.
 ///
-/// Its fields are {stem} and {ext} of the input's name, {n} the picture's number in the run, {n:04} the same with zeros
-/// in front, and {dir} the input's folder below the folder that was named. A brace itself is written twice.
+/// Its fields are {stem} and {ext}, the input's file name without its extension and the extension; {n}, the number of
+/// the picture in the run; {n:04}, the same padded with zeros; and {dir}, the folder of the input relative to the given
+/// one. Literal braces are doubled.
 /// @ingroup tools
 class ZQX_TOOLS_EXPORT NameTemplate {
 public:
     /// @throws pictures::UsageError saying what is wrong with the pattern
     explicit NameTemplate(std::string_view pattern);
 
-    /// The name below the output folder, with single slashes.
-    /// @param input what the names are made of
+    /// Fills in the fields.
+    /// @param input the picture that the name is for
     /// @param number of the picture in the run, from 1
-    /// @throws pictures::UsageError when it would be no name of a file there
+    /// @return the name relative to the output folder, with single slashes
+    /// @throws pictures::UsageError if the result is not the name of a file inside the output folder
     std::string expand(const Input& input, std::size_t number) const;
 
-    /// Whether the input's own extension is part of the names.
+    /// Whether the pattern contains {ext}.
     bool usesExtension() const;
 
 private:
     enum class Field {
-        TEXT,      ///< as it stands
+        TEXT,      ///< literal text
         STEM,      ///< {stem}
         EXTENSION, ///< {ext}
         NUMBER,    ///< {n}, {n:04}
@@ -42,7 +44,7 @@ private:
     struct Piece {
         Field field;
         std::string text;      // of TEXT
-        std::size_t width = 0; // of NUMBER: filled up with zeros
+        std::size_t width = 0; // of NUMBER: padded with zeros
     };
 
     void addText(char letter);

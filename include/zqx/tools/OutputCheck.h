@@ -1,5 +1,5 @@
 /// @file
-/// No output may destroy what it is made from, or another output.
+/// Protection of inputs and outputs from being overwritten by each other.
 #pragma once
 
 #include <string>
@@ -9,19 +9,19 @@
 
 namespace zqx::tools {
 
-/// A file that is going to be written.
+/// A file that is about to be written.
 /// @ingroup tools
 struct Output {
-    std::string option;        ///< what asks for it, for messages: "--difference"
-    std::string name;          ///< of the file in UTF-8; empty for none
-    std::string replaceable{}; ///< the one input that it may replace, or empty
+    std::string option;        ///< option or argument that names it, for error messages: "--difference"
+    std::string name;          ///< of the file, in UTF-8; empty for none
+    std::string replaceable{}; ///< the one input that the output may replace, or empty
 };
 
-/// Refuses outputs that are a file that is read, or the same file as another output. To be asked before any work.
+/// Refuses an output that is one of the inputs or the same file as another output. Call it before any work is done.
 ///
-/// It is the file that counts, not its name: a link, a hard link and another spelling on a file system that ignores
-/// case are all the file itself. Outputs that differ in case alone count as one, whatever the file system.
-/// @param inputs all files that are read; empty names are none
+/// Files are compared by identity, not by name: symbolic links, hard links and, on file systems that ignore case, other
+/// spellings all denote the same file. Outputs whose names differ in case only are refused on every file system.
+/// @param inputs all files that are read; empty names are ignored
 /// @param outputs all files that are written
 /// @throws pictures::UsageError naming the option and the file
 /// @ingroup tools

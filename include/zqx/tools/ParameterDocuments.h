@@ -1,5 +1,5 @@
 /// @file
-/// Adjustments from parameter documents and single settings, checked member by member.
+/// Adjustments from parameter documents and single settings, with checks of every member.
 #pragma once
 
 #include <cstddef>
@@ -11,43 +11,44 @@
 
 namespace zqx::tools {
 
-/// Parameter documents laid over each other, and settings over them all: what `zqx-img --params A --params B --set C`
-/// reads.
+/// Several parameter documents merged into one, with single settings on top, as for
+/// `zqx-img apply --params A --params B --set C`.
 ///
-/// img::ImageProcessingPipeline::loadParams() takes one document and ignores what it does not know. Here several are
-/// merged, the parameters of later ones in place of those of earlier ones, and everything that is not as it should be
-/// is told: members that are not known, given twice, of the wrong type or out of range. Documents may come from
-/// anybody: whatever is in them, the time it takes is proportional to their length, but for a logarithm.
+/// img::ImageProcessingPipeline::loadParams() takes one document and ignores what it does not know. This class merges
+/// any number of documents, of which later ones override earlier ones, and reports everything that is not as it should
+/// be: members that are unknown, given twice, of the wrong type or out of range. Documents may come from untrusted
+/// sources: whatever they contain, reading n bytes takes O(n log n) time.
 ///
-/// A value type; one thread at a time.
+/// A value type; it must not be used by several threads at once.
 /// @ingroup tools
 class ZQX_TOOLS_EXPORT ParameterDocuments {
 public:
-    /// What is done about adjustments that are not as they should be.
+    /// How to treat adjustments that are not as they should be.
     enum class Faults {
-        WARN,   ///< warn of each (pictures::warn), and ignore it or limit its value
-        REFUSE, ///< refuse them all together
+        WARN,   ///< report each by pictures::warn(), and ignore it or clamp its value
+        REFUSE, ///< throw one error that lists them all
     };
 
-    /// The largest document that is read, in bytes. Real ones have about a thousand.
+    /// The size of the largest document that is read, in bytes. Typical ones have about a thousand.
     static constexpr std::size_t LARGEST = std::size_t{16} << 20;
 
-    /// Reads a document, which goes over those added before.
+    /// Reads a document that overrides those added before.
     /// @param name of the file, in UTF-8
-    /// @throws pictures::Error when it cannot be read, or is larger than LARGEST
+    /// @throws pictures::Error if it cannot be read or is larger than LARGEST
     void addFile(const std::string& name);
 
-    /// The same for a document in memory. @param name to call it by in messages
+    /// Adds a document in memory that overrides those added before.
+    /// @param name for messages
     /// @param text the document
     void addText(std::string name, std::string text);
 
-    /// Adds a setting, which goes over all documents and earlier settings.
-    /// @param setting "name=value" by the names of describeParameters(): "exposure=0.5", "gradient.white=1,0.8,0.6"
+    /// Adds a setting that overrides all documents and the settings added before.
+    /// @param setting "name=value" with a name of describeParameters(): "exposure=0.5", "gradient.white=1,0.8,0.6"
     void addSetting(std::string setting);
 
     /// A new pipeline with these adjustments, and no source image.
-    /// @throws pictures::Error for a text that is no parameter document, with the line and column where it is not even
-    ///         JSON, and for what is refused; pictures::UsageError for a setting that cannot be understood
+    /// @throws pictures::Error for text that is not a parameter document, with line and column if it is not valid JSON,
+    ///         and for whatever is to be refused; pictures::UsageError for a setting that cannot be understood
     img::ImageProcessingPipeline makePipeline(Faults faults = Faults::WARN) const;
 
 private:
@@ -61,7 +62,7 @@ private:
 };
 
 /// A pipeline with the adjustments of document files and settings: ParameterDocuments in one call.
-/// @throws pictures::Error, pictures::UsageError as there
+/// @throws pictures::Error, pictures::UsageError like ParameterDocuments
 /// @ingroup tools
 ZQX_TOOLS_EXPORT img::ImageProcessingPipeline
 readParameters(const std::vector<std::string>& documents, const std::vector<std::string>& settings = {},

@@ -1,5 +1,5 @@
 /// @file
-/// What there is to know about the adjustments, for people and for programs.
+/// Descriptions of all adjustments, for people and for programs.
 #pragma once
 
 #include <string>
@@ -8,11 +8,12 @@
 
 namespace zqx::tools {
 
-/// Every adjustment with name, range, default, place in the document and meaning, in lines of at most 100 characters.
+/// Every adjustment with its name, range, default, path in the document and meaning, in lines of at most 100
+/// characters.
 /// @ingroup tools
 ZQX_TOOLS_EXPORT std::string explainParameters();
 
-/// The same as one JSON object.
+/// The same information as a JSON object.
 /// @ingroup tools
 ZQX_TOOLS_EXPORT std::string explainParametersAsJson();
 

@@ -1,5 +1,5 @@
 /// @file
-/// Smaller versions of pictures.
+/// Downscaling pictures.
 #pragma once
 
 #include <zqx/img/Image.h>
@@ -8,32 +8,32 @@
 
 namespace zqx::tools {
 
-/// Columns and rows of a picture.
+/// The size of a picture in pixels.
 /// @ingroup tools
 struct Size {
-    unsigned width;  ///< columns
-    unsigned height; ///< rows
+    unsigned width;  ///< in pixels
+    unsigned height; ///< in pixels
 
     /// @{
 
-    /// Equal in both directions.
+    /// Compare both directions.
     friend bool operator==(const Size& a, const Size& b) { return a.width == b.width && a.height == b.height; }
     friend bool operator!=(const Size& a, const Size& b) { return !(a == b); }
     /// @}
 };
 
-/// The size of a picture whose longest side is brought down to a limit. It is never enlarged, and keeps a pixel in each
-/// direction however long and narrow it is.
+/// The size of a picture after downscaling it so that its longest side does not exceed a limit. Pictures are never
+/// enlarged, and both sides keep at least one pixel.
 /// @ingroup tools
 ZQX_TOOLS_EXPORT Size fitted(Size size, unsigned longestSide);
 
-/// Brings a picture down to a size: each pixel becomes the mean of the area that it covers in the source.
+/// Downscales a picture: each pixel becomes the mean of the area that it covers in the source (box filter).
 ///
-/// Means are taken in linear light, exact but for the rounding of doubles and then to the format. Colour counts by its
-/// alpha, which is to be straight; where there is none at all, the colour in the middle is kept. What is not a number
-/// stays within the pixels that cover it. The result is the same for any number of threads.
-/// @param source in the working format of a layout, as the result
-/// @param size in each direction at least 1 and no more than the source's
+/// Means are computed in linear light with double precision, and rounded to the nearest code in 8-bit pictures. Colours
+/// are weighted by alpha, which must be straight; where alpha is 0 throughout, the colour in the middle is kept. NaN
+/// affects only the pixels that cover it. The result does not depend on the number of threads.
+/// @param source in the working format of a layout, which is also that of the result
+/// @param size at least 1 and at most that of the source in each direction
 /// @ingroup tools
 ZQX_TOOLS_EXPORT pictures::PixelBuffer areaAverage(const img::Image& source, Size size);
 

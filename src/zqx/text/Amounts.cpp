@@ -1,4 +1,4 @@
-// Reading and writing amounts, whatever the locale.
+// Parses and formats amounts, independently of the locale.
 #include "zqx/text/Amounts.h"
 
 #include <charconv>

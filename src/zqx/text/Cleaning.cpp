@@ -1,4 +1,4 @@
-// One list of what is not to reach a terminal, and two ways of dealing with it.
+// The list of characters that must not reach a terminal, and two ways of dealing with them.
 #include "zqx/text/Cleaning.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Digits of codes, for the escapes of several notations.
+// Hexadecimal digits for escape sequences.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace zqx::text {
 
-/// So many digits, in capitals, with zeros in front.
+/// A number as upper-case hexadecimal digits, padded with zeros.
 inline std::string hexadecimal(std::uint32_t number, std::size_t digits) {
     constexpr std::string_view DIGITS = "0123456789ABCDEF";
     std::string text(digits, '0');

@@ -1,4 +1,5 @@
-// RapidJSON lays documents out and formats numbers; strings are escaped here, since it lets through what is no UTF-8.
+// RapidJSON does the layout and formats numbers; strings are escaped here, since RapidJSON passes invalid UTF-8
+// through.
 #include "zqx/text/Json.h"
 
 #include <cmath>
@@ -73,7 +74,7 @@ struct JsonWriter::State {
                                                           : rapidjson::kFormatDefault);
     }
 
-    /// Text that is JSON already.
+    /// Writes text that already is JSON.
     void write(const std::string& json, rapidjson::Type type) {
         visit([&](auto& w) { w.RawValue(json.data(), json.size(), type); });
     }

@@ -1,4 +1,5 @@
-// Writing JSON: whatever is put in, what comes out is JSON, in valid UTF-8, and nothing in it steers a terminal.
+// Writing JSON. Whatever the input, the output is valid JSON in valid UTF-8, without characters that a terminal
+// interprets.
 #pragma once
 
 #include <cstdint>
@@ -11,16 +12,16 @@
 
 namespace zqx::text {
 
-/// The text as a string of JSON, quotation marks included. Bytes that are not UTF-8 become U+FFFD; what is not harmless
-/// to a terminal is escaped.
-/// @param charset ASCII: all else beyond it is escaped, too
+/// The text as a JSON string, including the quotation marks. Bytes that are not UTF-8 become U+FFFD; characters that
+/// are not harmless to a terminal are escaped.
+/// @param charset with ASCII, all other characters are escaped as well
 std::string jsonString(std::string_view text, Charset charset = Charset::UNICODE);
 
 /// How a document is laid out.
 struct JsonLayout {
-    unsigned indent = 0; ///< spaces for each level; 0 puts all in one line
+    unsigned indent = 0; ///< spaces per level; 0 for a single line
     bool arraysInOneLine = false;
-    int decimals = 324; ///< the most behind the point of a number; 324 keeps every double exact
+    int decimals = 324; ///< maximum number of decimal places; 324 keeps every double exact
 };
 
 /// Writes one document, from the outside in.
@@ -40,7 +41,7 @@ public:
     void value(std::string_view text);
     void value(const char* text) { value(std::string_view(text)); }
     void value(const std::string& text) { value(std::string_view(text)); }
-    /// Null where it is infinite or no number, for which JSON has no words.
+    /// Infinity and NaN, which JSON does not have, become null.
     void value(double number);
     void value(bool is);
     template <typename Integer>
@@ -53,7 +54,7 @@ public:
         }
     }
     void null();
-    /// In the fewest digits: 5 where value() writes 5.0.
+    /// A number in as few digits as possible: 5 where value() writes 5.0.
     void shortNumber(double number);
 
     template <typename Value>

@@ -1,4 +1,4 @@
-// The standard library's conversions, which know no locale, with room for the longest number.
+// Uses std::to_chars, which is independent of the locale, with a buffer for the longest number.
 #include "zqx/text/Numbers.h"
 
 #include <array>

@@ -1,11 +1,12 @@
-// Well-formed sequences, as table 3-7 of the Unicode Standard lists them: only the second byte has limits of its own.
+// Well-formed sequences according to table 3-7 of the Unicode Standard, in which only the range of the second byte
+// varies.
 #include "zqx/text/Utf8.h"
 
 namespace zqx::text {
 
 namespace {
 
-/// What a first byte announces.
+/// The sequence that a first byte introduces.
 struct Sequence {
     std::size_t length; // 0: no character begins like this
     unsigned char lowestSecond = 0x80;
@@ -32,7 +33,7 @@ unsigned char byteAt(std::string_view text, std::size_t i) {
     return static_cast<unsigned char>(text[i]);
 }
 
-/// The bytes of the character that the text begins with; 0 where it begins with none.
+/// The length of the first character in bytes; 0 if the text does not begin with a well-formed one.
 std::size_t lengthOfFirst(std::string_view text) {
     const Sequence sequence = sequenceFrom(byteAt(text, 0));
     if (sequence.length > text.size()) {
@@ -113,7 +114,7 @@ std::string_view prefix(std::string_view text, std::size_t bytes) {
         return text;
     }
     constexpr std::size_t LONGEST = 4;
-    // A character that reaches over the end begins at most three bytes before it.
+    // A character that extends beyond the end begins at most three bytes before it.
     for (std::size_t start = bytes; start > 0 && start + LONGEST > bytes; --start) {
         const std::size_t length = lengthOfFirst(text.substr(start - 1));
         if (length > 0) {

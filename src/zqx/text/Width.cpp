@@ -1,4 +1,4 @@
-// Columns are counted by character: good enough for names and labels, which are no running text.
+// Columns are counted per character, which is good enough for names and labels.
 #include "zqx/text/Width.h"
 
 #include <algorithm>
@@ -52,7 +52,7 @@ std::string endOf(std::string_view text, std::size_t columns) {
     while (width + ELLIPSIS.size() > columns) {
         width -= columnsOf(takeCharacter(text).code);
     }
-    while (!text.empty()) { // a mark would be drawn over the dots
+    while (!text.empty()) { // a combining mark would be drawn over the dots
         std::string_view rest = text;
         if (columnsOf(takeCharacter(rest).code) > 0) {
             break;

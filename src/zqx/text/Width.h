@@ -1,4 +1,4 @@
-// Text in columns: how wide terminals draw it, and filling, shortening and wrapping by that.
+// The display width of text in terminals, and padding, shortening and wrapping by that width.
 #pragma once
 
 #include <cstddef>
@@ -7,24 +7,24 @@
 
 namespace zqx::text {
 
-/// Columns of a terminal that a character takes: 2 for East Asian scripts and pictograms, 0 for marks over others and
-/// for joiners, 1 for all else (Unicode Standard Annex 11, in rough ranges).
+/// The number of terminal columns of a character: 2 for East Asian scripts and pictographs, 0 for combining marks and
+/// joiners, 1 for all others (Unicode Standard Annex 11, simplified).
 std::size_t columnsOf(char32_t code);
 
-/// Columns that a text takes which is shown in one line.
+/// The number of columns of a text in one line.
 std::size_t displayWidth(std::string_view text);
 
 enum class Align { LEFT, RIGHT };
 
-/// The text filled up to so many columns; a wider one stays as it is.
+/// The text padded to a number of columns; wider text is not changed.
 std::string padded(std::string_view text, std::size_t columns, Align align = Align::LEFT, char filling = ' ');
 
-/// The end of a text in at most so many columns, behind "..." where something is left out: files of one folder differ
-/// at the end. Empty when there is no room for something worth reading.
+/// The end of a text in at most a number of columns, after "..." if something is left out: the names of files in a
+/// folder differ at the end. Empty if there is not enough room to be useful.
 std::string endOf(std::string_view text, std::size_t columns);
 
-/// The words of a text in lines that end before a column, where words are not longer than that.
-/// @param indent columns before each line: spaces on all but the first, which somebody else has begun
+/// Wraps the words of a text into lines of at most a number of columns. Longer words are not broken.
+/// @param indent of each line in columns, as spaces on all lines but the first, which the caller has begun
 std::string wrapped(std::string_view text, std::size_t columns, std::size_t indent);
 
 } // namespace zqx::text

@@ -1,5 +1,5 @@
-// Drawing with Cairo. Its simple text interface is enough for labels, once they are valid UTF-8: of anything else it
-// draws nothing at all.
+// Drawing with Cairo. Its "toy" text interface is sufficient for labels, provided that they are valid UTF-8: it draws
+// nothing at all otherwise.
 #include "drawing/module/CairoCanvas.h"
 
 #include <new>
@@ -98,7 +98,7 @@ private:
         return line + ELLIPSIS;
     }
 
-    /// Glyph 0 of a font is the box that stands for what it does not have.
+    /// Glyph 0 of a font represents missing characters.
     bool hasLettersFor(const std::string& line) {
         cairo_glyph_t* glyphs = nullptr;
         int count = 0;

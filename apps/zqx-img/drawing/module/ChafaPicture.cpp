@@ -1,4 +1,4 @@
-// Pictures for terminals, by Chafa, which knows the protocols and which terminal has which.
+// Pictures for terminals, encoded by Chafa, which knows the protocols and the terminals that support them.
 #include "drawing/module/ChafaPicture.h"
 
 #include <algorithm>
@@ -23,7 +23,7 @@ struct Release {
 template <typename T>
 using Owned = std::unique_ptr<T, Release>;
 
-/// What the environment says of the terminal.
+/// Detects the terminal from the environment.
 Owned<ChafaTermInfo> detectTerminal() {
     const Owned<gchar*> environment(g_get_environ());
     return Owned<ChafaTermInfo>(chafa_term_db_detect(chafa_term_db_get_default(), environment.get()));
@@ -59,12 +59,12 @@ ChafaCanvasMode canvasMode(const Owned<ChafaTermInfo>& terminal) {
         return CHAFA_CANVAS_MODE_TRUECOLOR;
     }
     if (knows(terminal, CHAFA_TERM_SEQ_SET_COLOR_FGBG_256)) {
-        return CHAFA_CANVAS_MODE_INDEXED_240; // users redefine the first 16
+        return CHAFA_CANVAS_MODE_INDEXED_240; // users may redefine the first 16 colours
     }
     return knows(terminal, CHAFA_TERM_SEQ_SET_COLOR_FGBG_16) ? CHAFA_CANVAS_MODE_INDEXED_16 : CHAFA_CANVAS_MODE_FGBG;
 }
 
-/// A picture with transparent pixels to the right and below, so that it fills whole cells and keeps its shape.
+/// A picture padded with transparent pixels to whole cells, so that its aspect ratio is kept.
 struct Padded {
     int columns;
     int rows;
@@ -73,14 +73,14 @@ struct Padded {
     std::vector<unsigned char> rgba;
 };
 
-/// As many cells as the picture has pixels for, and no more than there are.
+/// Pads a picture to the number of cells that its pixels cover, but no more than the terminal has.
 Padded padded(const TerminalPicture& picture) {
     const TerminalSize& terminal = picture.terminal;
     const double columns = static_cast<double>(picture.width) / terminal.cellWidth;
     const double rows = static_cast<double>(picture.height) / terminal.cellHeight;
-    const double mostRows = std::max(terminal.rows, 2U) - 1.0; // the prompt comes below
+    const double mostRows = std::max(terminal.rows, 2U) - 1.0; // one row is left for the prompt
     const double scale = std::min({1.0, terminal.columns / columns, mostRows / rows});
-    constexpr double SLACK = 1e-6; // for what is whole but for its rounding
+    constexpr double SLACK = 1e-6; // tolerance for rounding errors
     Padded result{};
     result.columns = std::max(1, static_cast<int>(std::ceil(columns * scale - SLACK)));
     result.rows = std::max(1, static_cast<int>(std::ceil(rows * scale - SLACK)));
@@ -120,7 +120,7 @@ std::string encodeForTerminal(const TerminalPicture& picture) {
     const ChafaPixelMode mode = pixelMode(picture.protocol, terminal);
     const ChafaCanvasMode colors =
         mode == CHAFA_PIXEL_MODE_SYMBOLS ? canvasMode(terminal) : CHAFA_CANVAS_MODE_TRUECOLOR;
-    // The sequences of a protocol that was asked for although the terminal is not known to have it.
+    // Adds the escape sequences of a protocol that the user chose although the terminal is not known to support it.
     const Owned<ChafaTermInfo> all(chafa_term_db_get_fallback_info(chafa_term_db_get_default()));
     chafa_term_info_supplement(terminal.get(), all.get());
     const Padded pixels = padded(picture);

@@ -1,4 +1,4 @@
-// Pictures for terminals, by Chafa.
+// Pictures for terminals, encoded by Chafa.
 #pragma once
 
 #include <string>

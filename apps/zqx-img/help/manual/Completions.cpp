@@ -1,5 +1,5 @@
-// One script per shell. The placeholder of a value decides how it is completed: FILE and DIR with names of files and
-// folders, NAME=VALUE with adjustments, a list of words with these words. Nothing else is completed.
+// One script per shell. The placeholder of a value determines its completion: FILE and DIR are completed with names of
+// files and folders, NAME=VALUE with adjustments, and a list of words with these words. Other values are not completed.
 #include "help/manual/Completions.h"
 
 #include <algorithm>
@@ -55,7 +55,7 @@ std::string commandNames(const CommandText& program) {
     return names;
 }
 
-/// Text in single quotes for a shell. A quote in it ends the quotation, follows escaped, and starts it again.
+/// Quotes text for a shell. A single quote in it closes the quotation, is escaped, and opens it again.
 std::string quoted(const std::string& text) {
     std::string result = "'";
     for (const char c : text) {

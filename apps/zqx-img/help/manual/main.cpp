@@ -1,4 +1,4 @@
-// Writes the manual pages and the shells' completions of the program into a folder: zqx_img_manual FOLDER DATE
+// Writes the manual pages and shell completions of the program to a folder: zqx_img_manual FOLDER DATE
 #include <cstdio>
 #include <exception>
 #include <filesystem>

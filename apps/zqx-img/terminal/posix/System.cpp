@@ -1,5 +1,5 @@
-// POSIX terminals, streams and signals. Signals are waited for by a thread, not caught by a handler: a handler may not
-// lock, allocate or print.
+// Terminals, streams and signals on POSIX systems. A thread waits for signals, because a signal handler may not lock,
+// allocate or print.
 #include "terminal/System.h"
 
 #include <algorithm>
@@ -21,7 +21,7 @@ int descriptorOf(StandardStream stream) {
     return stream == StandardStream::OUTPUT ? STDOUT_FILENO : STDERR_FILENO;
 }
 
-/// The value of a variable, empty where there is none.
+/// The value of an environment variable; empty if it is not set.
 std::string_view variable(const char* name) {
     const char* value = std::getenv(name);
     return value != nullptr ? value : "";
@@ -61,8 +61,7 @@ bool isInForeground() {
 }
 
 bool showsUnicode() {
-    for (const char* name :
-         {"LC_ALL", "LC_CTYPE", "LANG"}) { // the first that says something decides, as for the C library
+    for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) { // the first one that is set decides, as in the C library
         if (std::string locale(variable(name)); !locale.empty()) {
             std::ranges::transform(locale, locale.begin(), [](unsigned char c) {
                 return static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
@@ -74,15 +73,15 @@ bool showsUnicode() {
 }
 
 void prepareStandardStreams() {
-    std::signal(SIGPIPE, SIG_IGN); // whoever stops reading must not make us leave half a file
-    std::signal(SIGXFSZ, SIG_IGN); // a file size limit then is an ordinary write error
+    std::signal(SIGPIPE, SIG_IGN); // a reader that stops must not interrupt us in the middle of a file
+    std::signal(SIGXFSZ, SIG_IGN); // exceeding a file size limit becomes an ordinary write error
     struct Hole {
         int descriptor;
-        int mode; // in which what the stream is for fails
+        int mode; // in which using the stream fails
     };
     for (const Hole hole : {Hole{STDIN_FILENO, O_WRONLY}, {STDOUT_FILENO, O_RDONLY}, {STDERR_FILENO, O_RDONLY}}) {
         if (fcntl(hole.descriptor, F_GETFD) == -1) {
-            static_cast<void>(open("/dev/null", hole.mode)); // takes the lowest free number, which is this one
+            static_cast<void>(open("/dev/null", hole.mode)); // gets the lowest free descriptor, which is this one
         }
     }
 }
@@ -96,7 +95,8 @@ void watchForEnd(void (*end)(int exitCode)) {
             sigaddset(&watched, number);
         }
     }
-    pthread_sigmask(SIG_BLOCK, &watched, nullptr); // threads that are started later leave them to the one that waits
+    pthread_sigmask(SIG_BLOCK, &watched,
+                    nullptr); // inherited by all threads started later, so that only the waiting thread gets them
     std::thread([watched, end] {
         for (int number = 0;;) {
             if (sigwait(&watched, &number) == 0) {

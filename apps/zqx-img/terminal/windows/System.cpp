@@ -1,4 +1,4 @@
-// The Windows console.
+// Consoles and interruptions on Windows.
 #include "terminal/System.h"
 
 #include <cstdio>
@@ -56,7 +56,7 @@ bool showsUnicode() {
     return GetConsoleOutputCP() == CP_UTF8;
 }
 
-void prepareStandardStreams() { // handles are not numbered by the first that is free
+void prepareStandardStreams() { // handles are not reused like descriptors
 }
 
 void watchForEnd(void (*end)(int exitCode)) {

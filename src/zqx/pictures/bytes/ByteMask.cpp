@@ -1,4 +1,4 @@
-// Patches over bytes that were read.
+// Applies patches to bytes that were read.
 #include "zqx/pictures/bytes/ByteMask.h"
 
 #include <algorithm>

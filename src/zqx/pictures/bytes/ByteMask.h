@@ -1,4 +1,4 @@
-// Changes to what decoders read of a file.
+// Patches to what decoders read from a file.
 #pragma once
 
 #include <cstdint>
@@ -9,12 +9,12 @@
 
 namespace zqx::pictures {
 
-/// Bytes that decoders are to find in place of a file's own.
+/// Replaces some bytes of a file for its decoder; the file itself stays as it is.
 class ByteMask {
 public:
     void add(std::uint64_t offset, std::string bytes) { mPatches.push_back({offset, std::move(bytes)}); }
 
-    /// Puts them over what was read at a place.
+    /// Patches bytes that were read from an offset of the file.
     void apply(std::uint64_t offset, std::span<char> bytes) const;
 
 private:

@@ -1,4 +1,4 @@
-// A small window onto the file: headers are read byte by byte, and every byte costs one comparison.
+// Reads through a small buffer: headers are parsed byte by byte, and each byte costs one comparison.
 #include "zqx/pictures/bytes/ByteReader.h"
 
 #include <limits>
@@ -70,7 +70,7 @@ std::string ByteReader::peek(std::size_t size) {
         while (text.size() < size) {
             text.push_back(static_cast<char>(next()));
         }
-    } catch (const NoMoreBytes&) { // as far as it goes
+    } catch (const NoMoreBytes&) { // fewer bytes are fine
     }
     mPlace = start;
     return text;

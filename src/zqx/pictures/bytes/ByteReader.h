@@ -1,4 +1,4 @@
-// Numbers out of files, of which nothing is believed.
+// Reads numbers and text from untrusted files.
 #pragma once
 
 #include <cstddef>
@@ -10,27 +10,28 @@
 
 namespace zqx::pictures {
 
-/// Thrown where a file has no such bytes, or where more of them were read than any honest header has.
+/// Thrown if a file ends too early or does not contain the expected bytes, or if more was read than any real header
+/// has.
 struct NoMoreBytes {};
 
-/// Reads the headers of a file: numbers of either byte order and text, one after the other from any place.
+/// Reads the headers of a file: numbers in either byte order and text, sequentially from any offset.
 ///
-/// Going to a place beyond the end shows when something is read there. What is loaded from the file in all is limited,
-/// so that a hostile one costs no more time than a large header.
+/// Seeking beyond the end is noticed only when something is read there. The total number of bytes loaded is limited, so
+/// that a hostile file takes no more time than a large header.
 class ByteReader {
 public:
     enum class Order { LITTLE, BIG };
 
-    /// More than any header has.
+    /// More than any real header has.
     static constexpr std::uint64_t HEADER_LIMIT = std::uint64_t{16} << 20U;
 
-    /// @param limit of the bytes that are loaded in all
+    /// @param limit on the total number of bytes loaded
     explicit ByteReader(InputFile& file, Order order = Order::BIG, std::uint64_t limit = HEADER_LIMIT)
         : mFile(file), mOrder(order), mLimit(limit) {}
 
     std::uint64_t place() const { return mPlace; }
     void seek(std::uint64_t place) { mPlace = place; }
-    /// Sums that no file reaches end at the largest number.
+    /// Moves on; saturates instead of overflowing.
     void skip(std::uint64_t count);
 
     Order order() const { return mOrder; }
@@ -41,15 +42,14 @@ public:
     std::uint64_t big(std::size_t size);
     std::uint64_t little(std::size_t size);
 
-    /// As many bytes. @throws NoMoreBytes
+    /// A number of bytes. @throws NoMoreBytes
     std::string text(std::size_t size);
-    /// Up to so many bytes, without moving on.
+    /// Up to a number of bytes, without moving on.
     std::string peek(std::size_t size);
-    /// The bytes before the next zero, which is passed over. @throws NoMoreBytes also where they are more than the
-    /// limit
+    /// A zero-terminated text; the zero is skipped. @throws NoMoreBytes also if the text is longer than the limit
     std::string textUpToZero(std::size_t limit);
 
-    /// Passes over these bytes. @throws NoMoreBytes where there are others
+    /// Skips bytes that must be there. @throws NoMoreBytes if there are others
     void expect(std::string_view bytes);
 
 private:

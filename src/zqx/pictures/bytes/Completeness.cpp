@@ -1,4 +1,4 @@
-// Stored sizes are added up; runs are counted without keeping what they stand for.
+// Adds up stored sizes, and counts run lengths without decoding their pixels.
 #include "zqx/pictures/bytes/Completeness.h"
 
 #include <algorithm>
@@ -17,7 +17,7 @@ Completeness completeIf(bool complete) {
     return complete ? Completeness::COMPLETE : Completeness::CUT_SHORT;
 }
 
-/// Runs of a byte: the two upper bits announce a count in the other six.
+/// Run-length encoding: if the two upper bits of a byte are set, the other six are the length of a run.
 Completeness checkPcx(ByteReader& reader) {
     constexpr std::uint64_t HEADER = 128;
     constexpr std::uint64_t RUN = 0xC0;
@@ -52,7 +52,7 @@ Completeness checkPcx(ByteReader& reader) {
     return Completeness::COMPLETE;
 }
 
-/// Packets of pixels: the upper bit announces a run of one, the other seven its length less 1.
+/// Skips run-length packets: the upper bit marks a run of one pixel, the other seven bits are the length minus 1.
 void skipTargaPackets(ByteReader& reader, std::uint64_t pixels, std::uint64_t pixelSize) {
     while (pixels > 0) {
         const std::uint64_t packet = reader.little(1);
@@ -64,7 +64,7 @@ void skipTargaPackets(ByteReader& reader, std::uint64_t pixels, std::uint64_t pi
 }
 
 Completeness checkTarga(ByteReader& reader, std::uint64_t fileSize) {
-    constexpr std::uint64_t RUNS = 8; // added to the kind of picture
+    constexpr std::uint64_t RUNS = 8; // flag in the image type: run-length encoded
     const std::uint64_t identification = reader.little(1);
     const bool mapped = reader.little(1) != 0;
     const std::uint64_t kind = reader.little(1);
@@ -102,7 +102,7 @@ Completeness checkDds(ByteReader& reader, std::uint64_t fileSize) {
     return completeIf(fileSize >= HEADER && (fileSize - HEADER) / unitSize >= units);
 }
 
-/// Icons are listed with their places. Only the first is decoded.
+/// A directory lists the icons with their offsets; only the first one is decoded.
 Completeness checkIco(ByteReader& reader, std::uint64_t fileSize) {
     reader.seek(14);
     const std::uint64_t size = reader.little(4);
@@ -112,7 +112,7 @@ Completeness checkIco(ByteReader& reader, std::uint64_t fileSize) {
 
 Completeness checkWbmp(ByteReader& reader, const Header& header, std::uint64_t fileSize) {
     reader.skip(2);
-    for (int number = 0; number < 2; ++number) { // width and height, of any number of bytes
+    for (int number = 0; number < 2; ++number) { // width and height, variable-length integers
         while ((reader.big(1) & 0x80U) != 0) {
         }
     }
@@ -120,12 +120,12 @@ Completeness checkWbmp(ByteReader& reader, const Header& header, std::uint64_t f
     return completeIf(fileSize - std::min(reader.place(), fileSize) >= rowSize * header.info.height);
 }
 
-/// Bits of an LZW code stream in GIF's blocks of up to 255 bytes, the lowest first.
+/// Reads LZW codes, least significant bit first, from GIF data blocks of up to 255 bytes.
 class GifCodes {
 public:
     explicit GifCodes(ByteReader& reader) : mReader(reader) {}
 
-    /// False at the end of the blocks.
+    /// Reads a code; false at the end of the blocks.
     bool take(unsigned bits, unsigned& code) {
         while (mCount < bits) {
             if (mLeft == 0) {
@@ -145,7 +145,7 @@ public:
         return true;
     }
 
-    /// Passes over what is left of the blocks.
+    /// Skips the remaining blocks.
     void finish() {
         while (!mEnded) {
             mReader.skip(mLeft);
@@ -162,7 +162,7 @@ private:
     bool mEnded = false;
 };
 
-/// Counts the pixels of an LZW stream by the lengths of its codes.
+/// Counts the pixels in an LZW stream from the lengths of its strings, without decoding them.
 class GifPixels {
 public:
     GifPixels(ByteReader& reader, unsigned codeBits)
@@ -170,7 +170,7 @@ public:
         clear();
     }
 
-    /// True when there are as many.
+    /// Whether the stream has at least this many pixels.
     bool has(std::uint64_t pixels) {
         std::uint64_t made = 0;
         unsigned code = 0;
@@ -196,7 +196,7 @@ private:
         mPrevious = 0;
     }
 
-    /// False for a code that cannot occur here.
+    /// Counts the pixels of a code; false if the code is invalid.
     bool add(unsigned code, std::uint64_t& made) {
         if (code > mNext || (code == mNext && mPrevious == 0) || (code > mClear && mPrevious == 0)) {
             return false;
@@ -218,14 +218,14 @@ private:
     unsigned mFirstBits;
     unsigned mBits = 0;
     unsigned mNext = 0;
-    std::uint32_t mPrevious = 0; // length of the last code's pixels; 0 for none
+    std::uint32_t mPrevious = 0; // pixels of the previous code; 0 for none
     std::array<std::uint32_t, MOST_CODES> mLengths{};
 };
 
 Completeness checkGif(ByteReader& reader, const Header& header) {
     constexpr unsigned MOST_BITS = 11;
     findFirstGifFrame(reader);
-    reader.skip(8); // place and size
+    reader.skip(8); // position and size
     skipGifColors(reader, reader.big(1));
     const auto bits = static_cast<unsigned>(reader.big(1));
     if (bits == 0 || bits > MOST_BITS) {
@@ -241,7 +241,9 @@ Completeness checkAs(ByteReader& reader, const Header& header, std::uint64_t fil
     case FileFormat::ICO: return checkIco(reader, fileSize);
     case FileFormat::PCX: return checkPcx(reader);
     case FileFormat::TARGA: return checkTarga(reader, fileSize);
-    case FileFormat::TIFF: return completeIf(!header.tiff.floats || header.dataEnd <= fileSize); // others are checked
+    case FileFormat::TIFF:
+        return completeIf(!header.tiff.floats ||
+                          header.dataEnd <= fileSize); // other samples are checked by the decoder
     case FileFormat::WBMP: return checkWbmp(reader, header, fileSize);
     default: return Completeness::COMPLETE;
     }

@@ -1,4 +1,4 @@
-// Files that end early, of the formats whose decoders fill up what is missing without a word.
+// Detection of truncated files in formats whose decoders silently fill in missing pixels.
 #pragma once
 
 #include "zqx/pictures/bytes/Probe.h"
@@ -6,13 +6,13 @@
 namespace zqx::pictures {
 
 enum class Completeness {
-    COMPLETE, ///< or a file of which this cannot be told: the decoder has the last word
+    COMPLETE, ///< or unknown, in which case the decoder has the last word
     CUT_SHORT,
     DAMAGED,
 };
 
-/// Whether a file has all the pixels that its header promises: GIF, PCX, Targa, DDS, ICO, WBMP and TIFF files. Reads
-/// compressed pixels once, in linear time.
+/// Whether a file has all the pixels that its header announces, for GIF, PCX, Targa, DDS, ICO, WBMP and TIFF.
+/// Compressed pixels are read once, in linear time.
 Completeness checkCompleteness(InputFile& file, const Header& header);
 
 } // namespace zqx::pictures

@@ -1,4 +1,4 @@
-// Formats of chunks, blocks and boxes, which may hold more than one picture.
+// Headers of container formats, made of chunks, blocks or boxes, which may contain more than one picture.
 #include <algorithm>
 #include <iterator>
 
@@ -16,7 +16,7 @@ void skipGifBlocks(ByteReader& reader) {
     }
 }
 
-/// Goes to the next frame. False at the end of the file's pictures.
+/// Moves to the next frame; false if there is none.
 bool findGifFrame(ByteReader& reader) {
     for (int i = 0; i < MOST_PARTS; ++i) {
         const std::uint64_t kind = reader.big(1);
@@ -26,13 +26,13 @@ bool findGifFrame(ByteReader& reader) {
         if (kind != '!') {
             return false;
         }
-        reader.skip(1); // what the extension is about
+        reader.skip(1); // type of the extension
         skipGifBlocks(reader);
     }
     return false;
 }
 
-/// Sixteen bits each, seven bits a byte in between.
+/// Frame tag and start code, then width and height of 14 bits each with a scale in the upper two bits.
 void readVp8Lossy(ByteReader& reader, Header& header) {
     reader.skip(6);
     const std::uint64_t width = reader.little(2) & 0x3FFFU;
@@ -54,7 +54,7 @@ void readVp8Extended(ByteReader& reader, Header& header) {
     header.info.severalPictures = (flags & ANIMATION) != 0;
 }
 
-/// Attributes with a name, a type and a size each, up to an empty name.
+/// Reads attributes, each with a name, a type and a size, up to an empty name.
 class ExrReader {
 public:
     explicit ExrReader(ByteReader& reader) : mReader(reader) {}
@@ -92,7 +92,7 @@ private:
         return count;
     }
 
-    /// Two corners, which both belong to the picture.
+    /// Reads the two corners, which are inclusive.
     void readWindow() {
         const std::uint64_t left = mReader.little(4);
         const std::uint64_t top = mReader.little(4);
@@ -110,7 +110,7 @@ private:
 
 } // namespace
 
-/// Chunks up to the pixels: an animation is announced before them.
+/// Reads the chunks before the pixels, among which an animation is announced.
 void readPngHeader(ByteReader& reader, Header& header) {
     constexpr unsigned CHANNELS[] = {1, 0, 3, 4, 4, 0, 4}; // a palette may be transparent; grey with alpha becomes RGBA
     reader.expect("\x89PNG\r\n\x1A\n");
@@ -139,7 +139,7 @@ void readMngHeader(ByteReader& reader, Header& header) {
     reader.expect("MHDR");
     const std::uint64_t width = reader.big(4);
     setPixels(header, width, reader.big(4), 4, 8);
-    header.info.severalPictures = true; // what it is for
+    header.info.severalPictures = true; // it is an animation format
 }
 
 void readJngHeader(ByteReader& reader, Header& header) {
@@ -167,7 +167,7 @@ void findFirstGifFrame(ByteReader& reader) {
     }
 }
 
-/// The first frame's size, which is what the decoder makes. The screen's in the header need not have to do with it.
+/// Reads the size of the first frame, which is the one decoded. The screen size in the header may differ from it.
 void readGifHeader(ByteReader& reader, Header& header) {
     findFirstGifFrame(reader);
     reader.skip(4);
@@ -194,7 +194,7 @@ void readWebpHeader(ByteReader& reader, Header& header) {
     }
 }
 
-/// Header, colour map, resources, then layers, of which the decoder takes the picture that they make together.
+/// Header, colour map, resources, then layers. The decoder reads the merged picture only.
 void readPsdHeader(ByteReader& reader, Header& header) {
     constexpr std::uint64_t RESERVED = 6;
     reader.expect("8BPS");
@@ -207,7 +207,8 @@ void readPsdHeader(ByteReader& reader, Header& header) {
     reader.skip(reader.big(4));
     reader.skip(reader.big(4));
     if (reader.big(4) > 0 && reader.big(4) > 0) {
-        const std::uint64_t count = reader.big(2); // negative where the first of the spare channels is transparency
+        const std::uint64_t count =
+            reader.big(2); // negative if the first extra channel is the transparency of the merged picture
         header.info.severalPictures = std::min(count, 0x10000 - count) > 1;
     }
 }
@@ -219,7 +220,7 @@ void readExrHeader(ByteReader& reader, Header& header) {
     ExrReader(reader).read(header);
 }
 
-/// ISO/IEC 15444-1, A.5.1: the reference grid, of which the picture is what lies right of and below its offset.
+/// ISO/IEC 15444-1, A.5.1: the picture is the part of the reference grid to the right of and below its offset.
 void readCodestreamHeader(ByteReader& reader, Header& header) {
     reader.expect("\xFF\x4F\xFF\x51");
     reader.skip(4);
@@ -235,7 +236,7 @@ void readCodestreamHeader(ByteReader& reader, Header& header) {
     }
 }
 
-/// The codestream's size counts, not that of the file's own header: it is what gets decoded.
+/// Uses the size in the codestream, which is the one decoded, rather than that in the image header box.
 void readJp2Header(ByteReader& reader, Header& header) {
     for (int i = 0; i < MOST_PARTS; ++i) {
         const std::uint64_t start = reader.place();

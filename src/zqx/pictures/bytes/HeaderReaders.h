@@ -1,4 +1,4 @@
-// The readers of single formats. Each is handed a header without numbers and fills in those of its file.
+// The header readers of the formats. Each is given an empty header and fills in what its file says.
 #pragma once
 
 #include "zqx/pictures/bytes/ByteReader.h"
@@ -6,10 +6,11 @@
 
 namespace zqx::pictures {
 
-/// Files have a few dozen segments, boxes, chunks or directory entries. Whoever has more does not mean well.
+/// Real files have a few dozen segments, boxes, chunks or directory entries; one with more than this is probably
+/// hostile.
 constexpr int MOST_PARTS = 4096;
 
-/// All @throws NoMoreBytes where the file ends early or is none of theirs; what was found before stays.
+/// All @throws NoMoreBytes if the file ends early or has another format; what was found up to there is kept.
 void readJpegHeader(ByteReader& reader, Header& header);
 void readTiffHeader(ByteReader& reader, Header& header);
 void readPngHeader(ByteReader& reader, Header& header);
@@ -22,15 +23,15 @@ void readExrHeader(ByteReader& reader, Header& header);
 void readJp2Header(ByteReader& reader, Header& header);
 void readCodestreamHeader(ByteReader& reader, Header& header);
 
-/// Goes behind the comma that announces the first frame of a GIF file. @throws NoMoreBytes where there is none
+/// Moves past the comma that introduces the first frame of a GIF file. @throws NoMoreBytes if there is none
 void findFirstGifFrame(ByteReader& reader);
-/// Passes over a table of colours, if the flags announce one.
+/// Skips a colour table if the flags announce one.
 void skipGifColors(ByteReader& reader, std::uint64_t flags);
 
-/// The orientation in a TIFF structure that begins at a place of the file, as Exif blocks do; 1 where it says none.
+/// The orientation in a TIFF structure, such as an Exif block, at an offset in the file; 1 if it gives none.
 int readTiffOrientation(ByteReader& reader, std::uint64_t base);
 
-/// Fills in the size and what a pixel is.
+/// Fills in the size and the samples of a pixel, unless they make no sense.
 inline void setPixels(Header& header, std::uint64_t width, std::uint64_t height, std::uint64_t channels,
                       std::uint64_t bitsPerChannel) {
     constexpr std::uint64_t LARGEST = 0xFFFFFFFF;

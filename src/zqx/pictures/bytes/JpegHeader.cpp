@@ -1,4 +1,4 @@
-// JPEG, ITU-T T.81: markers with segments, up to the first scan (B.1.1.3 and B.2.2).
+// JPEG, ITU-T T.81 (B.1.1.3 and B.2.2): markers with segments, up to the first scan.
 #include <algorithm>
 #include <string_view>
 
@@ -37,7 +37,7 @@ bool contains(std::string_view text, std::string_view words) {
     return text.find(words) != std::string_view::npos;
 }
 
-/// A block that leads nowhere is no reason to give the rest of the header up.
+/// A broken Exif block is no reason to give up the rest of the header.
 int readExifOrientation(ByteReader& reader) {
     constexpr std::uint64_t SIGNATURE_SIZE = 6;
     try {
@@ -47,7 +47,7 @@ int readExifOrientation(ByteReader& reader) {
     }
 }
 
-/// What an application segment announces that nobody here carries over. @param reader stands behind its length
+/// Notes the orientation, and content that would be lost. @param reader at the content of an application segment
 void noteExtras(std::uint64_t marker, ByteReader& reader, std::size_t size, Header& header) {
     using namespace std::string_view_literals;
     constexpr std::size_t SIGNATURE_SIZE = 40;

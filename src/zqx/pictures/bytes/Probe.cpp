@@ -1,4 +1,4 @@
-// Which reader is for which format, and the readers of the simple ones.
+// The table of header readers, and the readers of the simple formats.
 #include "zqx/pictures/bytes/Probe.h"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ void readBmp(ByteReader& reader, Header& header) {
     setPixels(header, width, static_cast<std::uint64_t>(std::abs(std::int64_t{height})), bitsPerPixel == 32 ? 4 : 3, 8);
 }
 
-/// Any number of icons, the first of which is decoded. A side of 0 stands for 256.
+/// A file has any number of icons, of which the first one is decoded. A side of 0 means 256.
 void readIco(ByteReader& reader, Header& header) {
     reader.skip(4);
     header.info.severalPictures = reader.little(2) > 1;
@@ -85,7 +85,7 @@ void readTarga(ByteReader& reader, Header& header) {
     setPixels(header, width, height, reader.little(1) == 32 ? 4 : 3, 8);
 }
 
-/// Seven bits a byte, the last one without the eighth.
+/// A variable-length integer: seven bits per byte, the eighth bit is set in all bytes but the last.
 std::uint64_t readVariable(ByteReader& reader) {
     std::uint64_t value = 0;
     for (int i = 0; i < 4; ++i) {
@@ -119,7 +119,7 @@ char nextCharacter(ByteReader& reader) {
     return static_cast<char>(reader.big(1));
 }
 
-/// The next number, after white space and comments and with the character behind it.
+/// Reads the next number after white space and comments, and the character behind it.
 std::uint64_t takeNumber(ByteReader& reader) {
     constexpr std::uint64_t TOO_LARGE = std::uint64_t{1} << 40U;
     char c = nextCharacter(reader);
@@ -149,7 +149,7 @@ void readPortableMap(ByteReader& reader, Header& header) {
     setPixels(header, width, height, kind == '3' || kind == '6' ? 3 : 1, wide ? 16 : 8);
 }
 
-/// Radiance: the line after the empty one is "-Y height +X width".
+/// Radiance: an empty line ends the header, followed by "-Y height +X width".
 void readRadiance(ByteReader& reader, Header& header) {
     reader.expect("#?");
     for (char last = nextCharacter(reader), c = nextCharacter(reader); last != '\n' || c != '\n';) {
@@ -255,7 +255,7 @@ Header probeAs(InputFile& file, FileFormat format) {
         ByteReader reader(file);
         try {
             read(reader, header);
-        } catch (const NoMoreBytes&) { // what was found before stays
+        } catch (const NoMoreBytes&) { // what was found up to there is kept
         }
     }
     return header;
@@ -263,7 +263,7 @@ Header probeAs(InputFile& file, FileFormat format) {
 
 Header probe(InputFile& file) {
     const FileFormat named = formatOfName(file.name());
-    if (named == FileFormat::RAW) { // whose content looks like that of a TIFF file with a small picture
+    if (named == FileFormat::RAW) { // their content looks like a TIFF file with a small picture
         return probeAs(file, named);
     }
     const FileFormat format = formatOfContent(file);

@@ -1,4 +1,4 @@
-// The one reader of picture headers. Whoever wants to know something of a file before its pixels asks it once.
+// The one place where picture headers are read, before any decoder is involved.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace zqx::pictures {
 
-/// The fields of a TIFF directory that say what a sample is.
+/// The fields of a TIFF directory that describe its samples.
 struct TiffSamples {
     unsigned bits = 1;
     unsigned perPixel = 1;
@@ -17,23 +17,24 @@ struct TiffSamples {
     bool premultiplied = false;
 };
 
-/// What is to be known of a file before it is decoded.
+/// Everything that is known about a file before it is decoded.
 struct Header {
     HeaderInfo info;
     TiffSamples tiff;              ///< of TIFF files
-    std::uint64_t dataEnd = 0;     ///< where the last of its pixels end, of TIFF files; 0 where unknown
-    int orientation = 1;           ///< as Exif numbers it, of TIFF and JPEG files
-    std::vector<std::string> lost; ///< what the file holds beside the picture and nobody here reads: "a gain map"
+    std::uint64_t dataEnd = 0;     ///< end of the pixel data in a TIFF file; 0 if unknown
+    int orientation = 1;           ///< Exif orientation of TIFF and JPEG files
+    std::vector<std::string> lost; ///< content that is not read, such as "a gain map"
 };
 
-/// Reads the header of a file: little of it and in linear time, whatever it says. No decoder is asked, so it does no
-/// harm to look at files of strangers. What makes no sense is left at 0: the decoder will say more of it.
+/// Reads the header of a file. Whatever it says, only a limited part of the file is read, in linear time. No decoder is
+/// involved, so this is safe for untrusted files. Values that make no sense are left at 0; decoding will report the
+/// problem.
 Header probe(InputFile& file);
 
-/// The same for a file whose format is known.
+/// Reads the header of a file of a known format.
 Header probeAs(InputFile& file, FileFormat format);
 
-/// True for the formats whose headers are read here.
+/// Whether headers of a format are read here.
 bool isProbed(FileFormat format);
 
 } // namespace zqx::pictures

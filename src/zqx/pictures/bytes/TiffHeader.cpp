@@ -1,5 +1,5 @@
-// TIFF 6.0: a header of 8 bytes leads to the first directory, whose entries of 12 bytes are tag, type, count and value.
-// BigTIFF has longer numbers. JPEG XR files have directories of the same kind.
+// TIFF 6.0: a header of 8 bytes points to the first directory, whose entries of 12 bytes are tag, type, count and
+// value. BigTIFF has wider offsets and counts. JPEG XR files have directories of the same kind.
 #include <algorithm>
 #include <limits>
 #include <vector>
@@ -30,19 +30,19 @@ constexpr std::uint64_t IEEE_FLOAT = 3;
 constexpr std::uint64_t ASSOCIATED_ALPHA = 1;
 constexpr std::uint64_t REDUCED_RESOLUTION = 1;
 
-/// Numbers that an entry refers to.
+/// The values of an entry.
 struct Array {
     std::uint64_t place = 0;
     std::uint64_t count = 0;
-    std::size_t size = 0; ///< of a number
+    std::size_t size = 0; ///< bytes per value
 };
 
-/// What a directory says of its picture.
+/// What a directory says about its picture.
 struct Directory {
     std::uint64_t width = 0;
     std::uint64_t height = 0;
     bool palette = false;
-    bool reduced = false; ///< a smaller version of another one
+    bool reduced = false; ///< a reduced version of another picture
     int orientation = 1;
     TiffSamples samples;
     Array offsets; ///< of strips or tiles
@@ -83,7 +83,7 @@ public:
         return directory;
     }
 
-    /// Where the last strip or tile of a picture ends; 0 where that is not to be known.
+    /// The end of the last strip or tile of a picture; 0 if unknown.
     std::uint64_t dataEnd(const Directory& directory) {
         if (directory.offsets.count != directory.sizes.count || directory.offsets.count > MOST_STRIPS) {
             return 0;
@@ -118,7 +118,7 @@ private:
         case SHORT: return 2;
         case LONG: return 4;
         case LONG8: return 8;
-        default: return 0; // nothing that matters here
+        default: return 0; // of no interest here
         }
     }
 
@@ -129,7 +129,7 @@ private:
             return;
         }
         Array values{0, mReader.number(mWordSize), size};
-        if (values.count > mWordSize / size) { // for which the entry has no room: they are stored elsewhere
+        if (values.count > mWordSize / size) { // they do not fit into the entry and are stored elsewhere
             mReader.seek(mBase + mReader.number(mWordSize));
         }
         values.place = mReader.place();
@@ -138,7 +138,7 @@ private:
         case TILE_OFFSETS: directory.offsets = values; break;
         case STRIP_BYTE_COUNTS:
         case TILE_BYTE_COUNTS: directory.sizes = values; break;
-        default: note(directory, tag, mReader.number(size)); break; // the first of them will do
+        default: note(directory, tag, mReader.number(size)); break; // the first value will do
         }
     }
 
@@ -173,7 +173,7 @@ unsigned decodedChannels(const Directory& directory) {
 } // namespace
 
 void readTiffHeader(ByteReader& reader, Header& header) {
-    constexpr int MOST_DIRECTORIES = 64; // a chain may be a ring
+    constexpr int MOST_DIRECTORIES = 64; // a chain of directories may be circular
     TiffReader tiff(reader);
     const Directory first = tiff.readDirectory(tiff.first());
     header.tiff = first.samples;

@@ -1,5 +1,5 @@
-// OpenEXR defines colour as multiplied by alpha, "associated" or "premultiplied". A pixel whose alpha is 0 may hold
-// colour all the same: light without a surface, as of a flame. There is nothing to divide it by; it keeps its numbers.
+// OpenEXR defines colour as premultiplied ("associated") alpha. A pixel with alpha 0 may still have colour, for example
+// the light of a flame: there is nothing to divide it by, and it keeps its values.
 #include "zqx/pictures/codecs/Alpha.h"
 
 #include <cstddef>
@@ -45,7 +45,7 @@ void premultiply(img::Image& image, bool keepLight) {
     });
 }
 
-/// Other pictures are never premultiplied.
+/// Pictures in other formats are never premultiplied.
 bool isRgbaFloat(const img::Image& image) {
     return image.getFormat() == img::Image::RGBA32F;
 }

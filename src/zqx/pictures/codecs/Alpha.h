@@ -1,4 +1,4 @@
-// Colours multiplied by alpha. The program works with straight alpha; some files hold the other kind.
+// Conversion between straight and premultiplied alpha: operations want straight alpha, some files store the other kind.
 #pragma once
 
 #include "zqx/pictures/Export.h"
@@ -7,18 +7,18 @@
 
 namespace zqx::pictures {
 
-/// Brings the colours of a source into what is best for one target: a picture whose file holds premultiplied colour is
-/// unpremultiplied where the target keeps alpha and either wants it straight or gets other colours. For an opaque
-/// target it stays as it is, which is how it looks in front of black. Other pictures are not touched.
+/// Prepares the colours of a source for one target. A premultiplied picture is unpremultiplied if the target keeps
+/// alpha and either stores it straight or gets changed colours. For an opaque target it stays premultiplied, which is
+/// how it looks over black. Other pictures are not changed.
 /// @param layout of the target
-/// @param recolored false when pixels only move: then a premultiplied file gets back the very numbers
+/// @param recolored false if pixels are at most moved: a premultiplied file then gets back exactly the same values
 ZQX_PICTURES_EXPORT void prepareAlpha(Picture& source, FileFormat format, SampleLayout layout, bool recolored);
 
-/// Brings the colours of a picture into straight ones, for operations that want those. Where alpha is 0, colour stays.
+/// Unpremultiplies a picture if necessary, for operations that need straight alpha. Where alpha is 0, colours are kept.
 ZQX_PICTURES_EXPORT void straightenAlpha(Picture& picture);
 
-/// Premultiplies rendered pixels where their file format asks for that.
-/// @param original the picture that they were made from
+/// Premultiplies rendered pixels if their file format requires it.
+/// @param original the picture from which they were rendered
 void finishAlpha(img::Image& image, FileFormat format, SampleLayout layout, const Picture& original);
 
 } // namespace zqx::pictures

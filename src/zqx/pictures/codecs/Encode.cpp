@@ -1,4 +1,4 @@
-// Rendered pixels into files, in the layout and with the metadata that the file format can hold.
+// Encodes rendered pixels in a layout, and with the metadata, that the file format can store.
 #include "zqx/pictures/codecs/Encode.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ namespace zqx::pictures {
 
 namespace {
 
-/// True when any pixel is as asked for. @param predicate of the samples of a pixel
+/// Whether any pixel satisfies a predicate. @param predicate takes the samples of a pixel
 template <typename Sample, typename Predicate>
 bool anyPixel(const img::Image& image, const Predicate& predicate) {
     const std::size_t channels = image.getBytePixelStride() / sizeof(Sample);
@@ -33,7 +33,7 @@ bool anyPixel(const img::Image& image, const Predicate& predicate) {
     return false;
 }
 
-/// False for a picture whose alpha is the same as having none.
+/// Whether any pixel is not fully opaque.
 bool isTransparent(const img::Image& image) {
     return image.hasFloatFormat()
                ? anyPixel<float>(image, [](std::span<const float> pixel) { return pixel.back() != 1.0F; })
@@ -41,7 +41,8 @@ bool isTransparent(const img::Image& image) {
                                          [](std::span<const unsigned char> pixel) { return pixel.back() != 255; });
 }
 
-/// True for what a Radiance file keeps: three mantissas of 8 bits with the exponent of the largest.
+/// Whether a Radiance file stores the values exactly: three 8-bit mantissas that share the exponent of the largest
+/// value.
 bool fitsSharedExponent(float red, float green, float blue) {
     constexpr int MANTISSA_BITS = 8;
     int exponent = 0;
@@ -77,7 +78,7 @@ void warnOfLostDepth(const std::string& name, const Picture& source, SampleLayou
                    (floats ? ".exr or .tif to keep floats" : ".png or .tif to keep 16 bits"));
 }
 
-/// Pixels as the encoder takes them, whatever order their channels have.
+/// The pixels in the format that the encoder expects; only the order of the channels may differ.
 PixelBuffer inWorkingFormat(PixelBuffer pixels, SampleLayout layout) {
     if (pixels.image().getFormat() == workingFormat(layout)) {
         return pixels;
@@ -108,7 +109,7 @@ void encodePicture(OutputFile& file, const std::string& name, FileFormat format,
     const Metadata metadata = metadataFor(name, format, layout, original.stored, options.stripped(original.metadata));
     const unsigned width = pixels.width();
     const unsigned height = pixels.height();
-    // A storage failure is told by the file itself, which knows the reason.
+    // Failures to write are reported by the file itself, which knows the reason.
     encodeByFreeImage(name, format, std::move(pixels), layout, options.quality, metadata,
                       [&](std::string_view encoded) {
                           writeWithMetadata(name, encoded, metadata, width, height,

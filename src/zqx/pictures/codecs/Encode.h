@@ -1,4 +1,4 @@
-// Pictures into files.
+// Encoding of rendered pixels into picture files.
 #pragma once
 
 #include <string>
@@ -11,14 +11,14 @@
 
 namespace zqx::pictures {
 
-/// Warns of what a layout cannot keep of a picture, and says what would.
+/// Warns about what a picture loses in a layout, and suggests a format that would keep it.
 /// @param name the file to be written
 /// @param layout of that file
 ZQX_PICTURES_EXPORT void warnOfLosses(const std::string& name, const Picture& source, SampleLayout layout);
 
-/// Encodes rendered pixels, with the profile, resolution and metadata of the picture that they were made from.
-/// @param pixels in the working layout of the layout; used up
-/// @param original may have given its own pixels up
+/// Encodes rendered pixels, with the profile, resolution and metadata of the picture from which they were rendered.
+/// @param pixels in the working layout of the layout; consumed
+/// @param original its own pixels are not needed any more
 /// @throws Error naming the file
 ZQX_PICTURES_EXPORT void encodePicture(OutputFile& file, const std::string& name, FileFormat format, PixelBuffer pixels,
                                        SampleLayout layout, const Picture& original, const WriteOptions& options);

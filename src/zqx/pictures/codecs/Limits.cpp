@@ -1,4 +1,4 @@
-// Refusals of pictures that are too large.
+// Enforcement of the size limits.
 #include "zqx/pictures/codecs/Limits.h"
 
 #include "zqx/pictures/files/Error.h"
@@ -27,7 +27,7 @@ void checkPictureSize(const std::string& name, std::uint64_t width, std::uint64_
     if (height > limits.height) {
         refuse(name, "is " + std::to_string(height) + " pixels high", std::to_string(limits.height), "--max-height");
     }
-    if (width * height > limits.pixels) { // of which neither is beyond 32 bits
+    if (width * height > limits.pixels) { // no overflow: neither has more than 32 bits
         refuse(name, "has " + std::to_string(width * height) + " pixels", std::to_string(limits.pixels),
                "--max-pixels");
     }

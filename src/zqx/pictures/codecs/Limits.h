@@ -1,4 +1,4 @@
-// Refusals of pictures that are too large.
+// Enforcement of the size limits.
 #pragma once
 
 #include <cstdint>

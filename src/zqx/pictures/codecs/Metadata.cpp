@@ -1,4 +1,4 @@
-// Profiles, comments and resolution: the part of the metadata that belongs to the pixels' encoding.
+// Colour profile, comments and resolution: the metadata that decoders and encoders handle themselves.
 #include "zqx/pictures/codecs/Metadata.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t PROFILE_HEADER_SIZE = 128;
 
-/// True for what begins as ICC.1 has it: with its own size, and the signature of profiles.
+/// Whether a block has the header of an ICC profile (ICC.1): its own size and the profile signature.
 bool isProfile(const std::vector<unsigned char>& block) {
     constexpr std::size_t SIGNATURE_OFFSET = 36;
     if (block.size() < PROFILE_HEADER_SIZE || std::memcmp(block.data() + SIGNATURE_OFFSET, "acsp", 4) != 0) {
@@ -27,14 +27,14 @@ bool isProfile(const std::vector<unsigned char>& block) {
     return size == block.size();
 }
 
-/// Profiles describe one colour space and one encoding of it; on other pixels they do harm.
+/// A profile describes one colour space in one encoding; attached to other pixels, it would change their colours.
 bool profileFits(const std::vector<unsigned char>& profile, SampleLayout stored, SampleLayout layout) {
     constexpr std::size_t COLOR_SPACE_OFFSET = 16;
     return isFloat(layout) == isFloat(stored) &&
            std::memcmp(profile.data() + COLOR_SPACE_OFFSET, hasColor(layout) ? "RGB " : "GRAY", 4) == 0;
 }
 
-/// Why a profile cannot go into a file; null where it can.
+/// Why a profile cannot be written to a file; null if it can.
 const char* obstacleForProfile(const std::vector<unsigned char>& profile, FileFormat format, SampleLayout layout,
                                SampleLayout stored) {
     if (!isProfile(profile)) {
@@ -49,7 +49,7 @@ const char* obstacleForProfile(const std::vector<unsigned char>& profile, FileFo
     return nullptr;
 }
 
-/// Takes what is before the next zero byte off a text.
+/// Removes a zero-terminated word from the front of a text.
 std::string takeWord(std::string_view& rest) {
     const std::size_t end = std::min(rest.find('\0'), rest.size());
     std::string word(rest.substr(0, end));

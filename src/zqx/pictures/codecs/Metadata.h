@@ -1,4 +1,4 @@
-// What of a source's metadata holds true for a file that is made of it.
+// Selects the metadata of a source that is still valid for a file written from it.
 #pragma once
 
 #include <string>
@@ -8,15 +8,15 @@
 
 namespace zqx::pictures {
 
-/// Adds what the decoder found to what was read from the file itself: comments, the colour profile where it found one,
-/// which is not so for PNG, and the resolution, unless only the Exif tags tell it.
+/// Adds what the decoder found to the metadata that was read from the file directly: comments, the colour profile if it
+/// found one (for PNG it does not), and the resolution, unless only Exif gives one.
 void completeMetadata(FileMetadata& source, const Metadata& decoded);
 
-/// The metadata that the encoder of a file is to put into it. Warns of what is left behind.
+/// The metadata to be written to a file. Warns about what is left out.
 /// @param name the file to be written
 /// @param layout of that file
-/// @param stored of the source file
-/// @param metadata what is wanted of the source's
+/// @param stored layout of the source file
+/// @param metadata of the source, as far as it is wanted
 Metadata metadataFor(const std::string& name, FileFormat format, SampleLayout layout, SampleLayout stored,
                      Metadata metadata);
 

@@ -1,4 +1,4 @@
-// Just enough knowledge of file formats to find their metadata without looking into it.
+// Knows just enough about the file formats to locate their metadata without parsing it.
 #include "zqx/pictures/codecs/MetadataMask.h"
 
 #include <algorithm>
@@ -11,16 +11,16 @@ namespace zqx::pictures {
 
 namespace {
 
-/// Real files have a few dozen segments, resources or entries. Whoever has more does not mean well.
+/// Real files have a few dozen segments, resources or entries; a file with more than this is probably hostile.
 constexpr int MAX_PARTS = 4096;
 
-/// An unsigned number at a place. @throws NoMoreBytes
+/// The unsigned number at an offset. @throws NoMoreBytes
 std::uint64_t numberAt(ByteReader& reader, std::uint64_t offset, std::size_t size) {
     reader.seek(offset);
     return reader.number(size);
 }
 
-/// The segments of Exif and XMP (APP1) and of Photoshop (APP13) begin with a signature, without which they are nothing.
+/// Exif and XMP (APP1) and Photoshop segments (APP13) begin with a signature; without it they are ignored.
 void maskJpeg(ByteReader& reader, ByteMask& mask) {
     constexpr std::uint64_t APP1 = 0xE1;
     constexpr std::uint64_t APP13 = 0xED;
@@ -46,7 +46,7 @@ void maskJpeg(ByteReader& reader, ByteMask& mask) {
     }
 }
 
-/// Both the chunk and the flag that announces it: a container that says more than it has is refused.
+/// Both the chunk and the flag that announces it: a container with a flag but no chunk would be refused.
 void maskWebp(ByteReader& reader, ByteMask& mask) {
     constexpr std::uint64_t FIRST_CHUNK = 12;
     constexpr std::uint64_t CHUNK_HEADER = 8;
@@ -66,7 +66,7 @@ void maskWebp(ByteReader& reader, ByteMask& mask) {
     }
 }
 
-/// Image resources get a number that stands for nothing.
+/// Changes the numbers of image resources to one that has no meaning.
 void maskPsd(ByteReader& reader, ByteMask& mask) {
     constexpr std::uint64_t HEADER = 26;
     constexpr std::uint64_t IPTC = 1028;
@@ -87,9 +87,9 @@ void maskPsd(ByteReader& reader, ByteMask& mask) {
     }
 }
 
-/// The orientation entry of the first directory becomes upright.
+/// Sets the orientation in the first directory to upright.
 void maskTiff(ByteReader& reader, ByteMask& mask) {
-    constexpr std::uint64_t VERSION = 42; // not 43, of the large files, whose metadata nobody here reads
+    constexpr std::uint64_t VERSION = 42; // not 43 of BigTIFF, whose metadata is not read at all
     constexpr std::uint64_t ORIENTATION = 0x0112;
     constexpr std::uint64_t ENTRY_SIZE = 12;
     constexpr std::uint64_t VALUE_OFFSET = 8;
@@ -108,8 +108,9 @@ void maskTiff(ByteReader& reader, ByteMask& mask) {
     }
 }
 
-/// The headers of 52 to 124 bytes add channel masks, which lie where the old header of 40 has them, and colour spaces.
-/// FreeImage refuses them; shown as old ones they are read. A palette then has to begin where the old header ends.
+/// Headers of 52 to 124 bytes add channel masks, which follow directly after the 40 bytes of the old header, and colour
+/// spaces. FreeImage refuses them but reads them when presented as old headers. A palette is then expected right behind
+/// the old header.
 void maskBmp(ByteReader& reader, ByteMask& mask) {
     constexpr std::uint64_t HEADER = 14;
     constexpr std::uint64_t OLD_SIZE = 40;
@@ -119,7 +120,7 @@ void maskBmp(ByteReader& reader, ByteMask& mask) {
     constexpr std::size_t BYTES_PER_COLOR = 4;
     const std::uint64_t size = numberAt(reader, HEADER, 4);
     const std::uint64_t bits = numberAt(reader, BITS, 2);
-    if (size < 52 || size > NEWEST_SIZE || size == 64) { // 64: another family, which FreeImage knows
+    if (size < 52 || size > NEWEST_SIZE || size == 64) { // 64: the OS/2 header, which FreeImage supports
         return;
     }
     mask.add(HEADER, std::string("\x28\0\0\0", 4));
@@ -147,7 +148,7 @@ ByteMask maskMetadata(InputFile& file, FileFormat format) {
         case FileFormat::TIFF: maskTiff(reader, mask); break;
         default: break;
         }
-    } catch (const NoMoreBytes&) { // what was found before is hidden
+    } catch (const NoMoreBytes&) { // whatever was found up to there is hidden
     }
     return mask;
 }

@@ -1,4 +1,4 @@
-// Keeps metadata away from the picture decoders.
+// Hides metadata from the picture decoders.
 #pragma once
 
 #include "zqx/pictures/FileFormat.h"
@@ -7,9 +7,9 @@
 
 namespace zqx::pictures {
 
-/// What hides from FreeImage the metadata that its own readers would take apart, which damaged files lead far out of
-/// bounds, the orientation that its TIFF decoder would act on for some kinds of samples and not for others, and the
-/// newer headers of BMP, which it refuses. Files of which no sense can be made are left to the decoder as they are.
+/// A mask that hides from FreeImage: metadata that its own parsers would read, since damaged files make them access
+/// memory out of bounds; the TIFF orientation, which it applies to some sample layouts only; and newer BMP headers,
+/// which it refuses. Files that cannot be parsed are passed on to the decoder as they are.
 ByteMask maskMetadata(InputFile& file, FileFormat format);
 
 } // namespace zqx::pictures

@@ -1,4 +1,4 @@
-// What can be refused before a decoder sees a file.
+// Checks that need no decoder.
 #include "zqx/pictures/codecs/PictureFile.h"
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-// A picture file between its opening and its decoding.
+// A picture file that has been opened but not decoded yet.
 #pragma once
 
 #include <string>
@@ -10,9 +10,10 @@
 
 namespace zqx::pictures {
 
-/// A file that was opened once, with what its header tells: limits, memory and decoding all go by the same.
+/// An open file with its header. Limits, memory estimates and decoding all use the same open file and header.
 struct ZQX_PICTURES_EXPORT PictureFile {
-    /// Opens a file and reads its header, without a decoder. @throws Error naming it, also where it is beyond a limit
+    /// Opens a file and reads its header, without a decoder.
+    /// @throws Error naming the file if it cannot be opened or exceeds a limit
     PictureFile(const std::string& name, const Limits& limits);
 
     /// The same for a file that is open already.
@@ -24,7 +25,7 @@ struct ZQX_PICTURES_EXPORT PictureFile {
     Header header;
 };
 
-/// @throws Error when a file with several pictures would be replaced by the first of them
+/// Refuses to replace a file with several pictures by the first of them. @throws Error
 /// @param input the picture that is read
 /// @param output the file to be written, which need not exist
 ZQX_PICTURES_EXPORT void checkReplacement(const PictureFile& input, const std::string& output);

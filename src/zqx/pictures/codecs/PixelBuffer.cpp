@@ -1,4 +1,4 @@
-// Memory of pictures.
+// Allocation and ownership of pixels.
 #include "zqx/pictures/PixelBuffer.h"
 
 #include <cstring>
@@ -9,7 +9,7 @@ namespace zqx::pictures {
 namespace {
 
 std::shared_ptr<img::Image> allocateBlack(std::size_t width, std::size_t height, SampleLayout layout) {
-    constexpr int ROW_ALIGNMENT = 4; // as FreeImage has it, which then takes the rows as they are
+    constexpr int ROW_ALIGNMENT = 4; // that of FreeImage, which can then use the rows without copying
     auto image = std::make_shared<img::Image>(width, height, workingFormat(layout), ROW_ALIGNMENT);
     std::memset(image->getDataPtr(), 0, image->getByteRowStride() * height);
     return image;

@@ -1,4 +1,4 @@
-// Who decodes a picture, where nobody said.
+// The default of isolated decoding.
 #include "zqx/pictures/Reader.h"
 
 #include "zqx/pictures/isolation/IsolatedDecoder.h"

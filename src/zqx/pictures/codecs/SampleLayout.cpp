@@ -1,4 +1,4 @@
-// The table of sample layouts, and which one to write instead of another that a file format cannot hold.
+// The table of sample layouts, and the substitutes for layouts that a file format cannot store.
 #include "zqx/pictures/SampleLayout.h"
 
 #include <span>
@@ -35,7 +35,7 @@ const LayoutInfo& infoOf(SampleLayout layout) {
     return INFOS[static_cast<std::size_t>(layout)];
 }
 
-/// What to write instead of a layout that a file format cannot hold, least loss first.
+/// Which layouts to write in place of one that a file format may not support, least loss first.
 std::span<const SampleLayout> preferences(SampleLayout wanted) {
     using enum SampleLayout;
     static constexpr SampleLayout FOR_GRAY8[] = {GRAY8, RGB8, GRAY32F, RGB32F};

@@ -1,4 +1,4 @@
-// writePicture(): a picture as it is, into a file.
+// writePicture(): writes a picture without adjusting it.
 #include <utility>
 
 #include "zqx/pictures/Writer.h"
@@ -25,7 +25,7 @@ void writePicture(const Picture& picture, const std::string& name, const WriteOp
     }
     const SampleLayout layout = chooseLayout(name, format, picture.stored);
     warnOfLosses(name, picture, layout);
-    Picture source; // whose pixels may change
+    Picture source; // a copy whose pixels may be changed
     source.pixels = copyOf(picture.image(), picture.pixels.layout());
     source.stored = picture.stored;
     source.alpha = picture.alpha;

@@ -1,4 +1,4 @@
-// What of a source's metadata is wanted.
+// Leaves out the metadata that is not wanted.
 #include "zqx/pictures/Writer.h"
 
 #include <algorithm>

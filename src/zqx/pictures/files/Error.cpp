@@ -1,4 +1,4 @@
-// Where warnings go.
+// Routing of warnings.
 #include "zqx/pictures/Diagnostics.h"
 
 #include <utility>

@@ -1,11 +1,11 @@
-// Errors and warnings, and how a program ends for them.
+// Errors and warnings, and the exit code of the program.
 #pragma once
 
 #include "zqx/pictures/Diagnostics.h"
 
 namespace zqx::pictures {
 
-/// Ends the program with an exit code of its own. All that there is to say has been said.
+/// Thrown to end the program with a specific exit code, after all messages have been printed.
 struct ExitCode {
     int value;
 };

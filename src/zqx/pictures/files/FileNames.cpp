@@ -1,4 +1,4 @@
-// char8_t is what makes std::filesystem take bytes for UTF-8 on every system.
+// std::filesystem takes strings of char8_t as UTF-8 on every system.
 #include "zqx/pictures/files/FileNames.h"
 
 namespace zqx::pictures {

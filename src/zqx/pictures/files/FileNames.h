@@ -1,4 +1,4 @@
-// File names are UTF-8 throughout; paths are what the system makes of them.
+// File names are UTF-8 throughout; paths have the encoding of the system.
 #pragma once
 
 #include <filesystem>
@@ -8,13 +8,13 @@
 
 namespace zqx::pictures {
 
-/// The path of a UTF-8 file name, on every system.
+/// Converts a UTF-8 file name to a path.
 ZQX_PICTURES_EXPORT std::filesystem::path toPath(const std::string& name);
 
-/// The UTF-8 name of a path, on every system. Where names are bytes, these are kept, also those that are not UTF-8.
+/// Converts a path to a UTF-8 name. On systems where names are bytes, these are kept even if they are not UTF-8.
 ZQX_PICTURES_EXPORT std::string toName(const std::filesystem::path& path);
 
-/// The folder that a file is in, "." for a name without one.
+/// The folder of a file; "." if the name has none.
 std::string folderOf(const std::string& name);
 
 } // namespace zqx::pictures

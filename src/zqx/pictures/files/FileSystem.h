@@ -1,5 +1,4 @@
-// What systems do differently with files. There is one source for each system; the rest of the folder is the same
-// everywhere.
+// File operations that differ between systems. There is one source for each system; the rest of the folder is portable.
 #pragma once
 
 #include <chrono>
@@ -18,35 +17,35 @@ using Stream = std::unique_ptr<std::FILE, CloseStream>;
 
 enum class FileKind { REGULAR, DIRECTORY, PIPE, SOCKET, DEVICE };
 
-/// A file that was opened for reading. What kind it is, the open file tells and not its name, which may mean another
-/// one by now.
+/// A file that was opened for reading. Its kind is that of the open file, not of its name, which may denote another
+/// file by now.
 struct OpenedFile {
     Stream stream; ///< none for directories and sockets
     FileKind kind = FileKind::REGULAR;
     std::uint64_t size = 0; ///< in bytes, of regular files
 };
 
-/// Opens a file without waiting for anybody, not even for the other end of a pipe.
+/// Opens a file without blocking, even if it is a pipe without a writer.
 OpenedFile openForReading(const std::string& name, std::error_code& failure);
 
-/// The same for a file that is open already. It is closed with the stream, and at once on a failure.
+/// The same for a descriptor that is open already. It is closed with the stream, or at once on a failure.
 OpenedFile adoptForReading(int descriptor, std::error_code& failure);
 
-/// A regular file as memory, which is read when it is looked at and outlives the stream; null where that cannot be had.
+/// Maps a regular file into memory, where it stays after the stream is closed. Null on failure.
 std::shared_ptr<const unsigned char> mapForReading(std::FILE* stream, std::uint64_t size);
 
-/// Waits until a pipe has something to read, or its last writer is gone.
+/// Waits until a pipe has data, or its last writer has closed it.
 void waitForInput(std::FILE* pipe);
 
-/// Positions beyond 2 GiB, whatever the width of long. False when the position cannot be reached.
+/// Like fseek, but beyond 2 GiB whatever the width of long. False on failure.
 bool seekStream(std::FILE* stream, std::int64_t offset, int origin);
-/// -1 for streams without positions.
+/// Like ftell, but beyond 2 GiB. -1 for streams that cannot seek.
 std::int64_t tellStream(std::FILE* stream);
 
-/// Creates a file that is not there yet, for writing, with the permissions of another file if that is there.
+/// Creates a new file for writing, with the permissions of the model if that file exists.
 Stream createFile(const std::string& name, const std::string& model, std::error_code& failure);
 
-/// Tells other processes that a temporary file is in use, for as long as this lives and this process does.
+/// Marks a temporary file as in use to other processes, until this object is destroyed or the process ends.
 class UseLock {
 public:
     UseLock() = default;
@@ -57,30 +56,30 @@ public:
     ~UseLock();
 
 private:
-    int mDescriptor = -1; // none where there is nothing to lock
+    int mDescriptor = -1; // -1 if there is no lock
 };
 
-/// Removes a regular file of this user that has not been written to for so long, and that nobody has locked.
+/// Removes a regular file of this user if it has not been modified for some time and no process has locked it.
 void removeIfAbandoned(const std::string& name, std::chrono::seconds age);
 
 void removeFile(const std::string& name);
 
-/// Writes what is buffered and waits until the device has it. False with errno on a failure.
+/// Flushes a stream to the device. False with errno on failure.
 bool storeDurably(std::FILE* stream);
 
-/// Waits until the device has the names in a folder. Systems that cannot do that succeed.
+/// Flushes the entries of a folder to the device. Succeeds on systems that cannot do this.
 std::error_code storeFolder(const std::string& folder);
 
-/// Whether the process may write a file, or, for a folder, make and rename files in it. False with errno.
+/// Whether the process may write a file or, for a folder, create and rename files in it. If not, errno says why.
 bool isWritable(const std::string& name, bool isFolder);
 
-/// Renames a file, replacing what has the name.
+/// Renames a file and replaces an existing one.
 std::error_code renameOver(const std::string& from, const std::string& to);
 
-/// Renames a file. std::errc::file_exists when the name is taken.
+/// Renames a file. std::errc::file_exists if the new name is taken.
 std::error_code renameToNew(const std::string& from, const std::string& to);
 
-/// Gives a file a second name.
+/// Creates a hard link.
 std::error_code linkFile(const std::string& name, const std::string& second);
 
 } // namespace zqx::pictures

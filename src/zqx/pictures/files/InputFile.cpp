@@ -1,4 +1,4 @@
-// One stream serves all readers; positions and kinds of files are the open file's, never those of its name.
+// All reads go through one stream; the kind and size are those of the open file, never of its name.
 #include "zqx/pictures/files/InputFile.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace zqx::pictures {
 
 namespace {
 
-/// What keeps a file of some kind from being read; nothing for those that can be.
+/// Why a kind of file cannot be read; null if it can.
 const char* obstacle(FileKind kind, InputFile::Source source) {
     switch (kind) {
     case FileKind::DIRECTORY: return "is a folder; name a file";

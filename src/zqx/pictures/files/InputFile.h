@@ -1,4 +1,4 @@
-// A file opened for reading, once: whole as text, or anywhere in it.
+// A file that is opened once for reading, either completely as text or at any offset.
 #pragma once
 
 #include <cstddef>
@@ -14,38 +14,38 @@
 
 namespace zqx::pictures {
 
-/// Holds an open file, so that all that is asked of it is asked of the same file, whatever becomes of its name.
+/// An open file. All operations refer to the same file, even if its name is changed in the meantime.
 class ZQX_PICTURES_EXPORT InputFile final : public ByteSource {
 public:
-    /// What may be behind a name. From a pipe, such as the shell's <(command), one reads once and in order.
+    /// What a name may denote. A pipe, such as the shell's <(command), can be read only once and in order.
     enum class Source { FILE_OR_PIPE, FILE_ONLY };
 
-    /// Opens without waiting for anybody. @throws Error naming the file when it is missing, cannot be read, or is a
-    /// directory, a socket, a device, or a pipe where a file is wanted
+    /// Opens a file without blocking. @throws Error naming the file if it is missing, cannot be read, or is a folder, a
+    /// socket, a device, or a pipe where a file is required
     explicit InputFile(const std::string& name, Source source = Source::FILE_OR_PIPE);
 
-    /// A file that is open already, and that this object closes.
+    /// Takes over an open descriptor, which is closed with this object.
     /// @param descriptor of a regular file
     /// @param name for messages
-    /// @throws Error naming the file when it is of another kind
+    /// @throws Error naming the file if it is of another kind
     InputFile(int descriptor, const std::string& name);
 
     const std::string& name() const override { return mName; }
 
-    /// For handing the open file to another process. It belongs to this object.
+    /// The stream, for passing the open file to another process. Owned by this object.
     std::FILE* stream() const { return mFile.stream.get(); }
 
-    /// The whole content, waiting for it where it comes from a pipe. @throws Error when there is more than the limit,
-    /// or when it cannot be read to its end
+    /// Reads the whole content, and blocks if it comes from a pipe. @throws Error if it is larger than the limit or
+    /// cannot be read completely
     std::string readText(std::size_t limit);
 
-    /// Bytes in the file when it was opened; 0 for a pipe.
+    /// Size of the file in bytes when it was opened; 0 for a pipe.
     std::uint64_t size() const override { return mFile.size; }
 
-    /// Up to so many bytes from a place in the file; fewer where it ends.
+    /// Reads bytes at an offset; fewer if the file ends before.
     std::string readAt(std::uint64_t offset, std::size_t count);
 
-    /// The same into given memory. @return how many bytes there were
+    /// Reads bytes at an offset into a buffer. @return the number of bytes read
     std::size_t readAt(std::uint64_t offset, std::span<char> bytes) {
         return readAt(offset, bytes.data(), bytes.size());
     }
@@ -53,7 +53,7 @@ public:
 
     std::shared_ptr<const unsigned char> map() const override;
 
-    /// Why the system could not read from the file, if it ever could not.
+    /// The error of the last failed read; none if all reads succeeded.
     const std::error_code& readFailure() const { return mReadFailure; }
 
 private:
@@ -64,8 +64,8 @@ private:
     std::error_code mReadFailure;
 };
 
-/// Opens a picture, in which decoders go back and forth.
-/// @throws Error as the constructor, also for pipes
+/// Opens a picture file. It must not be a pipe, since decoders seek.
+/// @throws Error like the constructor
 ZQX_PICTURES_EXPORT InputFile openPicture(const std::string& name);
 
 } // namespace zqx::pictures

@@ -1,4 +1,4 @@
-// A mutex that may never become free.
+// Locking a mutex with a timeout.
 #pragma once
 
 #include <chrono>
@@ -7,7 +7,7 @@
 
 namespace zqx::pictures {
 
-/// Locks a mutex, unless somebody keeps it for longer than one waits: a thread may hang in a dead network share.
+/// Locks a mutex unless that takes too long, for example because its owner hangs on an unreachable network share.
 inline std::unique_lock<std::mutex> lockWithin(std::mutex& mutex, std::chrono::milliseconds patience) {
     constexpr std::chrono::milliseconds PAUSE(5);
     const auto end = std::chrono::steady_clock::now() + patience;

@@ -1,4 +1,4 @@
-// Atomic output: a temporary file in the target's directory, renamed over the target at the very end.
+// Atomic output: a temporary file in the target's folder that is renamed over the target at the very end.
 #include "zqx/pictures/files/OutputFile.h"
 
 #include <cerrno>
@@ -16,9 +16,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Follows links at the target's name, also to a file that does not exist yet: writing through a link keeps the link.
+/// Follows symbolic links, also to a file that does not exist yet: writing through a link keeps the link.
 std::string resolveLinks(const std::string& name) {
-    constexpr int MAX_LINKS = 40; // as the kernel
+    constexpr int MAX_LINKS = 40; // the limit of Linux
     fs::path path = toPath(name);
     std::error_code failure;
     for (int i = 0; fs::is_symlink(fs::symlink_status(path, failure)); ++i) {
@@ -38,7 +38,7 @@ std::string describe(int errorNumber) {
     return std::generic_category().message(errorNumber);
 }
 
-/// The file to write for a name. @throws Error when there is something in the way
+/// The file to write for a name, with links resolved. @throws Error if it cannot be written
 std::string checkTarget(const std::string& name) {
     std::string target = resolveLinks(name);
     std::error_code failure;
@@ -67,7 +67,7 @@ std::string checkTarget(const std::string& name) {
     return target;
 }
 
-/// Creates a file under a name that nobody has.
+/// Creates a temporary file under an unused name.
 Stream createTemporary(const std::string& target, std::string& name, std::error_code& failure) {
     constexpr int MAX_ATTEMPTS = 100;
     Stream stream;
@@ -84,15 +84,15 @@ Stream createTemporary(const std::string& target, std::string& name, std::error_
 
 } // namespace
 
-/// Files that are put in place one after the other, each with what it takes to undo that. Lives while nobody else makes
-/// or removes temporary files.
+/// Moves files into place one after the other, and can undo that. While it exists, no other thread creates or removes
+/// temporary files.
 class OutputFile::Placement {
 public:
     explicit Placement(TemporaryFiles& temporaries) : mTemporaries(temporaries) {}
     Placement(const Placement&) = delete;
     Placement& operator=(const Placement&) = delete;
 
-    /// The files that were replaced lose the second names that they had been given to be brought back by.
+    /// Removes the hard links that were kept for restoring replaced files.
     ~Placement() {
         for (const Step& step : mSteps) {
             if (!step.backup.empty()) {
@@ -122,7 +122,7 @@ public:
         return failure;
     }
 
-    /// Brings back what was replaced, and removes what was new. @return what that was not possible for, by name
+    /// Restores replaced files and removes new ones. @return the names of files that could not be restored
     std::vector<std::string> undo() {
         std::vector<std::string> lost;
         for (Step& step : mSteps) {
@@ -144,7 +144,7 @@ public:
 private:
     struct Step {
         OutputFile* file;
-        std::string backup; // a second name of the file that is replaced
+        std::string backup; // hard link to the replaced file
         UseLock backupLock;
         bool isNew;
         bool placed = false;
@@ -190,7 +190,7 @@ std::string listOf(const std::vector<std::string>& names) {
     throw Error(name, "could not be moved into place (" + failure.message() + "); " + outcome);
 }
 
-/// A name may get lost when the power fails, although the file is stored, for as long as its folder is not.
+/// Until its folder is flushed as well, a flushed file may lose its name in a power failure.
 void storeFolders(std::span<const std::string> targets) {
     std::set<std::string> folders;
     for (const std::string& target : targets) {
@@ -206,7 +206,7 @@ void storeFolders(std::span<const std::string> targets) {
 
 } // namespace
 
-/// Why a file could not be put in place, and which ones were and stay there.
+/// Why a file could not be moved into place, and which files had been replaced before and could not be restored.
 struct OutputFile::Refusal {
     std::string name;
     std::error_code reason;
@@ -268,7 +268,7 @@ void OutputFile::write(std::string_view bytes) {
     }
 }
 
-/// Closes the stream in any case.
+/// Flushes the temporary file. Closes the stream in any case.
 void OutputFile::store() {
     errno = 0;
     if (!hasFailed() && !storeDurably(mStream.get())) {
@@ -302,7 +302,7 @@ void OutputFile::commitTogether(std::span<OutputFile* const> files) {
         throwNotPlaced(refusal->name, refusal->reason, refusal->lost);
     }
     for (OutputFile* file : files) {
-        file->mLock = UseLock(); // what is in place is nobody's temporary file
+        file->mLock = UseLock(); // it is not a temporary file any more
     }
     storeFolders(targets);
 }

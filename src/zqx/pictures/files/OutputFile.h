@@ -1,4 +1,4 @@
-// A file that appears whole under its name or not at all.
+// A file that appears complete under its name or not at all.
 #pragma once
 
 #include <optional>
@@ -13,26 +13,27 @@
 
 namespace zqx::pictures {
 
-/// A file that was to be kept is there already.
+/// The file exists already and was to be kept.
 class ZQX_PICTURES_EXPORT FileExists : public Error {
 public:
     explicit FileExists(const std::string& name) : Error(name, "already exists and was left as it is") {}
 };
 
-/// Collects output in a new file beside the target, and gives it the target's name when all of it is safely stored.
+/// Writes to a temporary file beside the target and renames it to the target once all data are safely stored.
 ///
-/// Until commit() the target is untouched; an output that is not committed leaves nothing behind, and what a killed
-/// process leaves, a later one removes (removeStaleTemporaries). A link at the target's name stays, what it points to
-/// is replaced; a replaced file passes its permissions on.
+/// Until commit() the target is not touched. An output that is not committed leaves nothing behind; what a killed
+/// process leaves behind, a later one removes (removeStaleTemporaries). If the target is a symbolic link, the link is
+/// kept and the file that it points to is replaced. The new file takes over the permissions of the one that it
+/// replaces.
 class ZQX_PICTURES_EXPORT OutputFile {
 public:
-    /// What becomes of a file that has the target's name already.
+    /// What happens to an existing file.
     enum class Existing { REPLACE, KEEP };
 
-    /// Checks that the target can be written, before work is spent on it. @throws Error saying why not
+    /// Checks that the target can be written, before work is spent on it. @throws Error if it cannot
     static void check(const std::string& name);
 
-    /// @throws Error when the target or its directory does not allow it
+    /// @throws Error if the target cannot be written
     explicit OutputFile(const std::string& name, Existing existing = Existing::REPLACE);
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
@@ -41,16 +42,16 @@ public:
     /// Appends bytes. A failure is reported by commit().
     void write(std::string_view bytes);
 
-    /// True once any write failed.
+    /// Whether any write has failed.
     bool hasFailed() const { return mFailure != 0; }
 
-    /// Stores the content durably and puts it in the target's place.
-    /// @throws Error when any byte could not be stored, FileExists when there is a file now that is to be kept
+    /// Flushes the content to the device and moves it into place.
+    /// @throws Error if not everything could be stored, FileExists if an existing file is to be kept
     void commit();
 
-    /// Commits files that belong together: all of them, or none as far as the file system allows. Where a file that has
-    /// been replaced cannot be brought back, which takes a file system without hard links, the error says which.
-    /// @throws as commit()
+    /// Commits files that belong together: all of them or none. On file systems without hard links a replaced file may
+    /// be impossible to restore; the error then says which.
+    /// @throws Error, FileExists like commit()
     static void commitTogether(std::span<OutputFile* const> files);
 
 private:
@@ -67,7 +68,7 @@ private:
     std::string mTemporary; // empty once renamed
     Existing mExisting;
     Stream mStream;
-    UseLock mLock;    // longer than the stream is open
+    UseLock mLock;    // held longer than the stream is open
     int mFailure = 0; // errno of the first write that failed
 };
 

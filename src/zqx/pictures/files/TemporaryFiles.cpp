@@ -1,4 +1,4 @@
-// The registry is one for the process, and is never destroyed: a process may be told to end while it ends.
+// There is one registry per process. It is never destroyed, since a signal may arrive while the process is exiting.
 #include "zqx/pictures/files/TemporaryFiles.h"
 
 #include <algorithm>
@@ -39,7 +39,7 @@ bool isTemporaryName(std::string_view name) {
     return name.substr(BEGIN.size(), LETTERS).find_first_not_of(ALPHABET) == std::string_view::npos;
 }
 
-/// True for the first caller who asks for a folder.
+/// Whether this is the first call for a folder.
 bool isFirstVisit(const std::string& folder) {
     static std::mutex mutex;
     static std::set<std::string>& visited = *new std::set<std::string>;
@@ -82,7 +82,7 @@ std::string makeTemporaryName(const std::string& folder) {
 }
 
 void removeStaleTemporaries(const std::string& folder) {
-    constexpr std::chrono::hours AGE(24); // locks of other machines may not show on a network share
+    constexpr std::chrono::hours AGE(24); // on network shares the locks of other machines may be invisible
     if (!isFirstVisit(folder)) {
         return;
     }

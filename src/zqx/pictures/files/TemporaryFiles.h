@@ -1,4 +1,4 @@
-// The files that this process is writing, so that a program which is told to end can remove them first.
+// The temporary files of this process, so that a program that is asked to end can remove them first.
 #pragma once
 
 #include <chrono>
@@ -8,8 +8,8 @@
 
 namespace zqx::pictures {
 
-/// The files that may not outlive the process. What makes, renames or removes one holds this for all of it, so that
-/// removeAll() comes before or after, never between.
+/// Exclusive access to the list of temporary files. Whoever creates, renames or removes one holds such an object for
+/// the whole operation, so that removeAll() comes before or after it, never in between.
 class TemporaryFiles {
 public:
     TemporaryFiles();
@@ -20,10 +20,10 @@ public:
     void add(const std::string& name);
     void forget(const std::string& name);
 
-    /// For a program that ends while its threads go on: removes all files, and nobody makes one or puts one in place
-    /// from then on; threads that try wait until the process is gone. May be called from any thread, but not from a
+    /// For a program that ends while other threads are still running: removes all temporary files and blocks all
+    /// further operations on temporary files until the process is gone. May be called by any thread, but not by a
     /// signal handler.
-    /// @return false where nothing was removed, because somebody held the files for longer than the patience
+    /// @return false if nothing was removed, because the list was in use for longer than the patience
     static bool removeAll(std::chrono::milliseconds patience);
 
 private:
@@ -31,12 +31,12 @@ private:
     std::set<std::string>& mNames;
 };
 
-/// A name for a temporary file in a folder, which is very likely to be free: ".zqx-img-Ab3dE6.tmp".
+/// A random name for a temporary file in a folder, such as ".zqx-img-Ab3dE6.tmp".
 std::string makeTemporaryName(const std::string& folder);
 
-/// Removes the temporary files that killed processes left in a folder; at most once for each folder. They are told from
-/// those in use by their age, more than a day, and by a lock that ends with the process that held it. Where the file
-/// system has no locks nothing is removed.
+/// Removes the temporary files that killed processes left in a folder; at most once for each folder. They are
+/// distinguished from files in use by their age, more than a day, and by a lock, which ends with the process that holds
+/// it. On file systems without locks nothing is removed.
 void removeStaleTemporaries(const std::string& folder);
 
 } // namespace zqx::pictures

@@ -1,4 +1,4 @@
-// The process's metadata codec, and what is done without one.
+// The metadata codec of the process, and the fallback without one.
 #include "zqx/pictures/metadata/InstalledCodec.h"
 
 #include <utility>

@@ -1,4 +1,4 @@
-// Metadata by whichever codec is installed.
+// Access to the installed metadata codec.
 #pragma once
 
 #include "zqx/pictures/MetadataCodec.h"
@@ -6,14 +6,13 @@
 
 namespace zqx::pictures {
 
-/// What the installed codec reads; without one the orientation that the header tells.
+/// The metadata that the installed codec reads; without a codec, only the orientation from the header.
 FileMetadata readMetadata(ByteSource& file, const Header& header);
 
-/// What the installed codec makes of an Exif block; nothing without one. @throws std::exception when it
-/// is damaged.
+/// What an Exif block says about the photograph; nothing without a codec. @throws std::exception if it is damaged
 ExifSummary summarizeExif(const std::vector<unsigned char>& exif);
 
-/// Hands an encoded picture on, with metadata as far as the installed codec writes it. Without one it warns of what is
+/// Passes an encoded picture on, with the metadata that the installed codec adds. Without a codec, warns about what is
 /// left out.
 void writeWithMetadata(const std::string& name, std::string_view encoded, const Metadata& metadata, unsigned width,
                        unsigned height, const FileConsumer& consumer);

@@ -1,4 +1,4 @@
-// Turning pictures upright, the same way for all file formats.
+// Turning pictures upright, in the same way for all file formats.
 #include "zqx/pictures/metadata/Orientation.h"
 
 #include <utility>

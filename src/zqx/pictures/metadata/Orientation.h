@@ -1,4 +1,4 @@
-// How a stored picture is to be turned before it is looked at: the eight values of Exif's orientation tag.
+// The eight values of the Exif orientation, which says how a stored picture must be turned to be upright.
 #pragma once
 
 #include "zqx/pictures/Picture.h"
@@ -7,14 +7,14 @@ namespace zqx::pictures {
 
 constexpr int UPRIGHT = 1;
 
-/// True when the orientation exchanges width and height.
+/// Whether turning the picture upright swaps width and height.
 bool exchangesSides(int orientation);
 
-/// What has to be done with the stored picture, in words for the user.
+/// The orientation of the stored picture in words.
 const char* describeOrientation(int orientation);
 
-/// Turns the pixels of a picture, every one as it is, and its resolution with them. Values that the standard does not
-/// know leave it alone. @throws std::bad_alloc
+/// Turns a picture upright, together with its resolution. Pixel values do not change. Orientations that the standard
+/// does not define are ignored. @throws std::bad_alloc
 void turnUpright(Picture& picture, int orientation);
 
 } // namespace zqx::pictures

@@ -1,4 +1,4 @@
-// Which numbers of two pictures are compared; the kernel compares them.
+// Chooses the scale on which two pictures are compared; a kernel compares the pixels.
 #include <zqx/tools/Compare.h>
 
 #include <algorithm>

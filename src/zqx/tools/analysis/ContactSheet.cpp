@@ -1,4 +1,4 @@
-// The sheet's layout, and how pictures come onto it.
+// Layout of the sheet, and placing of the pictures on it.
 #include <zqx/tools/ContactSheet.h>
 
 #include <algorithm>
@@ -30,7 +30,7 @@ unsigned labelHeightFor(unsigned letters) {
     return letters * 2;
 }
 
-/// A side of the sheet: cells, with a gap before each and after the last.
+/// The length of a side of the sheet: cells with a gap before each and after the last.
 std::size_t sideOf(std::size_t cells, std::size_t cell, std::size_t gap) {
     return cells * (cell + gap) + gap;
 }
@@ -39,8 +39,8 @@ std::size_t rowsFor(std::size_t cells, std::size_t columns) {
     return (cells + columns - 1) / columns;
 }
 
-/// The number of columns that brings the sheet nearest to 3:2. Of equally near ones, the one with the fewest places
-/// left over comes first, as it has fewer rows or columns.
+/// The number of columns that brings the aspect ratio of the sheet closest to 3:2. Of equally good numbers the smallest
+/// is taken.
 std::size_t bestColumns(std::size_t cells, std::size_t cellWidth, std::size_t cellHeight, std::size_t gap) {
     constexpr double SHAPE = 1.5;
     std::size_t best = 1;
@@ -94,7 +94,7 @@ img::Image ContactSheet::areaAt(Corner corner, unsigned width, unsigned height) 
 }
 
 void ContactSheet::drawLabel(std::size_t number, const std::string& text, LabelPainter& painter) {
-    constexpr unsigned WIDEST = 4096; // more than any label needs, and no more than can be drawn on
+    constexpr unsigned WIDEST = 4096; // wider than any label, and not too wide to draw on
     const unsigned width = std::min(mCellWidth, WIDEST);
     const Corner corner = cellCorner(number);
     img::Image area =

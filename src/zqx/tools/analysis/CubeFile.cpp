@@ -1,4 +1,4 @@
-// Lattices of graded colours, and the text that .cube files are.
+// Grades a lattice of colours and writes it as the text of a .cube file.
 #include <zqx/tools/CubeFile.h>
 
 #include <algorithm>
@@ -18,7 +18,7 @@ using namespace pictures;
 
 namespace {
 
-/// Plain decimals, since not every reader of the format knows exponents.
+/// Plain decimals, since not every reader of the format understands exponents.
 std::string formatNumber(float value) {
     const float finite =
         std::isnan(value) ? 0.0F
@@ -26,7 +26,7 @@ std::string formatNumber(float value) {
     return text::shortestDecimal(finite);
 }
 
-/// The format has no escapes: what would end the line or the title is replaced.
+/// The format has no escapes: characters that would end the line or the title are replaced.
 std::string titleLine(const std::string& name, const CubeOptions& options) {
     std::string title = text::inOneLine(options.title.empty() ? toName(toPath(name).stem()) : options.title);
     std::ranges::replace(title, '"', '\'');
@@ -61,7 +61,7 @@ std::vector<float> bakeLattice(const img::ColorGrading& grading, std::size_t siz
 }
 
 void writeCubeFile(const std::string& name, const img::ColorGrading& grading, const CubeOptions& options) {
-    constexpr std::size_t LARGEST = 256; // what readers of the format take
+    constexpr std::size_t LARGEST = 256; // the limit of common readers
     if (options.size < 2 || options.size > LARGEST) {
         throw UsageError(name,
                          "a lookup table has 2 to 256 points along each axis, not " + std::to_string(options.size));

@@ -1,4 +1,4 @@
-// Counted values, and what is drawn of them.
+// Counting of values by a kernel, and preparation of the counts for drawing.
 #include <zqx/tools/Histogram.h>
 
 #include <algorithm>
@@ -32,7 +32,7 @@ ArrayView<std::string_view> Histogram::names() const {
 }
 
 std::vector<double> rebinned(const ChannelCounts& counts, std::size_t bins) {
-    // With the new number as the unit, an old bin is as long as that number, and a new one as long as there are codes.
+    // In units of 1 / (HISTOGRAM_BINS * bins), an old bin is bins units wide and a new one HISTOGRAM_BINS units.
     std::vector<double> result(bins, 0.0);
     for (std::size_t code = 0; code < HISTOGRAM_BINS; ++code) {
         for (std::size_t place = code * bins; place < (code + 1) * bins;) {
@@ -48,7 +48,7 @@ std::vector<double> rebinned(const ChannelCounts& counts, std::size_t bins) {
 
 double drawingLimit(const std::vector<std::vector<double>>& bins) {
     constexpr double ORDINARY = 0.98;  // share of bins
-    constexpr double STANDS_OUT = 1.5; // times as high as any ordinary bin
+    constexpr double STANDS_OUT = 1.5; // more than this times the height of ordinary bins
     std::vector<double> inner;
     double highest = 1.0;
     for (const std::vector<double>& channel : bins) {
@@ -67,7 +67,7 @@ double drawingLimit(const std::vector<std::vector<double>>& bins) {
 std::string percentage(std::uint64_t count, std::uint64_t pixels) {
     const double share = 100.0 * static_cast<double>(count) / static_cast<double>(pixels);
     if (count > 0 && share < 0.01) {
-        return "< 0.01 %"; // a few are not none
+        return "< 0.01 %";
     }
     return text::fixed(share, 2) + " %";
 }

@@ -1,4 +1,4 @@
-// Rendering straight from one picture's memory into another's.
+// Renders directly from the memory of one picture into that of another.
 #include "zqx/tools/analysis/Render.h"
 
 #include <memory>
@@ -13,7 +13,7 @@ using Pipeline = img::ImageProcessingPipeline;
 
 bool isNeutral(img::ColorGrading grading) {
     if (grading.getGradientMapIntensity() == 0.0F) {
-        grading.setGradientMap(img::ColorGradient()); // has no say
+        grading.setGradientMap(img::ColorGradient()); // without effect
     }
     return grading.compare(img::ColorGrading()) == 0;
 }

@@ -1,4 +1,4 @@
-// The adjustments on their way from a decoded picture to pixels.
+// Applies the adjustments of a pipeline to a decoded picture.
 #pragma once
 
 #include <zqx/img/ImageProcessingPipeline.h>
@@ -7,16 +7,18 @@
 
 namespace zqx::tools {
 
-/// The stages that have work to do. Neutral grading still moves 8-bit codes, so it has to be left out to keep pixels.
+/// The stages that have something to do. Neutral grading still changes some 8-bit codes, so it must be skipped to
+/// preserve pixels exactly.
 int neededStages(const img::ImageProcessingPipeline& pipeline);
 
-/// False for adjustments that leave pixels as they are, or only move them.
+/// Whether the adjustments change colours, rather than only moving pixels or doing nothing.
 bool changesColors(img::ImageProcessingPipeline pipeline);
 
-/// Makes a picture the source of a pipeline, which looks into its pixels from then on, with the stages it needs active.
+/// Makes a picture the source of a pipeline and activates the stages that are needed. The picture must outlive the
+/// pipeline's use of it.
 void connect(img::ImageProcessingPipeline& pipeline, const pictures::Picture& source);
 
-/// New pixels of the source's size with what the pipeline makes of it.
+/// Runs the pipeline. The result has the size of the source.
 pictures::PixelBuffer render(const img::ImageProcessingPipeline& pipeline, const pictures::Picture& source,
                              pictures::SampleLayout layout);
 

@@ -1,4 +1,4 @@
-// Sizes of smaller versions; their pixels are made by the kernel.
+// Sizes of downscaled pictures; a kernel computes their pixels.
 #include <zqx/tools/Resize.h>
 
 #include <algorithm>

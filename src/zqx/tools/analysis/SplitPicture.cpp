@@ -1,4 +1,4 @@
-// Before and after, side by side in one picture.
+// Before and after in one picture.
 #include "zqx/tools/analysis/SplitPicture.h"
 
 #include "kernels/Compose.h"

@@ -1,4 +1,4 @@
-// One picture that shows before and after.
+// Before and after in one picture.
 #pragma once
 
 #include <zqx/img/ImageProcessingPipeline.h>
@@ -7,8 +7,8 @@
 
 namespace zqx::tools {
 
-/// Puts the untouched source over the left half of the result and a white line of two pixels between them.
-/// @param after what the pipeline made of the source; changed in place
+/// Replaces the left half of a result by the unadjusted source, with a white line two pixels wide in the middle.
+/// @param after the result of the pipeline; changed in place
 void splitWith(pictures::PixelBuffer& after, img::ImageProcessingPipeline pipeline, const pictures::Picture& source);
 
 } // namespace zqx::tools

@@ -1,5 +1,5 @@
-// The pipeline renders straight from the loaded pixels into those to be saved. No pixels are kept longer than needed:
-// the largest pictures are those that count.
+// Decodes a picture, renders it directly into the pixels to be encoded, and writes the outputs. Memory is released as
+// early as possible, which matters for very large pictures.
 #include <zqx/tools/Batch.h>
 
 #include <algorithm>
@@ -23,7 +23,7 @@ using namespace pictures;
 
 namespace {
 
-/// Adds the time since it was last asked.
+/// Measures the time between successive calls.
 class StopWatch {
 public:
     void addTo(double& seconds) {
@@ -39,7 +39,7 @@ private:
     Clock::time_point mStart = Clock::now();
 };
 
-/// One picture file to be written.
+/// An output file.
 struct Target {
     explicit Target(const std::string& fileName) : name(fileName), format(outputFormat(fileName)) {
         OutputFile::check(name);
@@ -76,7 +76,7 @@ public:
         for (Target& target : mTargets) {
             write(target);
         }
-        // Only now, so that a failure with the second picture leaves the first one as it was, too.
+        // Only now, so that a failure with the second output leaves the first file unchanged as well.
         std::vector<OutputFile*> files;
         std::ranges::transform(mTargets, std::back_inserter(files),
                                [](const Target& target) { return target.file.get(); });

@@ -1,4 +1,4 @@
-// Outputs, collisions, and what need not be done.
+// Names the outputs, refuses collisions and skips pictures that need not be processed.
 #include <zqx/tools/BatchPlan.h>
 
 #include <algorithm>
@@ -84,7 +84,7 @@ void refuseCollisions(const std::vector<Input>& inputs, const std::vector<std::s
     if (options.output.empty()) {
         refuseInputsAsOutputs(read, outputs);
     }
-    if (outputs.size() == 1) { // a picture that is named together with its output may be replaced by it
+    if (outputs.size() == 1) { // if the output was named explicitly, it may replace its input
         checkOutputs(read, {{"--output", outputs.front(), options.output.empty() ? "" : inputs.front().name},
                             {"--before-after", options.comparison}});
     } else if (!outputs.empty() && !options.comparison.empty()) {
@@ -97,7 +97,7 @@ bool exists(const std::string& name) {
     return fs::exists(toPath(name), failure);
 }
 
-/// When all outputs were written after all sources.
+/// Whether all outputs are as new as all sources.
 bool isUpToDate(const std::vector<std::string>& outputs, const std::vector<std::string>& sources) {
     const auto timeOf = [](const std::string& name, std::error_code& failure) {
         return fs::last_write_time(toPath(name), failure);

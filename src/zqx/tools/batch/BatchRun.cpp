@@ -1,4 +1,4 @@
-// Worker threads take pictures from the plan in its order; the main thread looks after the progress line.
+// Worker threads take pictures from the plan in order; the calling thread meanwhile calls the observer's tick().
 #include <zqx/tools/Batch.h>
 
 #include <algorithm>
@@ -42,7 +42,7 @@ public:
     void run(unsigned jobs) {
         {
             std::vector<std::jthread> workers;
-            const Stop stop(*this); // before the workers are joined, however this block is left
+            const Stop stop(*this); // destroyed before the workers are joined, however this block is left
             startAll(workers, jobs);
             waitForWorkers();
         }
@@ -52,7 +52,7 @@ public:
     }
 
 private:
-    /// Lets workers finish what they are at, and begin nothing more.
+    /// Lets workers finish the current picture, but begin no other.
     class Stop {
     public:
         explicit Stop(Batch& batch) : mBatch(batch) {}
@@ -71,7 +71,7 @@ private:
         for (unsigned i = 0; i < jobs; ++i) {
             try {
                 start(workers);
-            } catch (const std::system_error&) { // the system has no more threads to give
+            } catch (const std::system_error&) { // the system cannot create more threads
                 if (workers.empty()) {
                     throw;
                 }
@@ -115,8 +115,8 @@ private:
         return mNext < mPlan.size() ? &mPlan[mNext++] : nullptr;
     }
 
-    /// Nothing that is thrown may leave a thread: that would end the process. Pictures fail on their own; what is left
-    /// comes from the observer and ends the run.
+    /// No exception may leave a thread, which would end the process. Failures of pictures are caught for each picture;
+    /// any other exception comes from the observer and ends the run.
     void work() noexcept {
         try {
             img::setThreadCount(mThreads);
@@ -152,7 +152,7 @@ private:
             };
             record.result = applyToPicture({picture.input, picture.output, mComparison}, mSettings, admit);
             record.status = Status::WRITTEN;
-        } catch (const FileExists&) { // not when the run was planned, but now
+        } catch (const FileExists&) { // it did not exist yet when the run was planned
             record.status = Status::SKIPPED;
             record.reason = "exists";
         } catch (...) {
@@ -179,7 +179,7 @@ private:
     std::condition_variable mChange;
     std::size_t mNext = 0;
     unsigned mWorking = 0;
-    std::exception_ptr mFailure; // the first that was no picture's own
+    std::exception_ptr mFailure; // the first exception that was not the failure of a picture
 };
 
 void reportSkipped(const std::vector<PlannedPicture>& plan, BatchObserver& observer) {

@@ -1,4 +1,4 @@
-// Not all exceptions are of the standard's kind: the toolkit that reads XMP throws records of its own.
+// Not all exceptions derive from std::exception: the XMP toolkit throws types of its own.
 #include "zqx/tools/batch/Failure.h"
 
 #include <exception>
@@ -12,7 +12,7 @@ std::string describeFailure(const std::string& subject) {
     try {
         throw;
     } catch (const pictures::Error& error) {
-        return error.what(); // names its subject itself
+        return error.what(); // begins with its own subject
     } catch (const std::bad_alloc&) {
         return subject + ": out of memory; close other programs or use a smaller picture";
     } catch (const std::exception& error) {

@@ -1,4 +1,4 @@
-// What is the same of file identities on all systems.
+// The portable part of file identities.
 #include "zqx/tools/batch/FileIdentity.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Which file a name leads to, so that two names can be told to be one file.
+// Identifies the file behind a name, to recognise two names of the same file.
 #pragma once
 
 #include <compare>
@@ -10,7 +10,7 @@
 
 namespace zqx::tools {
 
-/// What the system tells files apart by.
+/// What identifies a file within the system.
 struct FileIdentity {
     std::uint64_t volume;
     std::uint64_t number;
@@ -18,17 +18,17 @@ struct FileIdentity {
     auto operator<=>(const FileIdentity&) const = default;
 };
 
-/// The file at the end of all links; nothing where there is none.
+/// The identity of a file, after following symbolic links; nothing if there is no such file.
 std::optional<FileIdentity> identify(const std::filesystem::path& path);
 
-/// The absolute name without links and detours, whether there is such a file yet or not.
+/// The absolute name without symbolic links, "." and "..". The file need not exist.
 std::string canonicalName(const std::string& name);
 
-/// Names that differ in case alone are one file on many memory cards and disks, where the second picture would replace
-/// the first without a word.
+/// The name in lower case. Names that differ in case only denote the same file on many memory cards and disks, where
+/// the second picture would silently replace the first.
 std::string foldCase(std::string name);
 
-/// Files by any of their names.
+/// A set of files, which may be looked up by any of their names.
 class FileSet {
 public:
     void insert(const std::string& name);
@@ -36,7 +36,7 @@ public:
 
 private:
     std::set<FileIdentity> mFiles;
-    std::set<std::string> mMissing; // canonical names of those that are not there
+    std::set<std::string> mMissing; // canonical names of files that do not exist
 };
 
 } // namespace zqx::tools

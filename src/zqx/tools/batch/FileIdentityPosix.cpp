@@ -1,4 +1,4 @@
-// Device and inode.
+// On POSIX systems, files are identified by device and inode.
 #include "zqx/tools/batch/FileIdentity.h"
 
 #include <sys/stat.h>

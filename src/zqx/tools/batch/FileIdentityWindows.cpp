@@ -1,4 +1,4 @@
-// Serial number of the volume and index of the file on it.
+// On Windows, files are identified by the serial number of the volume and the file index.
 #include "zqx/tools/batch/FileIdentity.h"
 
 #define NOMINMAX
@@ -7,10 +7,10 @@
 namespace zqx::tools {
 
 std::optional<FileIdentity> identify(const std::filesystem::path& path) {
-    constexpr DWORD NO_ACCESS = 0; // its attributes can be asked for while others write to it
+    constexpr DWORD NO_ACCESS = 0; // attributes can be queried while others write to the file
     constexpr DWORD SHARED = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const HANDLE file = CreateFileW(path.c_str(), NO_ACCESS, SHARED, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS,
-                                    nullptr); // which opens folders, too
+                                    nullptr); // the flag allows folders
     if (file == INVALID_HANDLE_VALUE) {
         return std::nullopt;
     }

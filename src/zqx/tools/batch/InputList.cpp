@@ -1,4 +1,4 @@
-// Folders are read whole and sorted, so that a run does the same on every machine.
+// Folder entries are sorted, so that a run does the same on every machine.
 #include <zqx/tools/InputList.h>
 
 #include <algorithm>
@@ -35,8 +35,8 @@ bool isReadable(const std::string& extension) {
     return canRead(formatOfName("." + extension));
 }
 
-/// Pictures that other programs write, whatever this build reads. Who has a folder of them takes them for pictures, and
-/// would miss them in silence.
+/// Whether an extension is that of a picture format, even one that this build cannot read. Such files are reported,
+/// since their owner would otherwise miss them without noticing.
 bool isKnownPicture(std::string_view extension) {
     static constexpr std::array<std::string_view, 41> EXTENSIONS = {
         "avci",  "avcs", "avif",  "avifs", "bpg",  "cin", "cr3", "dpx", "exr", "fit",  "fits", "flif", "gpr", "heic",
@@ -50,7 +50,7 @@ public:
     FolderReader(InputList& list, bool recursive, const std::string& excluded)
         : mList(list), mRecursive(recursive), mExcluded(toPath(excluded)) {}
 
-    // NOLINTNEXTLINE(misc-no-recursion): as deep as the folders are
+    // NOLINTNEXTLINE(misc-no-recursion): as deep as the folders are nested
     void read(const fs::path& folder, const fs::path& below) {
         for (const fs::path& path : sortedEntries(folder)) {
             std::error_code failure;
@@ -92,7 +92,7 @@ private:
         return entries;
     }
 
-    /// A link may lead back up, and then there is no end.
+    /// A symbolic link may lead to a parent folder and cause endless recursion.
     bool isOwnFolder(const fs::path& path) const {
         std::error_code failure;
         return fs::is_directory(fs::symlink_status(path, failure)) && !fs::equivalent(path, mExcluded, failure);
@@ -108,7 +108,7 @@ std::size_t total(const ExtensionCounts& counts) {
                            [](std::size_t sum, const auto& count) { return sum + count.second; });
 }
 
-/// Why a folder gave nothing.
+/// Why a folder yields no pictures.
 std::string describeEmptyFolder(bool hasUnreadable, bool recursive) {
     const std::string reason = hasUnreadable ? "contains no pictures that this build can read" : "contains no pictures";
     return recursive ? reason : reason + "; use --recursive to include its subfolders";

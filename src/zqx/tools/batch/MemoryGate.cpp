@@ -1,4 +1,4 @@
-// The gate, and how much a picture needs.
+// Admission of pictures, and estimates of the memory that they need.
 #include <zqx/tools/MemoryGate.h>
 
 #include <algorithm>
@@ -22,7 +22,7 @@ using namespace pictures;
 
 namespace {
 
-/// Decoders, encoders and their tables, however small the picture.
+/// For decoders, encoders and their tables, however small the picture.
 constexpr std::uint64_t BASE_NEED = std::uint64_t{8} << 20;
 
 std::uint64_t physicalMemory() {
@@ -37,16 +37,16 @@ std::uint64_t physicalMemory() {
 #endif
 }
 
-/// The limit of the container that the process may run in.
+/// The memory limit of the container, if the process runs in one.
 std::uint64_t containerMemory() {
     std::uint64_t limit = 0;
-    if (std::ifstream("/sys/fs/cgroup/memory.max") >> limit) { // "max" where there is none
+    if (std::ifstream("/sys/fs/cgroup/memory.max") >> limit) { // the file says "max" if there is no limit
         return limit;
     }
     return std::numeric_limits<std::uint64_t>::max();
 }
 
-/// Bytes of one channel of one pixel in a rendered picture, and in all that its encoder keeps beside that.
+/// Bytes per sample in the rendered picture, and in everything that the encoder needs in addition.
 struct EncodingNeed {
     std::uint64_t rendered;
     std::uint64_t encoder;
@@ -63,21 +63,21 @@ EncodingNeed encodingNeed(const std::string& output, std::uint64_t working) {
     }
 }
 
-/// The bytes that are alive at once for one channel of one pixel, when they are most.
+/// The peak number of bytes per sample.
 std::uint64_t bytesPerSample(const HeaderInfo& header, const std::vector<std::string>& outputs) {
     const std::uint64_t stored = (header.bitsPerChannel + 7) / 8;
     const std::uint64_t working = stored > 1 ? sizeof(float) : 1;
-    std::uint64_t most = stored + 2 * working; // decoded, converted, and handed over by another process
+    std::uint64_t most = stored + 2 * working; // decoded, converted, and transferred from another process
     for (const std::string& output : outputs) {
         const EncodingNeed need = encodingNeed(output, working);
-        // The source is given up before the last output is encoded, and not before.
+        // The source is released just before the last output is encoded.
         const std::uint64_t kept = outputs.size() > 1 ? working + need.rendered : 0;
         most = std::max({most, working + need.rendered + kept, need.rendered + need.encoder + kept});
     }
     return most;
 }
 
-// Headers are anybody's claims: what is too large for a number is as large as numbers are.
+// Headers may claim anything: sums and products saturate instead of overflowing.
 constexpr std::uint64_t MOST = std::numeric_limits<std::uint64_t>::max();
 
 std::uint64_t addedUp(std::uint64_t a, std::uint64_t b) {
@@ -95,8 +95,8 @@ void refuseBeyond(const std::string& name, std::uint64_t need, std::uint64_t lim
     }
 }
 
-/// Where the header says nothing: photographs of eight bits have about forty bytes in memory for each in a small file,
-/// those that a camera left raw for about one.
+/// An estimate for files whose header does not give the size: an 8-bit photograph needs about forty times the size of
+/// its compressed file, a camera raw file has about one pixel per byte.
 std::uint64_t estimateByFileSize(const MemoryInput& input) {
     constexpr std::uint64_t COMPRESSED = 48;
     constexpr std::uint64_t RAW = 16;

@@ -1,4 +1,4 @@
-// Parsing and filling in of name patterns.
+// Parses name patterns and fills in their fields.
 #include <zqx/tools/NameTemplate.h>
 
 #include <algorithm>

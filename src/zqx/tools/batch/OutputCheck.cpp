@@ -1,4 +1,4 @@
-// Outputs against inputs, and against each other.
+// Checks outputs against inputs and against each other.
 #include <zqx/tools/OutputCheck.h>
 
 #include <set>

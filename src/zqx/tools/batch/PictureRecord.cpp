@@ -1,4 +1,4 @@
-// Records in words and in JSON.
+// Formats records as text and as JSON.
 #include <zqx/tools/PictureRecord.h>
 
 #include "zqx/text/Json.h"

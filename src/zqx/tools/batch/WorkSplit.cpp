@@ -1,4 +1,4 @@
-// Sharing processors out between pictures.
+// Shares the processors among pictures.
 #include <zqx/tools/Batch.h>
 
 #include <algorithm>

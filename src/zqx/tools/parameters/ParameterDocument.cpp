@@ -1,4 +1,4 @@
-// Reads untrusted documents: whatever is in the text, the result is an error, a remark, or a value within its range.
+// Reads untrusted documents: whatever they contain, the result is an error, a remark, or a value within its range.
 #include "zqx/tools/parameters/ParameterDocument.h"
 
 #include <algorithm>
@@ -24,9 +24,9 @@ namespace {
 using Kind = Parameter::Kind;
 using MemberKind = DocumentMember::Kind;
 
-/// Nobody reads more, and a hostile document has room for a million.
+/// Nobody reads more, and a hostile document could cause a million.
 constexpr std::size_t MOST_REMARKS = 100;
-/// A document has four levels. The rest is for members of other programs, which are ignored.
+/// A document has four levels. More are allowed for members of other programs, which are ignored.
 constexpr std::size_t DEEPEST_NESTING = 100;
 
 DocumentMember& memberNamed(DocumentMember& object, std::string_view name) {
@@ -37,7 +37,7 @@ DocumentMember& memberNamed(DocumentMember& object, std::string_view name) {
     return object.members.emplace_back(DocumentMember{MemberKind::OBJECT, std::string(name), "", nullptr, {}});
 }
 
-/// The member at the end of a path. It and the objects on the way are added where they are missing.
+/// The member at the end of a path. It and the objects on the way are added if they are missing.
 DocumentMember& memberAt(DocumentMember& root, std::string_view path) {
     const std::size_t dot = path.find('.');
     DocumentMember& member = memberNamed(root, path.substr(0, dot));
@@ -63,7 +63,7 @@ DocumentMember makeRoot() {
     return root;
 }
 
-/// "line 3, column 14" of a byte, counted from 1 in characters.
+/// The position of a byte as "line 3, column 14", counted in characters from 1.
 std::string lineAndColumn(const std::string& text, std::size_t offset) {
     const std::string_view before = std::string_view(text).substr(0, offset);
     const auto line = 1 + std::ranges::count(before, '\n');
@@ -97,7 +97,7 @@ const char* describe(rapidjson::ParseErrorCode code) {
     throw Error(name, "is not valid JSON at " + lineAndColumn(text, offset) + ": " + why);
 }
 
-/// Refuses deep nesting before it costs memory. In text that is not JSON it may misjudge what a bracket is.
+/// Refuses deep nesting before it costs memory. In text that is not JSON, brackets may be misjudged.
 void limitNesting(const std::string& name, const std::string& text) {
     std::size_t depth = 0;
     bool inString = false;
@@ -139,7 +139,7 @@ const rapidjson::Value* find(const rapidjson::Value& object, const char* name) {
     return member == object.MemberEnd() ? nullptr : &member->value;
 }
 
-/// Refuses what is no document of the version that is read here.
+/// Refuses anything but a document of the supported version.
 void requireVersion(const std::string& name, const rapidjson::Value& document) {
     const auto require = [&](bool fulfilled, const std::string& what) {
         if (!fulfilled) {
@@ -187,7 +187,7 @@ bool isPlain(char c) {
            c == '$';
 }
 
-/// A name from a document for the terminal: odd ones quoted and in ASCII, so that they cannot steer it.
+/// A name from a document in a form that is safe for terminals: unusual names are quoted and escaped to ASCII.
 std::string printable(std::string_view name) {
     constexpr std::size_t LONGEST = 60;
     if (!name.empty() && name.size() <= LONGEST && std::ranges::all_of(name, isPlain)) {
@@ -201,7 +201,7 @@ std::string joinPath(const std::string& path, std::string_view name) {
     return (path.empty() ? "" : path + ".") + printable(name);
 }
 
-/// Finds the known member that a misspelt or misplaced one probably stands for.
+/// Finds the known member that a misspelt or misplaced one probably means.
 class NearestMember {
 public:
     NearestMember(const DocumentMember& object, std::string_view name) : mObject(object), mName(name) {
@@ -211,7 +211,7 @@ public:
         }
     }
 
-    /// The name of a member of the same object, the path of another one; empty when none is near.
+    /// The name of a member of the same object, or the path of another member; empty if none is similar.
     const std::string& suggestion() const { return mSuggestion; }
 
 private:
@@ -229,7 +229,7 @@ private:
 
     void compare(std::string_view known, bool isNeighbour, const std::string& suggestion) {
         const std::size_t distance = editDistance(mName, known);
-        // Half of the letters have to fit. Of equals, neighbours are nearer.
+        // Half of the letters must match. Of equally similar members, those of the same object are preferred.
         const std::size_t rank = 2 * distance + (isNeighbour ? 0 : 1);
         if (2 * distance <= std::max(mName.size(), known.size()) && rank < mRank) {
             mRank = rank;
@@ -253,7 +253,7 @@ std::string namesIn(const DocumentMember& object) {
 
 } // namespace
 
-/// Walks a document and the table of known members side by side, and takes what fits.
+/// Traverses a document in parallel with the table of known members, and collects the valid parameters.
 class DocumentReader {
 public:
     DocumentReader(const std::string& name, Remarks& remarks, MergedDocument& merged)
@@ -268,7 +268,7 @@ public:
 
 private:
     void readObject(const rapidjson::Value& object, const DocumentMember& known, const std::string& path) {
-        std::set<std::string_view> names; // not hashed: whoever writes the document could choose names that collide
+        std::set<std::string_view> names; // not hashed: a hostile document could use names with colliding hashes
         for (auto member = object.MemberBegin(); member != object.MemberEnd(); ++member) {
             const std::string_view name(member->name.GetString(), member->name.GetStringLength());
             const auto found = std::ranges::find(known.members, name, &DocumentMember::name);
@@ -300,13 +300,13 @@ private:
                 return;
             }
             break;
-        case MemberKind::VERSION: return; // required before
+        case MemberKind::VERSION: return; // checked before
         }
         remark([&] { return path + " is " + describe(value) + " but must be " + describeExpected(known); },
                ". It is ignored");
     }
 
-    /// False when the type is wrong.
+    /// Reads a parameter; false if its type is wrong.
     bool readParameter(const rapidjson::Value& value, const Parameter& parameter, const std::string& path) {
         switch (parameter.kind) {
         case Kind::NUMBER: return readNumber(value, parameter, path);
@@ -367,7 +367,7 @@ private:
     void remark(const Describe& problem, const std::string& consequence) {
         if (++mRemarkCount <= MOST_REMARKS) {
             const std::string text = problem();
-            // A question ends its sentence itself.
+            // A question already ends the sentence.
             mRemarks.add(mName, text, text.ends_with('?') ? consequence.substr(1) : consequence);
         }
     }

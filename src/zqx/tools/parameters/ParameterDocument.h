@@ -1,4 +1,4 @@
-// Parameter documents checked member by member, and several of them merged into one.
+// Checks parameter documents member by member and merges several of them into one.
 #pragma once
 
 #include <array>
@@ -19,8 +19,8 @@ struct DocumentMember {
     Kind kind;
     std::string name;
     std::string meaning;
-    const Parameter* parameter = nullptr; ///< of a parameter
-    std::vector<DocumentMember> members;  ///< of an object
+    const Parameter* parameter = nullptr; ///< for parameters
+    std::vector<DocumentMember> members;  ///< for objects
 };
 
 /// The outermost object of a parameter document, with every member that it may have.
@@ -34,13 +34,13 @@ class MergedDocument {
 public:
     MergedDocument();
 
-    /// Merges one more document. Remarks on members that are unknown, repeated, of the wrong type or out of range:
-    /// these are ignored, or limited to their range.
-    /// @param name the document's file, for messages
-    /// @throws Error for text that is not a document of this version, with line and column where it is not even JSON
+    /// Merges one more document. Adds remarks about members that are unknown, repeated, of the wrong type or out of
+    /// range, which are ignored or clamped.
+    /// @param name of the document's file, for messages
+    /// @throws Error if the text is not a document of this version, with line and column if it is not valid JSON
     void add(const std::string& name, std::string text, Remarks& remarks);
 
-    /// Remarks on an end of the gradient whose other end is in no document: the pipeline ignores it.
+    /// Adds a remark if only one end of the gradient is given: the pipeline ignores it.
     void checkGradient(Remarks& remarks) const;
 
     /// The parameters as one document.

@@ -1,4 +1,5 @@
-// Documents are merged as text first: what is neutral in a later one is no different from what it leaves out.
+// Documents are merged before they are loaded: in a pipeline, a value that a later document sets to its default could
+// not be told from one that it omits.
 #include <zqx/tools/ParameterDocuments.h>
 
 #include <utility>

@@ -1,4 +1,4 @@
-// The table of adjustments as text, as JSON and as a JSON Schema.
+// Describes the table of adjustments as text, as JSON and as a JSON Schema.
 #include <zqx/tools/ParameterReference.h>
 
 #include <algorithm>
@@ -28,7 +28,7 @@ std::string capitalised(std::string_view words) {
     return text;
 }
 
-/// A value as it stands in a document.
+/// Copies a value from a document.
 void copy(text::JsonWriter& json, const rapidjson::Value& value) {
     if (value.IsArray()) {
         json.beginArray();
@@ -45,7 +45,7 @@ void copy(text::JsonWriter& json, const rapidjson::Value& value) {
     }
 }
 
-/// The document of a new pipeline, which has every default in its place.
+/// The document of a new pipeline, which contains all defaults.
 class NeutralDocument {
 public:
     NeutralDocument() { mDocument.Parse(img::ImageProcessingPipeline(0).saveParams().c_str()); }
@@ -139,7 +139,7 @@ private:
         mJson.value(false);
     }
 
-    /// The version, and the objects on the way to it.
+    /// The version, and the objects that lead to it, are required.
     void writeRequired(const DocumentMember& object) {
         for (const DocumentMember& member : object.members) {
             if (leadsToVersion(member)) {
@@ -155,7 +155,7 @@ private:
         return member.kind == MemberKind::VERSION || std::ranges::any_of(member.members, leadsToVersion);
     }
 
-    /// Colours of one gradient count only together.
+    /// The colours of a gradient have an effect only together.
     void writeDependent(const DocumentMember& object) {
         std::vector<std::string> colors;
         for (const DocumentMember& member : object.members) {

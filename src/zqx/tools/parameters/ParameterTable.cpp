@@ -1,4 +1,4 @@
-// The table of adjustments in words.
+// Formats the table of adjustments and its values.
 #include "zqx/tools/parameters/ParameterTable.h"
 
 #include "zqx/text/Numbers.h"

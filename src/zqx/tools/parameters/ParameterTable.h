@@ -1,4 +1,4 @@
-// The adjustments that a user can name on the command line: one table for reading, checking and explaining them.
+// The adjustments that users can name: one table for reading, checking and explaining them.
 #pragma once
 
 #include <span>
@@ -14,7 +14,7 @@ using img::Parameter;
 /// All adjustments in the order in which they are explained.
 std::span<const Parameter> parameters();
 
-/// A parameter's present value in the spelling that --set reads.
+/// The current value of a parameter in the notation of --set.
 std::string formatValue(const Parameter& parameter, const img::ImageProcessingPipeline& pipeline);
 
 /// A number in the fewest digits that read back as the same number, whatever the locale.

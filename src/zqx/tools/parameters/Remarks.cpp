@@ -1,4 +1,4 @@
-// Warnings, or one error in place of them all.
+// Warnings, or a single error in their place.
 #include "zqx/tools/parameters/Remarks.h"
 
 #include <utility>

@@ -1,4 +1,4 @@
-// Faults in parameters that can be worked around: warnings, or errors for those who want to be strict.
+// Problems with parameters that can be worked around: warnings or, in strict mode, errors.
 #pragma once
 
 #include <string>
@@ -8,31 +8,31 @@
 
 namespace zqx::tools {
 
-/// Faults that were to be errors. what() tells what to do about them, and has a line for each.
+/// Thrown in strict mode. what() says what to do, followed by one line for each problem.
 class RemarksError : public pictures::Error {
 public:
     explicit RemarksError(std::vector<std::string> remarks);
 
-    /// What to do about them.
+    /// The line that says what to do.
     static std::string heading();
 
-    /// Each "subject: problem", for who prints them one by one: names in them may have line breaks.
+    /// The problems, each as "subject: problem", to be printed one by one: names in them may contain line breaks.
     const std::vector<std::string>& remarks() const { return mRemarks; }
 
 private:
     std::vector<std::string> mRemarks;
 };
 
-/// Warns of each fault at once or, when strict, collects them for one error.
+/// Warns about each problem immediately or, in strict mode, collects them for one error.
 class Remarks {
 public:
     explicit Remarks(bool strict) : mStrict(strict) {}
 
     /// @param subject the file or option at fault
-    /// @param consequence how the fault is handled; continues the sentence of the problem
+    /// @param consequence how the problem is handled; continues its sentence
     void add(const std::string& subject, const std::string& problem, const std::string& consequence);
 
-    /// @throws RemarksError with all faults, when strict and there are any
+    /// @throws RemarksError with all problems, if there are any in strict mode
     void settle() const;
 
 private:

@@ -1,4 +1,4 @@
-// Names and values of settings.
+// Parses settings and applies them to a pipeline.
 #include "zqx/tools/parameters/Setting.h"
 
 #include <algorithm>
@@ -42,7 +42,7 @@ std::optional<float> readNumber(std::string_view text) {
     double number = 0.0;
     const char* end = text.data() + text.size();
     const auto [stop, failure] = std::from_chars(text.data(), end, number);
-    // Overflow to infinity on narrowing is as little a number to work with as "inf" itself.
+    // A number that overflows to infinity as a float is no more useful than "inf" itself.
     if (failure != std::errc() || stop != end || !std::isfinite(number) ||
         std::abs(number) > static_cast<double>(std::numeric_limits<float>::max())) {
         return std::nullopt;

@@ -1,4 +1,4 @@
-// A single adjustment as it is written on a command line: "exposure=0.5".
+// A single adjustment in the notation of the command line: "exposure=0.5".
 #pragma once
 
 #include <string>
@@ -9,8 +9,8 @@ namespace zqx::tools {
 
 class Remarks;
 
-/// Sets one parameter. Remarks on a number that is out of range and had to be limited.
-/// @throws UsageError naming the setting when there is no such parameter, or the value is none of its kind
+/// Sets one parameter. Adds a remark if a number is out of range and had to be clamped.
+/// @throws UsageError naming the setting if there is no such parameter or its value is of the wrong kind
 void applySetting(img::ImageProcessingPipeline& pipeline, const std::string& setting, Remarks& remarks);
 
 } // namespace zqx::tools

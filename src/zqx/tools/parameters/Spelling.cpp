@@ -1,4 +1,4 @@
-// Levenshtein's distance, row by row.
+// The Levenshtein distance, computed row by row.
 #include "zqx/tools/parameters/Spelling.h"
 
 #include <algorithm>

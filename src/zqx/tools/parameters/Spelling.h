@@ -1,4 +1,4 @@
-// How near a misspelt name is to a known one, for "did you mean".
+// The similarity of names, for "did you mean" suggestions.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,8 @@
 
 namespace zqx::tools {
 
-/// The least number of characters to insert, remove or replace that turns one name into the other, whatever the case.
+/// The least number of insertions, deletions and replacements of characters that turns one name into the other,
+/// ignoring case.
 std::size_t editDistance(std::string_view a, std::string_view b);
 
 } // namespace zqx::tools

@@ -1,4 +1,4 @@
-// Pixels are not copied on their way: only rows change places, since FreeImage counts them from below.
+// Pixels are not copied: the rows are only swapped in place, since FreeImage stores them bottom-up.
 #include "zqx/pictures/codecs/freeimage/Bitmap.h"
 
 #include <new>

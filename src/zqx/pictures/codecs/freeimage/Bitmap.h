@@ -1,4 +1,4 @@
-// FreeImage's bitmaps, and pixels on the way into and out of them.
+// FreeImage's bitmaps, and the transfer of pixels to and from them.
 #pragma once
 
 #include <memory>
@@ -14,19 +14,20 @@ struct BitmapUnloader {
 };
 using Bitmap = std::unique_ptr<FIBITMAP, BitmapUnloader>;
 
-/// Which end of a bitmap's memory comes first. FreeImage keeps the bottom row first, but takes the rows of portable
-/// float maps for those of the other end, both ways.
+/// The order of the rows in a bitmap's memory. FreeImage stores the bottom row first, except that it reads and writes
+/// portable float maps upside down.
 enum class RowOrder { BOTTOM_FIRST, TOP_FIRST };
 RowOrder rowOrderOf(FREE_IMAGE_FORMAT format);
 
-/// A bitmap of zeros. @throws std::bad_alloc
+/// Allocates a bitmap filled with zeros. @throws std::bad_alloc
 Bitmap allocateBitmap(FREE_IMAGE_TYPE type, unsigned width, unsigned height, int bitsPerPixel = 8);
 
-/// Takes the pixels of a bitmap in a working layout over, where they are.
+/// Takes over the pixels of a bitmap in a working layout, without copying them.
 PixelBuffer takePixels(Bitmap bitmap, RowOrder order);
 
-/// Pixels in the working format of their layout as a bitmap that looks into their memory, whose rows change places.
-/// @param pixels have to live as long as the bitmap. @throws std::bad_alloc
+/// Wraps pixels in the working format of their layout in a bitmap, without copying them. Their rows are reordered in
+/// place.
+/// @param pixels must outlive the bitmap. @throws std::bad_alloc
 Bitmap wrapPixels(PixelBuffer& pixels, RowOrder order);
 
 } // namespace zqx::pictures

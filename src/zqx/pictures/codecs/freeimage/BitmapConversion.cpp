@@ -1,4 +1,4 @@
-// FreeImage knows some forty kinds of bitmap, the image model works with six of them.
+// FreeImage has some forty kinds of bitmap; they are reduced to six working layouts.
 #include "zqx/pictures/codecs/freeimage/BitmapConversion.h"
 
 #include <algorithm>
@@ -27,7 +27,7 @@ bool hasGrayPalette(FIBITMAP* bitmap) {
     });
 }
 
-/// True where the index already is the grey value.
+/// Whether each palette index equals its grey value.
 bool isGrayRamp(FIBITMAP* bitmap) {
     const std::span<const RGBQUAD> palette = paletteOf(bitmap);
     for (std::size_t i = 0; i < palette.size(); ++i) {
@@ -82,7 +82,7 @@ Bitmap encodeDepth16(const PixelBuffer& pixels, SampleLayout layout, RowOrder or
 }
 
 struct Converted {
-    FIBITMAP* bitmap; // the one given where nothing had to be converted
+    FIBITMAP* bitmap; // the original one if no conversion was necessary
     SampleLayout stored;
 };
 

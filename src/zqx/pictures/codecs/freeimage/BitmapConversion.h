@@ -1,4 +1,4 @@
-// Decoded bitmaps of any kind into pixels of the six working layouts, and back into what files hold.
+// Conversion of decoded bitmaps of any kind to the six working layouts, and back to the layouts of files.
 #pragma once
 
 #include <string>
@@ -12,15 +12,15 @@ struct ConvertedPixels {
     SampleLayout stored;
 };
 
-/// The pixels of a bitmap in the working layout that keeps most of it, warning of what is lost.
-/// @param name of its file. @throws Error, std::bad_alloc
+/// Converts a bitmap to the working layout that preserves most of it, with warnings about what is lost.
+/// @param name of the file, for warnings. @throws Error, std::bad_alloc
 ConvertedPixels toWorkingLayout(const std::string& name, Bitmap bitmap, RowOrder order);
 
-/// A bitmap of a file's layout from pixels of its working layout.
-/// @param pixels may be what the bitmap looks into: they have to live as long. @throws Error, std::bad_alloc
+/// Converts pixels in the working layout of a file's layout to a bitmap in that layout.
+/// @param pixels must outlive the bitmap, which may share their memory. @throws Error, std::bad_alloc
 Bitmap toStoredLayout(const std::string& name, PixelBuffer& pixels, SampleLayout layout, RowOrder order);
 
-/// Divides the colours of an encoded bitmap, of 8 or 16 bits with alpha, whose stored numbers are multiplied by it.
+/// Unpremultiplies the gamma-encoded codes of a bitmap of 8 or 16 bits per channel with alpha.
 void unpremultiplyCodes(FIBITMAP* bitmap);
 
 } // namespace zqx::pictures

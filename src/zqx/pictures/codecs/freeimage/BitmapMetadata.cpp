@@ -1,4 +1,4 @@
-// FreeImage's tags are untyped memory; nothing is believed of them but what they say of their own length.
+// FreeImage's tags are untyped memory: nothing about them is trusted except the length that they state.
 #include "zqx/pictures/codecs/freeimage/BitmapMetadata.h"
 
 #include <memory>
@@ -8,7 +8,7 @@ namespace zqx::pictures {
 
 namespace {
 
-/// Some programs hide Exif and IPTC in PNG comments, as hexadecimal digits. Those blocks travel in their own way.
+/// Some programs store Exif and IPTC in PNG comments as hexadecimal digits. These blocks are handled elsewhere.
 bool isBlockInDisguise(std::string_view keyword) {
     return keyword.starts_with("Raw profile type ");
 }
@@ -65,7 +65,7 @@ void attachMetadata(FIBITMAP* bitmap, const Metadata& metadata) {
         setComment(bitmap, keyword, text);
     }
     if (!metadata.icc.empty()) {
-        std::vector<BYTE> profile = metadata.icc; // FreeImage copies it, but does not promise to leave it alone
+        std::vector<BYTE> profile = metadata.icc; // FreeImage copies it, but its parameter is not const
         FreeImage_CreateICCProfile(bitmap, profile.data(), static_cast<long>(profile.size()));
     }
 }

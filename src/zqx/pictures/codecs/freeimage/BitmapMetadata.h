@@ -1,4 +1,4 @@
-// What FreeImage reads and writes beside pixels: colour profile, comments, resolution.
+// The metadata that FreeImage itself reads and writes: colour profile, comments and resolution.
 #pragma once
 
 #include <string>
@@ -9,10 +9,10 @@
 
 namespace zqx::pictures {
 
-/// What a decoder found. Exif, IPTC and XMP are not among it.
+/// The metadata that the decoder found, without Exif, IPTC and XMP.
 Metadata metadataOf(FIBITMAP* bitmap);
 
-/// Gives a bitmap that is about to be encoded what the encoders put into the file.
+/// Attaches to a bitmap the metadata that its encoder is to write.
 void attachMetadata(FIBITMAP* bitmap, const Metadata& metadata);
 
 } // namespace zqx::pictures

@@ -1,4 +1,4 @@
-// What FreeImage knows of file formats, and what it says of them that is not so.
+// FreeImage's knowledge of file formats, with corrections where it is wrong.
 #include "zqx/pictures/FileFormat.h"
 
 #include <mutex>
@@ -75,18 +75,18 @@ bool canRead(FileFormat format) {
 }
 
 bool canWrite(FileFormat format) {
-    // There is an encoder for JPEG XR, but it fails on every picture when it writes to a stream.
+    // FreeImage has an encoder for JPEG XR, but it always fails when writing to a stream.
     return format != FileFormat::UNKNOWN && format != FileFormat::JXR &&
            FreeImage_FIFSupportsWriting(idOf(format)) != 0;
 }
 
-/// FreeImage names what its encoders accept, which is not always what the file then is.
+/// FreeImage reports what its encoders accept, which is not always what they write.
 bool holds(FileFormat format, SampleLayout layout) {
     switch (format) {
     case FileFormat::UNKNOWN: return false;
     case FileFormat::PSD:
         if (!hasColor(layout) && layout != SampleLayout::GRAY16) {
-            return false; // its other grey files come out with a broken header, which FreeImage cannot read back itself
+            return false; // other grey files get a broken header, which not even FreeImage can read
         }
         break;
     case FileFormat::JPEG:
@@ -95,7 +95,7 @@ bool holds(FileFormat format, SampleLayout layout) {
         }
         break;
     case FileFormat::PBM:
-    case FileFormat::PBMRAW: return false; // black and white only; anything else would be another format
+    case FileFormat::PBMRAW: return false; // black and white only; anything else would be written in another format
     case FileFormat::PGM:
     case FileFormat::PGMRAW: return layout == SampleLayout::GRAY8 || layout == SampleLayout::GRAY16;
     case FileFormat::PPM:
@@ -115,7 +115,7 @@ bool holdsColorProfile(FileFormat format) {
 }
 
 FileFormat formatOfName(const std::string& name) {
-    static std::mutex mutex; // FreeImage takes names apart with strtok, whose place is one for all threads
+    static std::mutex mutex; // FreeImage uses strtok, whose state all threads share
     const std::lock_guard lock(mutex);
     return formatOfId(FreeImage_GetFIFFromFilename(name.c_str()));
 }

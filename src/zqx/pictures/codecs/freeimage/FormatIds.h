@@ -1,4 +1,4 @@
-// FreeImage's numbers of file formats.
+// FreeImage's identifiers of file formats and bitmap types.
 #pragma once
 
 #include <FreeImage.h>
@@ -10,10 +10,10 @@ namespace zqx::pictures {
 /// FIF_UNKNOWN for UNKNOWN.
 FREE_IMAGE_FORMAT idOf(FileFormat format);
 
-/// UNKNOWN for formats that later versions of FreeImage may add.
+/// The inverse of idOf(); UNKNOWN for formats that only later versions of FreeImage have.
 FileFormat formatOfId(FREE_IMAGE_FORMAT id);
 
-/// What a layout is in a file's bitmap.
+/// The bitmap type in which a layout is encoded and decoded.
 FREE_IMAGE_TYPE storedTypeOf(SampleLayout layout);
 
 } // namespace zqx::pictures

@@ -1,4 +1,4 @@
-// What is asked of FreeImage's decoders, and what is not believed of their results.
+// Calls FreeImage's decoders and checks their results.
 #include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
 
 #include <atomic>
@@ -24,8 +24,9 @@ namespace {
 
 std::atomic<bool> gFaultsAreErrors = true;
 
-/// Several decoders fill up what is missing at the end of a file without a word. What a complete file lets its decoder
-/// read differs: some never read a byte too many, some read ahead in blocks, and some check for themselves.
+/// Whether the decoder reached the end of the file too early. Several decoders silently fill in missing data. With
+/// complete files, some decoders never try to read past the end, some read ahead in blocks, and some check it
+/// themselves.
 bool isCutShort(const FreeImageStream& stream, FileFormat format) {
     switch (format) {
     case FileFormat::BMP:
@@ -57,7 +58,7 @@ int loadFlags(FileFormat format) {
     }
 }
 
-/// FreeImage takes the samples of these for something else.
+/// Refuses TIFF files whose samples FreeImage misinterprets, or warns about them.
 void refuseMisreadTiff(const std::string& name, const TiffSamples& samples) {
     if (samples.perPixel == 2 && samples.bits == 16) {
         throw Error(
@@ -73,7 +74,7 @@ void refuseMisreadTiff(const std::string& name, const TiffSamples& samples) {
     }
 }
 
-/// What the colours are, once those of a file that multiplies stored numbers by alpha are divided.
+/// Determines the kind of alpha, and unpremultiplies 8-bit and 16-bit codes.
 AlphaKind alphaKindOf(FIBITMAP* bitmap, const Header& header) {
     switch (FreeImage_GetImageType(bitmap)) {
     case FIT_RGBAF:
@@ -90,21 +91,21 @@ AlphaKind alphaKindOf(FIBITMAP* bitmap, const Header& header) {
     return AlphaKind::STRAIGHT;
 }
 
-/// Empty where FreeImage refuses. @throws Error when the file brings its decoder down
+/// The decoded bitmap, or null if FreeImage refuses the file. @throws Error if the file crashes the decoder
 Bitmap tryDecode(FreeImageStream& stream, const std::string& name, FileFormat format, int flags) {
     listenToFreeImage();
     if (!gFaultsAreErrors) {
         return Bitmap(stream.decode(idOf(format), flags));
     }
     try {
-        const qutil::SehTranslator translator; // FreeImage's decoders trust what damaged files say of themselves
+        const qutil::SehTranslator translator; // damaged files may cause faults in FreeImage's decoders
         return Bitmap(stream.decode(idOf(format), flags));
     } catch (const qutil::SehException&) {
         throw Error(name, std::string("crashed the ") + nameOf(format) + " decoder; the file is probably damaged");
     }
 }
 
-/// What fails for want of memory or over a broken disk is not the file's fault. @throws Error, std::bad_alloc
+/// Reports failures that are not the file's fault: read errors and lack of memory. @throws Error, std::bad_alloc
 void checkSystem(const InputFile& file, bool decoded) {
     if (file.readFailure()) {
         throw Error(file.name(), "cannot be read (" + file.readFailure().message() + "); check the disk it is on");
@@ -114,7 +115,7 @@ void checkSystem(const InputFile& file, bool decoded) {
     }
 }
 
-/// With FreeImage's words in the failure. @throws Error
+/// Decodes a file. @throws Error with FreeImage's own message
 Bitmap decode(FreeImageStream& stream, const InputFile& file, FileFormat format, int flags) {
     Bitmap bitmap = tryDecode(stream, file.name(), format, flags);
     checkSystem(file, bitmap != nullptr);
@@ -133,13 +134,13 @@ void checkComplete(InputFile& file, const Header& header) {
     }
 }
 
-/// @throws Error for what cannot be worked with
+/// @throws Error if the picture is too large or of an unsupported kind
 void checkBitmap(const std::string& name, const Bitmap& bitmap, const Limits& limits) {
     if (!FreeImage_HasPixels(bitmap.get())) {
         throw Error(name, "contains no pixel data");
     }
     checkPictureSize(name, FreeImage_GetWidth(bitmap.get()), FreeImage_GetHeight(bitmap.get()),
-                     limits); // a header may lie, or tell nothing
+                     limits); // a header may be wrong or incomplete
     if (FreeImage_GetColorType(bitmap.get()) == FIC_CMYK) {
         throw Error(name, "is a CMYK picture, which is not supported; convert it to RGB first");
     }
@@ -205,7 +206,7 @@ Header readHeader(InputFile& file, FileFormat format) {
         header.info.channels = bits <= 32 ? (bits + 7) / 8 : bits % 3 == 0 ? 3 : 4;
         header.info.bitsPerChannel = bits <= 32 ? 8 : bits / header.info.channels;
     }
-    return header; // the decoder says more when it is asked for the pixels
+    return header; // decoding will report what is wrong
 }
 
 Picture decodeByFreeImage(InputFile& file, const Header& header, const Limits& limits) {

@@ -1,4 +1,4 @@
-// Picture files through FreeImage's decoders.
+// Decoding of picture files by FreeImage.
 #pragma once
 
 #include <optional>
@@ -12,19 +12,19 @@
 
 namespace zqx::pictures {
 
-/// The format by content, or else by the extension. @throws Error when neither is known
+/// The format by content, or by the extension if the content is not recognised. @throws Error if neither is known
 FileFormat detectFormat(InputFile& file);
 
-/// The header of a file, also of the formats whose headers only FreeImage reads.
-/// @throws Error when it brings its decoder down
+/// Reads the header of a file, also in formats whose headers only FreeImage can read.
+/// @throws Error if the file crashes the decoder
 Header readHeader(InputFile& file, FileFormat format);
 
-/// Decodes a file as its pixels are stored, not turned upright, in the working layout that keeps most of them, with a
-/// profile, comments and resolution. Warns of what is lost.
+/// Decodes a file, not turned upright, to the working layout that preserves most of it, with colour profile, comments
+/// and resolution. Warns about what is lost.
 /// @throws Error naming the file
 Picture decodeByFreeImage(InputFile& file, const Header& header, const Limits& limits);
 
-/// What a file says of its pixels, in words where people want it.
+/// A description of the pixels in a file, for people.
 struct PixelDescription {
     unsigned width = 0;
     unsigned height = 0;
@@ -32,16 +32,16 @@ struct PixelDescription {
     std::string samples; ///< "32-bit float, three channels"
     std::string color;   ///< "RGB with alpha"
     bool transparent = false;
-    Metadata metadata; ///< as far as the decoder reads it
+    Metadata metadata; ///< only what the decoder itself reads
 };
 
-/// Reads the header of a file, or decodes it where that cannot be read alone. @throws Error naming the file
+/// Reads the header of a file, or decodes it if the header cannot be read alone. @throws Error naming the file
 PixelDescription describeByFreeImage(InputFile& file, FileFormat format);
 
-/// From now on decoders' faults end this process. For one whose death is told by another.
+/// Lets faults in decoders end this process from now on, for a process whose parent reports its death.
 void dieOfFaults();
 
-/// Of the library that does this.
+/// The version of FreeImage.
 std::string freeImageVersion();
 
 } // namespace zqx::pictures

@@ -1,4 +1,4 @@
-// What is asked of FreeImage's encoders.
+// Calls FreeImage's encoders.
 #include "zqx/pictures/codecs/freeimage/FreeImageEncoder.h"
 
 #include <algorithm>
@@ -22,18 +22,18 @@ struct MemoryCloser {
 using Memory = std::unique_ptr<FIMEMORY, MemoryCloser>;
 
 int saveFlags(FileFormat format, int quality) {
-    constexpr int FINE_QUALITY = 90; // from here on colour subsampling is what shows first
+    constexpr int FINE_QUALITY = 90; // from here on chroma subsampling is the most visible loss
     switch (format) {
     case FileFormat::JPEG: return quality | (quality >= FINE_QUALITY ? JPEG_SUBSAMPLING_444 : JPEG_SUBSAMPLING_420);
     case FileFormat::WEBP: return quality;
     case FileFormat::EXR: return EXR_FLOAT; // the default would round to half floats
     case FileFormat::J2K:
-    case FileFormat::JP2: return 1; // without loss; the default keeps one byte of 16
+    case FileFormat::JP2: return 1; // lossless; the default compresses 16:1
     default: return 0;
     }
 }
 
-/// Brings values into what a Radiance file can say. Its encoder makes chance colours of negative ones.
+/// Clamps values to the range of Radiance files, whose encoder turns negative values into random colours.
 void limitToSharedExponent(img::Image& image) {
     const float largest = std::ldexp(255.0F, 127 - 8);
     const std::size_t samples = image.getWidth() * image.getBytePixelStride() / sizeof(float);
@@ -63,7 +63,7 @@ void encodeByFreeImage(const std::string& name, FileFormat format, PixelBuffer p
                               "; choose another extension such as .png or .tif");
     }
     bitmap.reset();
-    pixels.reset(); // the file takes room enough
+    pixels.reset(); // to save memory while the file is written
     consumer({reinterpret_cast<const char*>(bytes), size});
 }
 

@@ -1,4 +1,4 @@
-// Picture files by FreeImage's encoders.
+// Encoding of picture files by FreeImage.
 #pragma once
 
 #include <functional>
@@ -13,12 +13,12 @@ namespace zqx::pictures {
 
 /// Encodes pixels into memory.
 /// @param name of the file, for messages
-/// @param pixels in the working format of the layout; used up
-/// @param layout one that the format holds
-/// @param quality 1 to 100, for formats that have one
-/// @param metadata what the encoder is to put into the file
-/// @param consumer gets the whole file
-/// @throws Error when the encoder refuses
+/// @param pixels in the working format of the layout; consumed
+/// @param layout one that the format supports
+/// @param quality 1 to 100, for lossy formats
+/// @param metadata to be written by the encoder
+/// @param consumer receives the whole file
+/// @throws Error if the encoder fails
 void encodeByFreeImage(const std::string& name, FileFormat format, PixelBuffer pixels, SampleLayout layout, int quality,
                        const Metadata& metadata, const std::function<void(std::string_view)>& consumer);
 

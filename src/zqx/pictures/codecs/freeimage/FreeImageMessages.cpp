@@ -1,4 +1,4 @@
-// FreeImage's words, which reach a program only through one function for the whole process.
+// FreeImage reports messages through a single callback per process; they are kept per thread.
 #include "zqx/pictures/codecs/freeimage/FreeImageMessages.h"
 
 #include <algorithm>
@@ -30,8 +30,8 @@ void DLL_CALLCONV noteMessage(FREE_IMAGE_FORMAT, const char* message) {
     addMessage(tMessages, message);
 }
 
-/// The TIFF decoder's library writes to standard error by itself, at length and about harmless tags. What matters of it
-/// reaches us through FreeImage as well.
+/// The TIFF library writes lengthy messages about harmless tags to standard error. Those that matter are also passed on
+/// by FreeImage.
 void quietenTiffLibrary() {
 #if defined(__unix__)
     using Handler = void (*)(const char*, const char*, va_list);
@@ -48,7 +48,7 @@ void quietenTiffLibrary() {
 void listenToFreeImage() {
     static const bool quiet = (quietenTiffLibrary(), true);
     (void)quiet;
-    FreeImage_SetOutputMessage(noteMessage); // each time: FreeImage speaks to the last one who asked it to
+    FreeImage_SetOutputMessage(noteMessage); // each time: other code in the process may have set its own callback
     tMessages.clear();
 }
 

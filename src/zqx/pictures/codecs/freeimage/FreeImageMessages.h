@@ -1,20 +1,20 @@
-// What FreeImage says about the file that a thread works on.
+// FreeImage's messages about the file that a thread is working on.
 #pragma once
 
 #include <string>
 
 namespace zqx::pictures {
 
-/// Forgets what was said and listens, for the calling thread.
+/// Discards earlier messages of the calling thread and starts to collect new ones.
 void listenToFreeImage();
 
-/// What FreeImage said on this thread since it last began to listen; empty when nothing.
+/// The messages on this thread since the last call of listenToFreeImage(); may be empty.
 std::string freeImageMessages();
 
-/// True when FreeImage or one of its libraries said that there is not enough memory.
+/// Whether FreeImage or one of its libraries reported a lack of memory.
 bool saidToLackMemory();
 
-/// The messages in parentheses, with a space before them; nothing where there are none.
+/// The messages in parentheses after a space, to be appended to a message; empty if there are none.
 std::string inItsWords();
 
 } // namespace zqx::pictures

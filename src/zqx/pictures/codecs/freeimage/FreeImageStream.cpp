@@ -1,4 +1,4 @@
-// FreeImage's functions for reading. Nothing may be thrown through it: it is C in places.
+// FreeImage's input callbacks. They must not throw: parts of FreeImage are written in C.
 #include "zqx/pictures/codecs/freeimage/FreeImageStream.h"
 
 #include <algorithm>
@@ -61,7 +61,8 @@ unsigned FreeImageStream::read(void* buffer, unsigned size, unsigned count, fi_h
     stream.mMask.apply(place, got);
     stream.mReadAtEnd |= got.empty();
     stream.mReadShort |= got.size() < wanted.size();
-    // Some decoders do not look at what a read returns: let them find zeros, which end any name, and not chance bytes.
+    // Some decoders ignore the result of a read: let them find zeros, which terminate strings, rather than random
+    // bytes.
     std::ranges::fill(wanted.subspan(got.size()), '\0');
     return static_cast<unsigned>(got.size() / size);
 }

@@ -1,4 +1,4 @@
-// A picture file as FreeImage reads it.
+// A picture file as an input stream of FreeImage.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +14,7 @@
 
 namespace zqx::pictures {
 
-/// Reads a file for FreeImage and remembers whether a decoder ran past its end, which is how a cut-off picture shows.
+/// Reads a file for FreeImage and records whether a decoder tried to read past its end, which reveals a truncated file.
 class FreeImageStream {
 public:
     explicit FreeImageStream(InputFile& file, ByteMask mask = {}) : mFile(file), mMask(std::move(mask)) {}
@@ -22,12 +22,12 @@ public:
     /// The format by content; FIF_UNKNOWN for none.
     FREE_IMAGE_FORMAT detectFormat();
 
-    /// Decodes the file; null when FreeImage refuses.
+    /// Decodes the file; null if FreeImage refuses it.
     FIBITMAP* decode(FREE_IMAGE_FORMAT format, int flags);
 
-    /// True when the last decode asked for bytes at the end of the file, where there were none.
+    /// Whether the decoder tried to read at the end of the file.
     bool wasReadAtEnd() const { return mReadAtEnd; }
-    /// True when the last decode asked for more bytes than were left.
+    /// Whether the decoder tried to read more bytes than were left.
     bool wasReadShort() const { return mReadShort; }
 
 private:
@@ -42,7 +42,7 @@ private:
     InputFile& mFile;
     ByteMask mMask;
     std::uint64_t mPlace = 0;
-    std::string mWindow; // of the file, for the many small reads that decoders make
+    std::string mWindow; // a buffered part of the file, since decoders make many small reads
     std::uint64_t mWindowPlace = 0;
     bool mReadAtEnd = false;
     bool mReadShort = false;

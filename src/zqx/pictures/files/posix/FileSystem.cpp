@@ -76,12 +76,12 @@ bool isAbandoned(int descriptor, const std::string& name, std::chrono::seconds a
         std::time(nullptr) - opened.st_mtime < age.count() || !lock(descriptor)) {
         return false;
     }
-    // Whoever had the lock may have renamed the file.
+    // The previous owner of the lock may have renamed the file.
     struct stat named {};
     return lstat(name.c_str(), &named) == 0 && named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
 }
 
-/// Renames over a file that was made just for that: the name is ours from then on. Others may see it empty meanwhile.
+/// Reserves the new name with an empty file and renames over it. Other processes may see the empty file meanwhile.
 std::error_code renameOverPlaceholder(const std::string& from, const std::string& to) {
     const int placeholder = openDescriptor(to, O_WRONLY | O_CREAT | O_EXCL, 0600);
     if (placeholder < 0) {
@@ -102,7 +102,7 @@ OpenedFile openForReading(const std::string& name, std::error_code& failure) {
     const int descriptor = openDescriptor(name, O_RDONLY | O_NONBLOCK);
     if (descriptor < 0) {
         failure = lastError();
-        if (failure.value() == ENXIO && isSocket(name)) { // which cannot be opened by name at all
+        if (failure.value() == ENXIO && isSocket(name)) { // sockets cannot be opened by name
             failure.clear();
             file.kind = FileKind::SOCKET;
         }
@@ -159,7 +159,7 @@ std::int64_t tellStream(std::FILE* stream) {
 
 Stream createFile(const std::string& name, const std::string& model, std::error_code& failure) {
     constexpr mode_t PERMISSIONS = 0777;
-    constexpr mode_t NEW_FILE = 0666; // less what the user's mask takes away
+    constexpr mode_t NEW_FILE = 0666; // minus the user's umask
     struct stat present {};
     const bool hasModel = stat(model.c_str(), &present) == 0;
     const mode_t mode = hasModel ? present.st_mode & PERMISSIONS : NEW_FILE;
@@ -228,13 +228,14 @@ bool storeDurably(std::FILE* stream) {
 
 std::error_code storeFolder(const std::string& folder) {
     const int descriptor = openDescriptor(folder, O_RDONLY | O_DIRECTORY);
-    if (descriptor < 0) { // one may be allowed to write into a folder and not to list it
+    if (descriptor < 0) { // a folder may be writable without being readable
         return {};
     }
     const int result = persistently([descriptor] { return fsync(descriptor); });
     const std::error_code failure = resultOf(result);
     close(descriptor);
-    return failure == std::errc::invalid_argument ? std::error_code() : failure; // which file systems without it say
+    return failure == std::errc::invalid_argument ? std::error_code()
+                                                  : failure; // on file systems that do not support it
 }
 
 bool isWritable(const std::string& name, bool isFolder) {
@@ -250,7 +251,7 @@ std::error_code renameToNew(const std::string& from, const std::string& to) {
     if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
         return {};
     }
-    if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP) { // which file systems that cannot do it say
+    if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP) { // on file systems that do not support it
         return lastError();
     }
 #endif

@@ -1,4 +1,4 @@
-// Files on Windows. A file that a process has open cannot be removed by another one, which is all the locking it takes.
+// Files on Windows. No locks are needed, since a file that a process has open cannot be removed by another process.
 #include "zqx/pictures/files/FileSystem.h"
 
 #include <cerrno>
@@ -45,7 +45,7 @@ Stream streamFor(int descriptor, const char* mode, std::error_code& failure) {
 OpenedFile openForReading(const std::string& name, std::error_code& failure) {
     OpenedFile file;
     std::error_code ignored;
-    if (fs::is_directory(toPath(name), ignored)) { // which cannot be opened
+    if (fs::is_directory(toPath(name), ignored)) { // folders cannot be opened
         file.kind = FileKind::DIRECTORY;
         return file;
     }
