@@ -152,6 +152,41 @@ TEST_P(Codes16ImageTest, RowsAreConvertedAsImagesAre) {
     EXPECT_EQ(codes, back);
 }
 
+TEST_P(Codes16ImageTest, AllCodesOfAllChannelsComeBack) {
+    std::vector<std::uint16_t> codes(CODES * channels());
+    for (std::size_t i = 0; i < codes.size(); ++i) {
+        codes[i] = static_cast<std::uint16_t>(i / channels() + 4099 * (i % channels()));
+    }
+    std::vector<float> values(codes.size());
+    decodeCodes16(codes, channels(), values.data());
+    std::vector<std::uint16_t> back(codes.size());
+    encodeCodes16(values, channels(), back.data());
+    EXPECT_EQ(codes, back);
+}
+
+TEST_P(Codes16ImageTest, RowsThatBeginAtTheBottomAreTurnedOver) {
+    std::vector<std::uint16_t> codes(HEIGHT * rowSamples());
+    for (std::size_t i = 0; i < codes.size(); ++i) {
+        codes[i] = static_cast<std::uint16_t>(i * 40503);
+    }
+    GuardedImage image(WIDTH, HEIGHT, GetParam(), {4, 12});
+    SampleView<const std::uint16_t> source = viewOf<const std::uint16_t>(codes.data());
+    source.bottomFirst = true;
+    decodeCodes16(source, image.image());
+    std::vector<std::uint16_t> turned(codes.size(), GUARD);
+    encodeCodes16(image.image(), viewOf<std::uint16_t>(turned.data()));
+    std::vector<std::uint16_t> back(codes.size(), GUARD);
+    SampleView<std::uint16_t> target = viewOf<std::uint16_t>(back.data());
+    target.bottomFirst = true;
+    encodeCodes16(image.image(), target);
+    for (std::size_t y = 0; y < HEIGHT; ++y) {
+        for (std::size_t i = 0; i < WIDTH * channels(); ++i) {
+            ASSERT_EQ(codes[y * rowSamples() + i], turned[(HEIGHT - 1 - y) * rowSamples() + i]) << y;
+            ASSERT_EQ(codes[y * rowSamples() + i], back[y * rowSamples() + i]) << y;
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(EachFormat, Codes16ImageTest, testing::ValuesIn(test::FLOAT_FORMATS),
                          [](const auto& each) { return test::nameOf(each.param); });
 

@@ -10,14 +10,17 @@ namespace zqx::img::kernels {
 template <typename Sample>
 struct SampleView {
     Sample* data;
-    std::size_t width;     ///< pixels in a row
-    std::size_t height;    ///< rows
-    std::size_t channels;  ///< samples of a pixel: 1, 3, or 4 with alpha last
-    std::size_t rowStride; ///< bytes from one row to the next
+    std::size_t width;        ///< pixels in a row
+    std::size_t height;       ///< rows
+    std::size_t channels;     ///< samples of a pixel: 1, 3, or 4 with alpha last
+    std::size_t rowStride;    ///< bytes from one row to the next
+    bool bottomFirst = false; ///< whether memory begins with the bottom row
 
+    /// Row 0 is the top one.
     Sample* row(std::size_t y) const {
         using Byte = std::conditional_t<std::is_const_v<Sample>, const unsigned char, unsigned char>;
-        return reinterpret_cast<Sample*>(reinterpret_cast<Byte*>(data) + y * rowStride);
+        return reinterpret_cast<Sample*>(reinterpret_cast<Byte*>(data) +
+                                         (bottomFirst ? height - 1 - y : y) * rowStride);
     }
     std::size_t samplesPerRow() const { return width * channels; }
 };

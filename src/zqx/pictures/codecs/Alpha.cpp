@@ -2,48 +2,15 @@
 // the light of a flame: there is nothing to divide it by, and it keeps its values.
 #include "zqx/pictures/codecs/Alpha.h"
 
-#include <cstddef>
-#include <span>
-
-#include <zqx/img/Color.h>
-
-#include "kernels/Rows.h"
+#include "kernels/Premultiply.h"
 
 namespace zqx::pictures {
 
 namespace {
 
-/// @param image in RGBA32F
-template <typename Change>
-void forEachPixel(img::Image& image, const Change& change) {
-    img::kernels::forEachRow(image.getHeight(), [&](std::size_t y) {
-        for (img::Color& pixel : std::span(static_cast<img::Color*>(image.getRowPtr(y)), image.getWidth())) {
-            change(pixel);
-        }
-    });
-}
-
-void unpremultiply(img::Image& image) {
-    forEachPixel(image, [](img::Color& pixel) {
-        if (pixel.a > 0.0F) {
-            pixel.r /= pixel.a;
-            pixel.g /= pixel.a;
-            pixel.b /= pixel.a;
-        }
-    });
-}
-
-void premultiply(img::Image& image, bool keepLight) {
-    forEachPixel(image, [keepLight](img::Color& pixel) {
-        if (pixel.a > 0.0F) {
-            pixel.r *= pixel.a;
-            pixel.g *= pixel.a;
-            pixel.b *= pixel.a;
-        } else if (!keepLight) {
-            pixel.r = pixel.g = pixel.b = 0.0F; // hidden colour, which would begin to shine
-        }
-    });
-}
+using img::kernels::premultiplyFloats;
+using img::kernels::Uncovered;
+using img::kernels::unpremultiplyFloats;
 
 /// Pictures in other formats are never premultiplied.
 bool isRgbaFloat(const img::Image& image) {
@@ -58,7 +25,7 @@ bool holdsPremultiplied(FileFormat format) {
 
 void straightenAlpha(Picture& picture) {
     if (picture.alpha == AlphaKind::PREMULTIPLIED && isRgbaFloat(picture.image())) {
-        unpremultiply(picture.image());
+        unpremultiplyFloats(picture.image());
         picture.alpha = AlphaKind::UNPREMULTIPLIED;
     }
 }
@@ -67,7 +34,7 @@ void prepareAlpha(Picture& source, FileFormat format, SampleLayout layout, bool 
     if (hasAlpha(layout) && (recolored || !holdsPremultiplied(format))) {
         straightenAlpha(source);
     } else if (source.alpha == AlphaKind::UNPREMULTIPLIED && isRgbaFloat(source.image())) {
-        premultiply(source.image(), true);
+        premultiplyFloats(source.image(), Uncovered::KEPT);
         source.alpha = AlphaKind::PREMULTIPLIED;
     }
 }
@@ -75,7 +42,7 @@ void prepareAlpha(Picture& source, FileFormat format, SampleLayout layout, bool 
 void finishAlpha(img::Image& image, FileFormat format, SampleLayout layout, const Picture& original) {
     if (holdsPremultiplied(format) && layout == SampleLayout::RGBA32F && original.alpha != AlphaKind::PREMULTIPLIED &&
         hasAlpha(original.stored)) {
-        premultiply(image, original.alpha == AlphaKind::UNPREMULTIPLIED);
+        premultiplyFloats(image, original.alpha == AlphaKind::UNPREMULTIPLIED ? Uncovered::KEPT : Uncovered::BLACKED);
     }
 }
 

@@ -3,12 +3,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <span>
 #include <utility>
 
-#include "kernels/Rows.h"
-#include "zqx/pictures/codecs/Depth16.h"
+#include "kernels/Codes16.h"
+#include "kernels/Doubles.h"
+#include "kernels/Premultiply.h"
 #include "zqx/pictures/codecs/freeimage/FormatIds.h"
 #include "zqx/pictures/codecs/freeimage/FreeImageMessages.h"
 #include "zqx/pictures/files/Error.h"
@@ -38,46 +38,33 @@ bool isGrayRamp(FIBITMAP* bitmap) {
     return FreeImage_GetBPP(bitmap) == 8;
 }
 
-/// The row of a bitmap that is the y-th of the picture from the top.
+/// The samples of a bitmap, seen from the top.
 template <typename Sample>
-Sample* rowFromTop(FIBITMAP* bitmap, std::size_t y, RowOrder order) {
-    const std::size_t line = order == RowOrder::TOP_FIRST ? y : FreeImage_GetHeight(bitmap) - 1 - y;
-    return reinterpret_cast<Sample*>(FreeImage_GetScanLine(bitmap, static_cast<int>(line)));
+img::kernels::SampleView<Sample> samplesOf(FIBITMAP* bitmap, std::size_t channels, RowOrder order) {
+    return {reinterpret_cast<Sample*>(FreeImage_GetBits(bitmap)),
+            FreeImage_GetWidth(bitmap),
+            FreeImage_GetHeight(bitmap),
+            channels,
+            FreeImage_GetPitch(bitmap),
+            order == RowOrder::BOTTOM_FIRST};
 }
 
 PixelBuffer doublesToFloats(FIBITMAP* bitmap, RowOrder order) {
     PixelBuffer pixels(FreeImage_GetWidth(bitmap), FreeImage_GetHeight(bitmap), SampleLayout::GRAY32F);
-    for (std::size_t y = 0; y < pixels.height(); ++y) {
-        const auto* from = rowFromTop<const double>(bitmap, y, order);
-        std::transform(from, from + pixels.width(), static_cast<float*>(pixels.image().getRowPtr(y)),
-                       [](double value) { return static_cast<float>(value); });
-    }
+    img::kernels::narrowDoubles(samplesOf<const double>(bitmap, 1, order), pixels.image());
     return pixels;
 }
 
 /// 16-bit samples as linear floats.
 ConvertedPixels decodeDepth16(FIBITMAP* bitmap, SampleLayout layout, RowOrder order) {
     PixelBuffer pixels(FreeImage_GetWidth(bitmap), FreeImage_GetHeight(bitmap), layout);
-    const std::size_t channels = channelCount(layout);
-    const std::size_t samples = channels * pixels.width();
-    const Depth16Decoder decode;
-    img::kernels::forEachRow(pixels.height(), [&, order](std::size_t y) {
-        decode({rowFromTop<const std::uint16_t>(bitmap, y, order), samples},
-               static_cast<float*>(pixels.image().getRowPtr(y)), channels);
-    });
+    img::kernels::decodeCodes16(samplesOf<const std::uint16_t>(bitmap, channelCount(layout), order), pixels.image());
     return {std::move(pixels), layout};
 }
 
 Bitmap encodeDepth16(const PixelBuffer& pixels, SampleLayout layout, RowOrder order) {
     Bitmap bitmap = allocateBitmap(storedTypeOf(layout), pixels.width(), pixels.height());
-    const std::size_t channels = channelCount(layout);
-    const std::size_t samples = channels * pixels.width();
-    const Depth16Encoder encode;
-    FIBITMAP* target = bitmap.get();
-    img::kernels::forEachRow(pixels.height(), [&, target, order](std::size_t y) {
-        encode({static_cast<const float*>(pixels.image().getRowPtr(y)), samples},
-               rowFromTop<std::uint16_t>(target, y, order), channels);
-    });
+    img::kernels::encodeCodes16(pixels.image(), samplesOf<std::uint16_t>(bitmap.get(), channelCount(layout), order));
     return bitmap;
 }
 
@@ -120,21 +107,6 @@ Converted convert(const std::string& name, FIBITMAP* bitmap) {
     }
 }
 
-template <typename Code>
-void unpremultiply(FIBITMAP* bitmap) {
-    constexpr std::size_t CHANNELS = 4;
-    static constexpr std::uint32_t WHITE = std::numeric_limits<Code>::max();
-    img::kernels::forEachRow(FreeImage_GetHeight(bitmap), [bitmap](std::size_t y) {
-        auto* pixel = reinterpret_cast<Code*>(FreeImage_GetScanLine(bitmap, static_cast<int>(y)));
-        for (const Code* end = pixel + CHANNELS * FreeImage_GetWidth(bitmap); pixel != end; pixel += CHANNELS) {
-            const std::uint32_t alpha = pixel[CHANNELS - 1];
-            for (std::size_t i = 0; alpha > 0 && i < CHANNELS - 1; ++i) {
-                pixel[i] = static_cast<Code>(std::min(WHITE, (pixel[i] * WHITE + alpha / 2) / alpha));
-            }
-        }
-    });
-}
-
 } // namespace
 
 ConvertedPixels toWorkingLayout(const std::string& name, Bitmap bitmap, RowOrder order) {
@@ -171,7 +143,13 @@ Bitmap toStoredLayout(const std::string& name, PixelBuffer& pixels, SampleLayout
 }
 
 void unpremultiplyCodes(FIBITMAP* bitmap) {
-    FreeImage_GetImageType(bitmap) == FIT_RGBA16 ? unpremultiply<WORD>(bitmap) : unpremultiply<BYTE>(bitmap);
+    if (FreeImage_GetImageType(bitmap) == FIT_RGBA16) {
+        img::kernels::unpremultiplyCodes(samplesOf<std::uint16_t>(bitmap, 4, RowOrder::BOTTOM_FIRST));
+    } else {
+        img::kernels::unpremultiplyCodes(img::Image(FreeImage_GetBits(bitmap), FreeImage_GetWidth(bitmap),
+                                                    FreeImage_GetHeight(bitmap), workingFormat(SampleLayout::RGBA8),
+                                                    FreeImage_GetPitch(bitmap)));
+    }
 }
 
 } // namespace zqx::pictures
