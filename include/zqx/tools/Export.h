@@ -6,10 +6,6 @@
 /// Marks what the shared library exports.
 /// @ingroup tools
 
-/// @defgroup tools Tools for pictures and folders of pictures
-/// Parameter documents, runs over many pictures, histograms, comparisons, downscaling, contact sheets and lookup
-/// tables: what the program zqx-img does, for programs of your own.
-
 #if !defined(_WIN32)
 #define ZQX_TOOLS_EXPORT __attribute__((visibility("default")))
 #elif defined(ZQX_STATIC_LIBRARIES)
