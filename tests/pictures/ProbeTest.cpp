@@ -1,11 +1,14 @@
 // What headers tell of pictures, for every format that is understood, and for files that lie.
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "zqx/pictures/Diagnostics.h"
 #include "zqx/pictures/bytes/Probe.h"
+#include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
 
 #include <cli/Pictures.h>
@@ -53,6 +56,41 @@ protected:
 template <std::size_t N>
 std::string raw(const char (&text)[N]) {
     return {text, N - 1};
+}
+
+std::string little(std::uint64_t value, int size) {
+    std::string bytes;
+    for (int i = 0; i < size; ++i) {
+        bytes.push_back(static_cast<char>(value >> (8 * i) & 0xFFU));
+    }
+    return bytes;
+}
+
+/// An uncompressed OpenEXR file with one black pixel.
+std::string exrFile(const std::vector<std::string>& channels) {
+    const auto attribute = [](const std::string& name, const std::string& type, const std::string& value) {
+        return name + '\0' + type + '\0' + little(value.size(), 4) + value;
+    };
+    const std::string one = little(0x3F800000, 4); // 1.0F
+    const std::string zero(4, '\0');
+    std::string list;
+    for (const std::string& name : channels) {
+        constexpr std::uint64_t FLOAT = 2;
+        list += name + '\0' + little(FLOAT, 4) + zero + little(1, 4) + little(1, 4);
+    }
+    const std::string box(16, '\0');
+    std::string file = raw("v/1\x01\2\0\0\0");
+    file += attribute("channels", "chlist", list + '\0');
+    file += attribute("compression", "compression", std::string(1, '\0'));
+    file += attribute("dataWindow", "box2i", box);
+    file += attribute("displayWindow", "box2i", box);
+    file += attribute("lineOrder", "lineOrder", std::string(1, '\0'));
+    file += attribute("pixelAspectRatio", "float", one);
+    file += attribute("screenWindowCenter", "v2f", zero + zero);
+    file += attribute("screenWindowWidth", "float", one);
+    file.push_back('\0');
+    file += little(file.size() + 8, 8); // where the only row begins
+    return file + zero + little(4 * channels.size(), 4) + std::string(4 * channels.size(), '\0');
 }
 
 const std::string GIF_SCREEN = raw("GIF89a\x01\0\x01\0\x80\0\0\1\2\3\4\5\6"); // 1 x 1, a table of two colours
@@ -270,6 +308,35 @@ TEST_F(ProbeTest, WhatAJpegHoldsBesideItsPicture) {
         Strings{"a gain map"});
     EXPECT_EQ(lost('\xE2', raw("urn:iso:std:iso:ts:21496:-1\0....")), Strings{"a gain map"});
     EXPECT_EQ(lost('\xE2', raw("MPF\0II*\0")), Strings{"further pictures behind the first"});
+}
+
+TEST_F(ProbeTest, ExrChannelsThatAreNotDecodedAreLost) {
+    using Strings = std::vector<std::string>;
+    const auto lost = [&](const Strings& channels) { return headerOfBytes(exrFile(channels), FileFormat::EXR).lost; };
+    for (const Strings& all :
+         {Strings{"B", "G", "R"}, Strings{"A", "B", "G", "R"}, Strings{"Y"}, Strings{"Z"},
+          Strings{"beauty.B", "beauty.G", "beauty.R"}, Strings{"BY", "RY", "Y"}, Strings{"A", "BY", "RY", "Y"}}) {
+        EXPECT_EQ(lost(all), Strings()) << all.back();
+    }
+    for (const Strings& more : {Strings{"A", "B", "G", "R", "Z"}, Strings{"B", "G", "R", "Z"},
+                                Strings{"A", "B", "G", "R", "diffuse.R"}, Strings{"BY", "RY", "Y", "Z"}}) {
+        EXPECT_EQ(lost(more), Strings{"channels beyond RGBA"}) << more.back();
+    }
+    EXPECT_EQ(lost({"A", "Y"}), Strings{"channels beyond grey"});
+    EXPECT_EQ(headerOfBytes(exrFile({"A", "B", "G", "R", "X", "Y", "Z"}), FileFormat::EXR).info.channels, 4U);
+}
+
+TEST_F(ProbeTest, ExrChannelsThatAreLostAreToldOnce) {
+    const auto warningsOf = [&](const std::vector<std::string>& channels) {
+        img::test::writeFile(at("a.exr"), exrFile(channels));
+        std::vector<std::string> warnings;
+        const WarningListener listener([&](const std::string& line) { warnings.push_back(line); });
+        decodePicture(at("a.exr"), {});
+        return warnings;
+    };
+    EXPECT_EQ(warningsOf({"A", "B", "G", "R"}), std::vector<std::string>());
+    EXPECT_EQ(warningsOf({"A", "B", "G", "R", "Z"}),
+              std::vector<std::string>{at("a.exr") + ": holds channels beyond RGBA, which cannot be carried over"});
 }
 
 TEST_F(ProbeTest, DamagedFilesDoNoHarm) {

@@ -1,6 +1,8 @@
 // Headers of container formats, made of chunks, blocks or boxes, which may contain more than one picture.
 #include <algorithm>
 #include <iterator>
+#include <set>
+#include <string>
 
 #include "zqx/pictures/bytes/HeaderReaders.h"
 
@@ -69,7 +71,7 @@ public:
             const std::uint64_t size = mReader.little(4);
             const std::uint64_t value = mReader.place();
             if (name == "channels") {
-                mChannels = countChannels(value + size);
+                readChannels(value + size, header);
             } else if (name == "dataWindow") {
                 readWindow();
             }
@@ -81,15 +83,30 @@ public:
 private:
     static constexpr std::size_t LONGEST_NAME = 255;
 
-    unsigned countChannels(std::uint64_t end) {
-        constexpr unsigned MOST_CHANNELS = 4; // more are not decoded
+    void readChannels(std::uint64_t end, Header& header) {
         constexpr std::uint64_t DESCRIPTION = 16;
-        unsigned count = 0;
-        while (mReader.place() < end && count < MOST_CHANNELS && !mReader.textUpToZero(LONGEST_NAME).empty()) {
+        std::set<std::string> names;
+        for (int i = 0; i < MOST_PARTS && mReader.place() < end; ++i) {
+            const std::string name = mReader.textUpToZero(LONGEST_NAME);
+            if (name.empty()) {
+                break;
+            }
             mReader.skip(DESCRIPTION);
-            ++count;
+            names.insert(name);
         }
-        return count;
+        mChannels = static_cast<unsigned>(names.size());
+        noteUndecoded(names, header);
+    }
+
+    /// The decoder reads RGB, or luminance with chroma, each with alpha, and otherwise luminance alone. It refuses
+    /// files with several channels of other names.
+    static void noteUndecoded(const std::set<std::string>& names, Header& header) {
+        const bool colored = (names.contains("R") && names.contains("G") && names.contains("B")) ||
+                             (names.contains("Y") && names.contains("RY") && names.contains("BY"));
+        const std::size_t decoded = colored ? names.contains("A") ? 4 : 3 : 1;
+        if ((colored || names.contains("Y")) && names.size() > decoded) {
+            header.lost.emplace_back(colored ? "channels beyond RGBA" : "channels beyond grey");
+        }
     }
 
     /// Reads the two corners, which are inclusive.

@@ -115,6 +115,12 @@ void checkSystem(const InputFile& file, bool decoded) {
     }
 }
 
+/// FreeImage's message about channels that it leaves out says no more than the warning about what the header announces.
+bool repeatsWhatIsLost(const Header& header) {
+    return header.info.format == FileFormat::EXR && !header.lost.empty() &&
+           freeImageMessages().find(" color model ") != std::string::npos;
+}
+
 /// Decodes a file. @throws Error with FreeImage's own message
 Bitmap decode(FreeImageStream& stream, const InputFile& file, FileFormat format, int flags) {
     Bitmap bitmap = tryDecode(stream, file.name(), format, flags);
@@ -221,7 +227,7 @@ Picture decodeByFreeImage(InputFile& file, const Header& header, const Limits& l
         throw Error(name, "is cut short" + inItsWords() + "; get a complete copy");
     }
     checkComplete(file, header);
-    if (!freeImageMessages().empty()) {
+    if (!freeImageMessages().empty() && !repeatsWhatIsLost(header)) {
         warn(name, freeImageMessages());
     }
     checkBitmap(name, bitmap, limits);
