@@ -27,7 +27,7 @@ done < <(find include src apps platform tests examples bench -name '*.cpp' -prin
 # Headers lie beside their sources and are not counted.
 while read -r count folder; do
     ((count <= MOST_SOURCES)) || complaints+=("$folder has $count sources: more than $MOST_SOURCES are hard to survey.")
-done < <(find src apps platform examples bench -name '*.cpp' -printf '%h\n' | sort | uniq -c)
+done < <(find src apps platform tests examples bench -name '*.cpp' -printf '%h\n' | sort | uniq -c)
 
 ((${#complaints[@]} == 0)) || {
     printf '%s\n' "${complaints[@]}" >&2

@@ -9,8 +9,8 @@
 
 #include <rapidjson/document.h>
 
-#include "Pictures.h"
-#include "Program.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 
@@ -88,8 +88,7 @@ TEST_F(InterruptTest, InterruptedRunLeavesWholePicturesAndGoesOnFromThere) {
     const std::vector<std::string> done = outputs(false);
     EXPECT_GE(done.size(), 2U);
     EXPECT_LT(done.size(), static_cast<std::size_t>(PICTURES));
-    EXPECT_NE(outcome.err.find(" of 12 pictures done; --update continues from here"), std::string::npos)
-        << outcome.err;
+    EXPECT_NE(outcome.err.find(" of 12 pictures done; --update continues from here"), std::string::npos) << outcome.err;
     expectWholePictures();
 
     std::map<std::string, fs::file_time_type> times;

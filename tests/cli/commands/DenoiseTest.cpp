@@ -1,8 +1,8 @@
 // denoise: what is refused, and in which words. None of it needs the denoiser.
 #include <filesystem>
 
-#include "Pictures.h"
-#include "Program.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 

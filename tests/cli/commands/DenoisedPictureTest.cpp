@@ -5,9 +5,9 @@
 
 #include <zqx/img/DenoisingFilter.h>
 
-#include "Pictures.h"
-#include "Program.h"
-#include "Render.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
+#include "cli/commands/Render.h"
 
 namespace zqx::img::test {
 

@@ -1,9 +1,9 @@
 // info: what it tells of pictures.
 #include <rapidjson/document.h>
 
-#include "Exiftool.h"
-#include "Pictures.h"
-#include "Program.h"
+#include "cli/Exiftool.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 

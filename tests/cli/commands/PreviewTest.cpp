@@ -4,8 +4,8 @@
 #include <cstring>
 #include <limits>
 
-#include "Pictures.h"
-#include "Program.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 

@@ -1,5 +1,5 @@
 // The render is arithmetic and a fixed sequence of random numbers: the same on every machine.
-#include "Render.h"
+#include "cli/commands/Render.h"
 
 #include <algorithm>
 #include <array>

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Pictures.h"
+#include "cli/Pictures.h"
 
 namespace zqx::img::test {
 

@@ -1,8 +1,8 @@
 // Invalid command lines: what is wrong with them, and what was probably meant.
 #include <filesystem>
 
-#include "Pictures.h"
-#include "Program.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 

@@ -2,8 +2,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "Pictures.h"
-#include "Program.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 

@@ -1,6 +1,6 @@
 // What is too large is refused by its header, with the option that raises the limit.
-#include "Pictures.h"
-#include "Program.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 

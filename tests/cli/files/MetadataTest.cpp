@@ -1,9 +1,9 @@
 // Metadata from input to output, written and read by ExifTool.
 #include <algorithm>
 
-#include "Exiftool.h"
-#include "Pictures.h"
-#include "Program.h"
+#include "cli/Exiftool.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 
@@ -268,7 +268,8 @@ TEST_F(MetadataTest, StrippedExifStillTurnsAndLeavesTheProfile) {
 }
 
 TEST_F(MetadataTest, UnknownClassIsRefusedWithThoseThatExist) {
-    fail(2, {"apply", ZQX_SAMPLE, "-o", at("out.png"), "--strip", "exif,gps"}, "\"gps\" is not one of icc, exif, xmp, iptc, all");
+    fail(2, {"apply", ZQX_SAMPLE, "-o", at("out.png"), "--strip", "exif,gps"},
+         "\"gps\" is not one of icc, exif, xmp, iptc, all");
 }
 
 TEST_F(MetadataTest, ProfileKeepsItsBytes) {

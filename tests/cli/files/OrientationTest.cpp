@@ -1,7 +1,7 @@
 // Pictures that were stored lying on a side: turned upright once, whatever the format, and never again.
-#include "Exiftool.h"
-#include "Pictures.h"
-#include "Program.h"
+#include "cli/Exiftool.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 

@@ -1,8 +1,8 @@
 // Names of outputs that would mislead, or cost the user a file: refused before any work.
 #include <filesystem>
 
-#include "Pictures.h"
-#include "Program.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 

@@ -6,8 +6,8 @@
 
 #include <rapidjson/document.h>
 
-#include "Pictures.h"
-#include "Program.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 

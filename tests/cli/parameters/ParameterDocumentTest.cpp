@@ -1,7 +1,7 @@
 // Parameter documents on the command line: several over each other, what is said about their faults, and refusals.
 #include <sstream>
 
-#include "Program.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 

@@ -5,7 +5,7 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
-#include "Program.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 

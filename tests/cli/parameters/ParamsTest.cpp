@@ -1,6 +1,6 @@
 // The naming of adjustments, the parameter document, and the words of the program.
-#include "Pictures.h"
-#include "Program.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 

@@ -7,8 +7,8 @@
 #include <sys/inotify.h>
 #include <unistd.h>
 
-#include "Pictures.h"
-#include "Program.h"
+#include "cli/Pictures.h"
+#include "cli/Program.h"
 
 namespace zqx::img::test {
 
