@@ -48,7 +48,8 @@ void addReadingOptions(CLI::App& command, pictures::ReadOptions& options) {
             turnOn();
             options.requireConfinement = false;
         },
-        "Isolate also where the system cannot confine the separate process, which then can do what you can; implies "
+        "Isolate even if the system cannot confine the separate process, which then has all of your permissions; "
+        "implies "
         "--isolate");
     CLI::Option* memory =
         addSizeOption(command, "--decode-memory", options.decodeMemory, "half of the memory, at least 4G",

@@ -1,4 +1,4 @@
-// Pictures that were opened once, for all that is asked of them.
+// Work on pictures that are open already, so that each file is opened only once.
 #pragma once
 
 #include <functional>
@@ -9,15 +9,16 @@
 
 namespace zqx::tools {
 
-/// For the question how much memory a picture takes.
+/// What the memory estimate of an open picture is based on.
 inline MemoryInput memoryInput(const pictures::PictureFile& file) {
     return {file.name(), file.header.info, file.input.size()};
 }
 
-/// Is told of a picture whose header was read, before it is decoded. It may wait, and what it throws ends the work.
+/// Called when the header of a picture has been read, before it is decoded. It may block; an exception ends the work on
+/// the picture.
 using Admission = std::function<void(const pictures::PictureFile& file)>;
 
-/// applyToPicture() for whoever lets pictures in one after the other.
+/// applyToPicture() that waits for the picture to be admitted.
 ApplyResult applyToPicture(const ApplyFiles& files, const ApplySettings& settings, const Admission& admit);
 
 } // namespace zqx::tools
