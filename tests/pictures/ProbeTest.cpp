@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "zqx/pictures/Diagnostics.h"
+#include "zqx/pictures/Reader.h"
 #include "zqx/pictures/bytes/Probe.h"
-#include "zqx/pictures/codecs/Decode.h"
 #include "zqx/pictures/codecs/freeimage/FreeImageDecoder.h"
 
 #include <cli/Pictures.h>
@@ -331,7 +331,7 @@ TEST_F(ProbeTest, ExrChannelsThatAreLostAreToldOnce) {
         img::test::writeFile(at("a.exr"), exrFile(channels));
         std::vector<std::string> warnings;
         const WarningListener listener([&](const std::string& line) { warnings.push_back(line); });
-        decodePicture(at("a.exr"), {});
+        readPicture(at("a.exr"));
         return warnings;
     };
     EXPECT_EQ(warningsOf({"A", "B", "G", "R"}), std::vector<std::string>());
