@@ -17,6 +17,12 @@ std::string raw(const char (&text)[N]) {
     return {text, N - 1};
 }
 
+std::string gHeard;
+
+void DLL_CALLCONV hear(FREE_IMAGE_FORMAT /*format*/, const char* message) {
+    gHeard += message;
+}
+
 class DamagedPictureTest : public img::test::DirectoryTest {
 protected:
     /// The error of decoding a file; empty where it is decoded.
@@ -184,6 +190,20 @@ TEST(WritableFormatsTest, JpegXrIsNotAmongThem) {
     EXPECT_TRUE(canRead(FileFormat::JXR) || !canWrite(FileFormat::JXR));
     EXPECT_FALSE(canWrite(FileFormat::JXR));
     EXPECT_THROW(outputFormat("a.jxr"), UsageError);
+}
+
+TEST_F(DamagedPictureTest, MessageFunctionOfTheProgramStays) {
+    img::test::writePicture(at("a.png"), indexed());
+    img::test::writeFile(at("a.png"), img::test::readFile(at("a.png")).substr(0, 60));
+    FreeImage_SetOutputMessage(hear);
+    gHeard.clear();
+    const std::string error = errorOf("a.png");
+    EXPECT_NE(gHeard, "");
+    EXPECT_NE(error.find(gHeard), std::string::npos) << error;
+    gHeard.clear();
+    EXPECT_EQ(FreeImage_Load(FIF_PNG, at("a.png").c_str(), 0), nullptr);
+    EXPECT_NE(gHeard, "");
+    FreeImage_SetOutputMessage(nullptr);
 }
 
 } // namespace zqx::pictures

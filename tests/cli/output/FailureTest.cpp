@@ -210,6 +210,31 @@ TEST_F(FailureTest, DamagedContentIsToldInTheDecodersWords) {
     fail(1, {"apply", at("in.png"), "-o", at("out.png")}, "cannot be read as PNG (");
 }
 
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which need all the address space there is
+/// Wherever it is that memory runs out.
+TEST_F(FailureTest, LackOfMemoryIsNotCalledDamage) {
+    const Bitmap picture = paint(3000, 3000, 24, motley);
+    for (const char* name :
+         {"in.ppm", "in.png", "in.jpg", "in.tif", "in.bmp", "in.psd", "in.tga", "in.webp", "in.jp2"}) {
+        writePicture(at(name), picture);
+        int failures = 0;
+        for (const int mebibytes : {66, 74, 82, 90, 100, 120}) {
+            const std::string script =
+                "ulimit -v " + std::to_string(mebibytes * 1024) + "; exec \"$0\" apply \"$1\" -o \"$2\"";
+            const Outcome outcome =
+                runCommand({"env", "OMP_NUM_THREADS=1", "sh", "-c", script, ZQX_PROGRAM, at(name), at("out.ppm")});
+            if (outcome.exitCode != 0) {
+                EXPECT_EQ(outcome.exitCode, 1) << name << ", " << mebibytes << " MiB: " << outcome.err;
+                EXPECT_NE(outcome.err.find("out of memory"), std::string::npos)
+                    << name << ", " << mebibytes << " MiB: " << outcome.err;
+                ++failures;
+            }
+        }
+        EXPECT_GT(failures, 0) << name;
+    }
+}
+#endif
+
 TEST_F(FailureTest, PrintingInksAreConverted) {
     const Bitmap inks = paint(8, 8, 32, motley);
     FreeImage_GetICCProfile(inks.get())->flags |= FIICC_COLOR_IS_CMYK;

@@ -119,6 +119,7 @@ ConvertedPixels toWorkingLayout(const std::string& name, Bitmap bitmap, RowOrder
     }
     const Converted converted = convert(name, bitmap.get());
     if (converted.bitmap == nullptr) {
+        checkForLackOfMemory(std::uint64_t{4} * FreeImage_GetWidth(bitmap.get()) * FreeImage_GetHeight(bitmap.get()));
         throw Error(name, "cannot be converted to a supported sample layout" + inItsWords());
     }
     if (converted.bitmap != bitmap.get()) {
@@ -137,6 +138,7 @@ Bitmap toStoredLayout(const std::string& name, PixelBuffer& pixels, SampleLayout
     }
     Bitmap palette(FreeImage_ColorQuantizeEx(bitmap.get(), FIQ_WUQUANT, 256, 0, nullptr));
     if (!palette) {
+        checkForLackOfMemory(std::uint64_t{2} * pixels.width() * pixels.height());
         throw Error(name, "the colours cannot be reduced to a palette of 256" + inItsWords());
     }
     return palette;

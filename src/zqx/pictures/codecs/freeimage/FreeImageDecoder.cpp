@@ -8,6 +8,7 @@
 #include <qutil/SehException.h>
 #include <qutil/SehTranslator.h>
 
+#include "zqx/img/LibraryMessages.h"
 #include "zqx/pictures/bytes/Completeness.h"
 #include "zqx/pictures/codecs/Limits.h"
 #include "zqx/pictures/codecs/MetadataMask.h"
@@ -93,7 +94,7 @@ AlphaKind alphaKindOf(FIBITMAP* bitmap, const Header& header) {
 
 /// The decoded bitmap, or null if FreeImage refuses the file. @throws Error if the file crashes the decoder
 Bitmap tryDecode(FreeImageStream& stream, const std::string& name, FileFormat format, int flags) {
-    listenToFreeImage();
+    const img::LibraryMessages listening;
     if (!gFaultsAreErrors) {
         return Bitmap(stream.decode(idOf(format), flags));
     }
@@ -105,13 +106,10 @@ Bitmap tryDecode(FreeImageStream& stream, const std::string& name, FileFormat fo
     }
 }
 
-/// Reports failures that are not the file's fault: read errors and lack of memory. @throws Error, std::bad_alloc
-void checkSystem(const InputFile& file, bool decoded) {
+/// @throws Error if the disk failed, which is not the file's fault
+void checkDisk(const InputFile& file) {
     if (file.readFailure()) {
         throw Error(file.name(), "cannot be read (" + file.readFailure().message() + "); check the disk it is on");
-    }
-    if (!decoded && saidToLackMemory()) {
-        throw std::bad_alloc();
     }
 }
 
@@ -121,11 +119,15 @@ bool repeatsWhatIsLost(const Header& header) {
            freeImageMessages().find(" color model ") != std::string::npos;
 }
 
-/// Decodes a file. @throws Error with FreeImage's own message
-Bitmap decode(FreeImageStream& stream, const InputFile& file, FileFormat format, int flags) {
+/// Decodes a file.
+/// @param bytes of the decoded pixels; 0 if they are not decoded or their number is not known
+/// @throws Error with FreeImage's own message
+Bitmap decode(FreeImageStream& stream, const InputFile& file, FileFormat format, int flags, std::uint64_t bytes) {
+    constexpr std::uint64_t COPIES = 4; // that decoders keep at most, as 32-bit samples or as the content of the file
     Bitmap bitmap = tryDecode(stream, file.name(), format, flags);
-    checkSystem(file, bitmap != nullptr);
+    checkDisk(file);
     if (!bitmap) {
+        checkForLackOfMemory(bytes * COPIES);
         throw Error(file.name(),
                     std::string("cannot be read as ") + nameOf(format) + inItsWords() + "; the file may be damaged");
     }
@@ -222,7 +224,7 @@ Picture decodeByFreeImage(InputFile& file, const Header& header, const Limits& l
         refuseMisreadTiff(name, header.tiff);
     }
     FreeImageStream stream(file, maskMetadata(file, format));
-    Bitmap bitmap = decode(stream, file, format, loadFlags(format));
+    Bitmap bitmap = decode(stream, file, format, loadFlags(format), header.info.decodedBytes());
     if (isCutShort(stream, format)) {
         throw Error(name, "is cut short" + inItsWords() + "; get a complete copy");
     }
@@ -243,7 +245,7 @@ Picture decodeByFreeImage(InputFile& file, const Header& header, const Limits& l
 PixelDescription describeByFreeImage(InputFile& file, FileFormat format) {
     FreeImageStream stream(file, maskMetadata(file, format));
     const int flags = FreeImage_FIFSupportsNoPixels(idOf(format)) ? FIF_LOAD_NOPIXELS : 0;
-    const Bitmap bitmap = decode(stream, file, format, flags);
+    const Bitmap bitmap = decode(stream, file, format, flags, 0);
     FIBITMAP* handle = bitmap.get();
     return {FreeImage_GetWidth(handle),
             FreeImage_GetHeight(handle),

@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <memory>
 #include <span>
 
+#include "zqx/img/LibraryMessages.h"
 #include "zqx/pictures/codecs/freeimage/BitmapConversion.h"
 #include "zqx/pictures/codecs/freeimage/BitmapMetadata.h"
 #include "zqx/pictures/codecs/freeimage/FormatIds.h"
@@ -48,7 +50,7 @@ void limitToSharedExponent(img::Image& image) {
 
 void encodeByFreeImage(const std::string& name, FileFormat format, PixelBuffer pixels, SampleLayout layout, int quality,
                        const Metadata& metadata, const std::function<void(std::string_view)>& consumer) {
-    listenToFreeImage();
+    const img::LibraryMessages listening;
     if (format == FileFormat::HDR) {
         limitToSharedExponent(pixels.image());
     }
@@ -59,6 +61,7 @@ void encodeByFreeImage(const std::string& name, FileFormat format, PixelBuffer p
     DWORD size = 0;
     if (!memory || !FreeImage_SaveToMemory(idOf(format), bitmap.get(), memory.get(), saveFlags(format, quality)) ||
         !FreeImage_AcquireMemory(memory.get(), &bytes, &size)) {
+        checkForLackOfMemory(std::uint64_t{2} * pixels.image().getByteRowStride() * pixels.height());
         throw Error(name, std::string("cannot be written as ") + nameOf(format) + inItsWords() +
                               "; choose another extension such as .png or .tif");
     }

@@ -1,70 +1,56 @@
-// FreeImage reports messages through a single callback per process; they are kept per thread.
+// FreeImage and its libraries explain failures in English only, so that causes have to be found in their texts.
 #include "zqx/pictures/codecs/freeimage/FreeImageMessages.h"
 
 #include <algorithm>
-#include <cstdarg>
-#include <string_view>
+#include <cstddef>
+#include <cstdlib>
+#include <limits>
+#include <new>
 
-#if defined(__unix__)
-#include <dlfcn.h>
-#endif
-
-#include <FreeImage.h>
-
+#include "zqx/img/LibraryMessages.h"
 #include "zqx/text/Cleaning.h"
 
 namespace zqx::pictures {
 
+std::string freeImageMessages() {
+    return text::withoutTrailingSpaces(text::inOneLine(img::LibraryMessages::ofThisThread()));
+}
+
 namespace {
 
-thread_local std::string tMessages; // pictures are decoded by several threads
-
-void addMessage(std::string& messages, std::string_view words) {
-    const std::string line = text::withoutTrailingSpaces(text::inOneLine(words));
-    if (!line.empty()) {
-        messages += (messages.empty() ? "" : "; ") + line;
-    }
+bool reportedLackOfMemory() {
+    static constexpr const char* COMPLAINTS[] = {"emory allocation", "ut of memory",     "nsufficient memory",
+                                                 "ot enough memory", "bad_alloc",        "llocate memory",
+                                                 "lack of memory",   "t allocate space", "exceeds system limits"};
+    const std::string& messages = img::LibraryMessages::ofThisThread();
+    return std::ranges::any_of(COMPLAINTS,
+                               [&](const char* words) { return messages.find(words) != std::string::npos; });
 }
 
-void DLL_CALLCONV noteMessage(FREE_IMAGE_FORMAT, const char* message) {
-    addMessage(tMessages, message);
-}
-
-/// The TIFF library writes lengthy messages about harmless tags to standard error. Those that matter are also passed on
-/// by FreeImage.
-void quietenTiffLibrary() {
-#if defined(__unix__)
-    using Handler = void (*)(const char*, const char*, va_list);
-    for (const char* setter : {"TIFFSetErrorHandler", "TIFFSetWarningHandler"}) {
-        if (void* symbol = dlsym(RTLD_DEFAULT, setter)) {
-            reinterpret_cast<Handler (*)(Handler)>(symbol)(nullptr);
-        }
+/// Reserves memory without using it.
+bool canAllocate(std::uint64_t bytes) {
+    if (bytes > std::numeric_limits<std::size_t>::max() / 2) {
+        return false;
     }
-#endif
+    void* volatile memory = std::malloc(static_cast<std::size_t>(bytes)); // volatile, or compilers leave it out
+    std::free(memory);
+    return bytes == 0 || memory != nullptr;
 }
 
 } // namespace
 
-void listenToFreeImage() {
-    static const bool quiet = (quietenTiffLibrary(), true);
-    (void)quiet;
-    FreeImage_SetOutputMessage(noteMessage); // each time: other code in the process may have set its own callback
-    tMessages.clear();
-}
-
-std::string freeImageMessages() {
-    return tMessages;
-}
-
-bool saidToLackMemory() {
-    static constexpr const char* COMPLAINTS[] = {"emory allocation", "ut of memory", "nsufficient memory",
-                                                 "ot enough memory", "bad_alloc",    "llocate memory"};
-    return std::ranges::any_of(COMPLAINTS,
-                               [](const char* words) { return tMessages.find(words) != std::string::npos; });
+void checkForLackOfMemory(std::uint64_t bytes) {
+    if (reportedLackOfMemory() || !canAllocate(bytes)) {
+        throw std::bad_alloc();
+    }
 }
 
 std::string inItsWords() {
-    return tMessages.empty() ? tMessages : " (" + tMessages + ")";
+    std::string messages = freeImageMessages();
+    if (!messages.empty()) {
+        messages.insert(0, " (").append(")");
+    }
+    return messages;
 }
 
 } // namespace zqx::pictures
