@@ -1,4 +1,4 @@
-// Links the library, shared or static, and calls the module's entry point itself: makes a bitmap and asks for its width.
+// Links the library, shared or static, and calls the module's entry point itself: makes a bitmap, asks for its width.
 #include <cstdint>
 #include <cstdio>
 

@@ -19,8 +19,8 @@ namespace qutil {
 /// The compiler must be told that any access may throw, or it drops handlers and destructors as unreachable: build the
 /// catching code with -fnon-call-exceptions (/EHa with Microsoft's compiler). Even so, a fault ends the process in a
 /// function that promises not to throw, in a parallel region that does not catch it, when the stack is exhausted, or
-/// after link-time optimisation, which forgets the option. So does a fault inside the memory allocator, whose lock would
-/// never be given back, and one inside the translation itself.
+/// after link-time optimisation, which forgets the option. So does a fault inside the memory allocator, whose lock
+/// would never be given back, and one inside the translation itself.
 ///
 /// On Linux the signal handlers belong to the process: they are installed with the first translator and the previous
 /// ones put back with the last, unless somebody else's have come on top. Faults of threads without a translator, and
