@@ -168,7 +168,7 @@ void runDenoise(const DenoiseOptions& options) {
     checkGuides(options);
     const FileFormat format = outputFormat(options.output);
     checkResultFile(options.output, {options.albedo, options.normal});
-    constexpr std::uint64_t WORKING_BYTES = 3 * 4 * sizeof(float); // the denoiser limits its own memory
+    constexpr std::uint64_t WORKING_BYTES = 3 * sizeof(float[4]); // the denoiser limits its own memory
     RenderFiles files(options);
     requireMemory({{memoryInput(files.color), memoryInput(files.albedo), memoryInput(files.normal)},
                    {options.output},

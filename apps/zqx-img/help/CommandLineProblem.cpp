@@ -152,7 +152,7 @@ std::string describeMissing(const CLI::App& program, const CLI::App& command, co
 
 /// Rephrases messages of the command line library.
 std::string inPlainWords(const CLI::App& program, const CLI::App& command, const CLI::ParseError& error) {
-    const std::string words = error.what();
+    std::string words = error.what();
     const std::string subject = words.substr(0, words.find_first_of(": "));
     if (error.get_name() == "RequiredError") {
         return describeMissing(program, command, words);

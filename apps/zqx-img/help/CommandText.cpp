@@ -2,6 +2,7 @@
 #include "help/CommandText.h"
 
 #include <algorithm>
+#include <functional>
 #include <sstream>
 #include <string_view>
 
@@ -157,7 +158,10 @@ public:
                            formatUsage(command, space == std::string::npos ? "" : name.substr(0, space)) + "\n";
         for (const std::string& group : collectGroups(command.options)) {
             if (const std::string rows = formatRows(command.options, group); !rows.empty()) {
-                help += "\n" + group + ":\n" + rows;
+                help += '\n';
+                help += group;
+                help += ":\n";
+                help += rows;
             }
         }
         if (!command.commands.empty()) {
@@ -180,7 +184,7 @@ CommandText describe(const CLI::App& app) {
             text.options.push_back(describeOption(*option));
         }
     }
-    std::ranges::stable_partition(text.options, &OptionText::positional);
+    std::stable_partition(text.options.begin(), text.options.end(), std::mem_fn(&OptionText::positional));
     for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
         if (!command->get_group().empty()) {
             text.commands.push_back(describe(*command));

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstring>
 #include <limits>
@@ -135,7 +136,7 @@ HBITMAP keep(std::shared_ptr<Bitmap> bitmap) {
     const std::scoped_lock lock(live.mutex);
     const std::uintptr_t handle = live.newHandle();
     live.bitmaps.emplace(handle, std::move(bitmap));
-    return reinterpret_cast<HBITMAP>(handle);
+    return std::bit_cast<HBITMAP>(handle);
 }
 
 } // namespace
@@ -160,7 +161,7 @@ HDC GetDC(void* window) {
     }
     Registry& live = registry();
     const std::scoped_lock lock(live.mutex);
-    return reinterpret_cast<HDC>(*live.contexts.insert(live.newHandle()).first);
+    return std::bit_cast<HDC>(*live.contexts.insert(live.newHandle()).first);
 }
 
 int ReleaseDC(void* /*window*/, HDC context) {

@@ -26,7 +26,11 @@ Kind valueKind(const OptionText& option) {
 std::string joined(std::span<const std::string> words, const std::string& between, const std::string& behind = "") {
     std::string text;
     for (const std::string& word : words) {
-        text += (text.empty() ? "" : between) + word + behind;
+        if (!text.empty()) {
+            text += between;
+        }
+        text += word;
+        text += behind;
     }
     return text;
 }
@@ -117,7 +121,13 @@ std::string zshArgument(const OptionText& option) {
     const std::string exclusion = option.repeated ? "*" : "(" + joined(option.names, " ") + ")";
     std::string lines;
     for (const std::string& name : option.names) {
-        lines += (lines.empty() ? "" : " \\\n            ") + quoted(exclusion + name + rest);
+        if (!lines.empty()) {
+            lines += " \\\n            ";
+        }
+        std::string argument = exclusion;
+        argument += name;
+        argument += rest;
+        lines += quoted(argument);
     }
     return lines;
 }

@@ -25,12 +25,13 @@ using Memory = std::unique_ptr<FIMEMORY, MemoryCloser>;
 
 int saveFlags(FileFormat format, int quality) {
     constexpr int FINE_QUALITY = 90; // from here on chroma subsampling is the most visible loss
+    constexpr int LOSSLESS = 1;      // of JPEG 2000, whose default compresses 16:1
     switch (format) {
     case FileFormat::JPEG: return quality | (quality >= FINE_QUALITY ? JPEG_SUBSAMPLING_444 : JPEG_SUBSAMPLING_420);
     case FileFormat::WEBP: return quality;
     case FileFormat::EXR: return EXR_FLOAT; // the default would round to half floats
     case FileFormat::J2K:
-    case FileFormat::JP2: return 1; // lossless; the default compresses 16:1
+    case FileFormat::JP2: return LOSSLESS;
     default: return 0;
     }
 }
