@@ -15,19 +15,19 @@ if [[ $libraries != "$prefix"/* ]]; then
 fi
 pkg-config --exact-version="$(pkg-config --modversion zqx_platform)" zqx_img
 
-# compile PROGRAM PACKAGE
-compile() {
+# try PROGRAM PACKAGE ARGUMENT...: builds the program with the package, and runs it.
+try() {
     local package_flags
     read -ra package_flags <<<"$(pkg-config --cflags --libs "$2")"
     # shellcheck disable=SC2086 # several flags
     (set -x && "$compiler" -std=c++17 -Wall -Wextra -Wpedantic -Werror $flags "$sources/$1.cpp" -o "$work/$1" \
         "${package_flags[@]}")
+    "$work/$1" "${@:3}"
 }
-compile grade zqx_img
-compile entry zqx_img
-"$work/grade"
-"$work/entry"
+try grade zqx_img
+try entry zqx_img
+try keep zqx_pictures "$work/kept.png"
+try adjust zqx_tools
 if [[ -e $libraries/libzqx_img.so ]]; then # what is static cannot be loaded as a module
-    compile host zqx_platform
-    "$work/host" "$libraries/libzqx_img.so"
+    try host zqx_platform "$libraries/libzqx_img.so"
 fi
