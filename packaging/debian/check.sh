@@ -38,18 +38,17 @@ zqx-img         /usr/share/zsh/vendor-completions/_zqx-img
 zqx-img         /usr/share/fish/vendor_completions.d/zqx-img.fish
 zqx-img         /usr/share/zqx_img/parameters.schema.json
 "
-# Each library above the engine that was built is in a package of its own.
+# Each library above the engine is in a package of its own.
 for library in pictures tools; do
-    if [[ -e $1/src/zqx/$library/libzqx_$library.so ]]; then
-        EXPECTED_FILES+="
+    EXPECTED_FILES+="
 libzqx-${library}0  /usr/lib/$multiarch/libzqx_$library.so.0
 libzqx-${library}0  /usr/share/doc/libzqx-${library}0/copyright
 libzqx-${library}0  /usr/share/doc/libzqx-${library}0/changelog.Debian.gz
 libzqx-img-dev  /usr/include/zqx/$library/Export.h
 libzqx-img-dev  /usr/lib/$multiarch/libzqx_$library.so
+libzqx-img-dev  /usr/lib/$multiarch/cmake/zqx_img/zqx_${library}Targets.cmake
 libzqx-img-dev  /usr/lib/$multiarch/pkgconfig/zqx_$library.pc
 "
-    fi
 done
 readonly EXPECTED_FILES
 
