@@ -11,6 +11,7 @@ int main() {
     unsigned char black[3][5 * 3] = {};
     try {
         zqx::img::ImageProcessingPipeline pipeline = zqx::tools::readParameters({}, {"invert=true"});
+        pipeline.setActiveStages(static_cast<int>(pipeline.ALL_STAGES));
         pipeline.setInputImage(std::make_shared<Image>(black, 5, 3, Image::SRGB8, 0));
         Image inverted(5, 3, Image::SRGB8, 1);
         pipeline.execute(inverted);
