@@ -46,7 +46,7 @@ public:
     /// @param setting "name=value" with a name of describeParameters(): "exposure=0.5", "gradient.white=1,0.8,0.6"
     void addSetting(std::string setting);
 
-    /// A new pipeline with these adjustments, and no source image.
+    /// A new pipeline with these adjustments, no source image and no active stages; see setActiveStages().
     /// @throws pictures::Error for text that is not a parameter document, with line and column if it is not valid JSON,
     ///         and for whatever is to be refused; pictures::UsageError for a setting that cannot be understood
     img::ImageProcessingPipeline makePipeline(Faults faults = Faults::WARN) const;

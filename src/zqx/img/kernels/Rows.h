@@ -37,9 +37,10 @@ inline void setThreadCount([[maybe_unused]] std::size_t count) {
 template <typename Body>
 void forEachRow(std::size_t count, const Body& body) {
 #if defined(__SANITIZE_THREAD__)
-    // The thread sanitizer does not see how libgomp synchronises; it does see threads.
+    // The thread sanitizer does not see how libgomp synchronises; it does see threads. Should one not start, the others
+    // are joined before the exception leaves.
     const std::size_t workers = std::min(count, threadCount());
-    std::vector<std::thread> team;
+    std::vector<std::jthread> team;
     for (std::size_t worker = 0; worker < workers; ++worker) {
         team.emplace_back([=, &body] {
             for (std::size_t row = worker * count / workers; row < (worker + 1) * count / workers; ++row) {
@@ -47,9 +48,6 @@ void forEachRow(std::size_t count, const Body& body) {
             }
             hwy::FlushStream();
         });
-    }
-    for (std::thread& thread : team) {
-        thread.join();
     }
 #else
     const auto rows = static_cast<std::int64_t>(count); // OpenMP 2.0 wants a signed index
