@@ -107,7 +107,7 @@ void makeInput(const std::string& from, const std::string& to, std::size_t width
     writePfm(to, picture);
 }
 
-double millisecondsOf(DenoisingFilter& filter) {
+double getMilliseconds(DenoisingFilter& filter) {
     const auto started = std::chrono::steady_clock::now();
     if (!filter.execute()) {
         throw std::runtime_error(filter.getErrorMessage());
@@ -128,7 +128,7 @@ void measure(Picture color, Picture albedo, Picture normal, const std::string& t
     filter.setHDR(true);
 
     for (std::size_t run = 0; run <= runs; ++run) {
-        std::cout << "run " << millisecondsOf(filter) << '\n';
+        std::cout << "run " << getMilliseconds(filter) << '\n';
     }
     writePfm(to, output);
 }

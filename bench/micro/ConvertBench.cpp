@@ -14,8 +14,8 @@ constexpr const char* NAMES[] = {"GRAY8", "SGRAY8", "GRAY32F", "RGB8",    "SRGB8
 constexpr std::uint32_t FORMAT_COUNT = 11;
 
 void convert(benchmark::State& state, Image::Format from, Image::Format to) {
-    const auto source = sourceOf(state, from);
-    const auto target = targetOf(state, to);
+    const auto source = getSource(state, from);
+    const auto target = getTarget(state, to);
     for (auto _ : state) {
         target->convertFrom(*source);
     }

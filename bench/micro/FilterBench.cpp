@@ -13,8 +13,8 @@ namespace bench {
 namespace {
 
 void run(benchmark::State& state, Filter& filter, Image::Format format) {
-    const auto source = sourceOf(state, format);
-    const auto target = targetOf(state, format);
+    const auto source = getSource(state, format);
+    const auto target = getTarget(state, format);
     filter.setSrcImage(Image(*source)); // views: the pictures stay ours
     filter.setOutput(Image(*target));
     for (auto _ : state) {
@@ -36,7 +36,7 @@ void sharpen(benchmark::State& state, Image::Format format, float radius) {
     run(state, filter, format);
 }
 
-std::string nameOf(const char* work, const char* format, float size) {
+std::string getName(const char* work, const char* format, float size) {
     return std::string(work) + "/" + format + "/" + std::to_string(size).substr(0, 3);
 }
 
@@ -50,11 +50,11 @@ void registerFilters() {
                                                              {"SRGBA8", Image::SRGBA8}};
     for (const auto& [formatName, format] : formats) {
         for (const float sigma : {0.5F, 1.0F, 2.0F, 3.0F, 6.0F}) {
-            benchmark::RegisterBenchmark(nameOf("blur", formatName, sigma).c_str(), blur, format, sigma)
+            benchmark::RegisterBenchmark(getName("blur", formatName, sigma).c_str(), blur, format, sigma)
                 ->Apply(bothSizes);
         }
         for (const float radius : {1.0F, 3.0F}) {
-            benchmark::RegisterBenchmark(nameOf("sharpen", formatName, radius).c_str(), sharpen, format, radius)
+            benchmark::RegisterBenchmark(getName("sharpen", formatName, radius).c_str(), sharpen, format, radius)
                 ->Apply(bothSizes);
         }
     }

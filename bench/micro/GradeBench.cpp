@@ -48,33 +48,33 @@ std::vector<Step> steps() {
 }
 
 void grade(benchmark::State& state, Image::Format format, const ColorGrading& grading) {
-    const auto source = sourceOf(state, format);
-    const auto target = targetOf(state, format);
+    const auto source = getSource(state, format);
+    const auto target = getTarget(state, format);
     for (auto _ : state) {
         grading.apply(*source, *target);
     }
     count(state, *source, *target);
 }
 
-std::size_t entriesOf(const benchmark::State& state) {
+std::size_t getEntries(const benchmark::State& state) {
     const auto size = static_cast<std::size_t>(state.range(0));
     return size * size * size;
 }
 
 void floatTable(benchmark::State& state, const ColorGrading& grading) {
-    std::vector<float> table(3 * entriesOf(state));
+    std::vector<float> table(3 * getEntries(state));
     for (auto _ : state) {
         grading.generate3DLUT_RGB32F(static_cast<std::size_t>(state.range(0)), table.data());
     }
-    count(state, entriesOf(state), table.size() * sizeof(float));
+    count(state, getEntries(state), table.size() * sizeof(float));
 }
 
 void byteTable(benchmark::State& state, const ColorGrading& grading) {
-    std::vector<unsigned char> table(3 * entriesOf(state));
+    std::vector<unsigned char> table(3 * getEntries(state));
     for (auto _ : state) {
         grading.generate3DLUT_SRGB8(static_cast<std::size_t>(state.range(0)), table.data());
     }
-    count(state, entriesOf(state), table.size());
+    count(state, getEntries(state), table.size());
 }
 
 } // namespace

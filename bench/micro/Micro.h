@@ -14,20 +14,20 @@ inline void bothSizes(benchmark::internal::Benchmark* benchmark) {
     benchmark->ArgNames({"width", "height"})->Args({6000, 4000})->Args({256, 256})->UseRealTime();
 }
 
-inline std::size_t widthOf(const benchmark::State& state) {
+inline std::size_t readWidth(const benchmark::State& state) {
     return static_cast<std::size_t>(state.range(0));
 }
 
-inline std::size_t heightOf(const benchmark::State& state) {
+inline std::size_t readHeight(const benchmark::State& state) {
     return static_cast<std::size_t>(state.range(1));
 }
 
-inline std::shared_ptr<zqx::img::Image> sourceOf(const benchmark::State& state, zqx::img::Image::Format format) {
-    return photograph(widthOf(state), heightOf(state), format);
+inline std::shared_ptr<zqx::img::Image> getSource(const benchmark::State& state, zqx::img::Image::Format format) {
+    return photograph(readWidth(state), readHeight(state), format);
 }
 
-inline std::shared_ptr<zqx::img::Image> targetOf(const benchmark::State& state, zqx::img::Image::Format format) {
-    return blankPicture(widthOf(state), heightOf(state), format);
+inline std::shared_ptr<zqx::img::Image> getTarget(const benchmark::State& state, zqx::img::Image::Format format) {
+    return blankPicture(readWidth(state), readHeight(state), format);
 }
 
 /// Pixels (as items) and bytes per second. @param bytes read and written by one iteration

@@ -11,7 +11,7 @@ namespace bench {
 namespace {
 
 void rotate(benchmark::State& state, Image::Format format, std::shared_ptr<Image> (Image::*turn)() const) {
-    const auto source = sourceOf(state, format);
+    const auto source = getSource(state, format);
     for (auto _ : state) {
         benchmark::DoNotOptimize(((*source).*turn)());
     }
@@ -20,7 +20,7 @@ void rotate(benchmark::State& state, Image::Format format, std::shared_ptr<Image
 
 template <typename Change>
 void inPlace(benchmark::State& state, Image::Format format, Change change) {
-    const auto picture = sourceOf(state, format);
+    const auto picture = getSource(state, format);
     for (auto _ : state) {
         change(*picture);
     }

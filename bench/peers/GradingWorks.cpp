@@ -82,7 +82,7 @@ ocio::ConstCPUProcessorRcPtr processor(const ColorGrading& grading, ocio::BitDep
                                                                                     ocio::OPTIMIZATION_DEFAULT);
 }
 
-ocio::PackedImageDesc bandOf(const Image& image, ocio::BitDepth depth, std::size_t first, std::size_t last) {
+ocio::PackedImageDesc getBand(const Image& image, ocio::BitDepth depth, std::size_t first, std::size_t last) {
     return {image.getRowPtr(first),
             static_cast<long>(image.getWidth()),
             static_cast<long>(last - first),
@@ -101,8 +101,8 @@ void applyInBands(const ocio::ConstCPUProcessorRcPtr& processor, ocio::BitDepth 
         const std::size_t first = thread * source.getHeight() / threads;
         const std::size_t last = (thread + 1) * source.getHeight() / threads;
         team.emplace_back([&, first, last] {
-            const ocio::PackedImageDesc from = bandOf(source, depth, first, last);
-            ocio::PackedImageDesc to = bandOf(target, depth, first, last);
+            const ocio::PackedImageDesc from = getBand(source, depth, first, last);
+            ocio::PackedImageDesc to = getBand(target, depth, first, last);
             processor->apply(from, to);
         });
     }
@@ -121,7 +121,7 @@ Work againstOpenColorIo(const Conditions& conditions, Image::Format format, ocio
             .bytes = byteCount(*source) + byteCount(*target)};
 }
 
-oracle::Surface surfaceOf(const Image& image) {
+oracle::Surface getSurface(const Image& image) {
     return {image.getFormat(),          static_cast<unsigned char*>(image.getDataPtr()),
             image.getWidth(),           image.getHeight(),
             image.getBytePixelStride(), image.getByteRowStride()};
@@ -143,7 +143,7 @@ Work againstLiteral(const Conditions& conditions, const ColorGrading& grading) {
     const auto target = blankPicture(conditions.width, conditions.height, Image::RGB32F);
     const oracle::Prepared params = literalParams(grading);
     return {.ours = [=] { grading.apply(*source, *target); },
-            .peer = [=] { gradeLiterally(params, surfaceOf(*source), surfaceOf(*target)); },
+            .peer = [=] { gradeLiterally(params, getSurface(*source), getSurface(*target)); },
             .pixels = conditions.pixels(),
             .peerPixels = conditions.pixels(),
             .bytes = byteCount(*source) + byteCount(*target)};

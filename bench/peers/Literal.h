@@ -7,7 +7,7 @@
 
 namespace bench {
 
-inline oracle::Values valuesOf(const zqx::img::Color& color) {
+inline oracle::Values getValues(const zqx::img::Color& color) {
     return {color.r, color.g, color.b, color.a};
 }
 
@@ -21,7 +21,7 @@ inline oracle::Prepared literalParams(const zqx::img::ColorGrading& grading) {
                             .hue = grading.getHue(),
                             .saturation = grading.getSaturation(),
                             .intensity = grading.getGradientMapIntensity(),
-                            .stops = {valuesOf(gradient.getColorAt(0)), valuesOf(gradient.getColorAt(255))}});
+                            .stops = {getValues(gradient.getColorAt(0)), getValues(gradient.getColorAt(255))}});
 }
 
 } // namespace bench

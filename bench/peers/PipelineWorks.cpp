@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t PREVIEW_SIZE = 256;
 
-std::function<void()> renderingOf(std::size_t width, std::size_t height) {
+std::function<void()> getRendering(std::size_t width, std::size_t height) {
     const auto pipeline = std::make_shared<ImageProcessingPipeline>(wholePipeline());
     const auto target = blankPicture(width, height, Image::SRGB8);
     pipeline->setInputImage(photograph(width, height, Image::SRGB8));
@@ -23,8 +23,8 @@ std::function<void()> renderingOf(std::size_t width, std::size_t height) {
 
 Work preview(const Conditions& conditions) {
     const std::size_t pixels = PREVIEW_SIZE * PREVIEW_SIZE;
-    return {.ours = renderingOf(PREVIEW_SIZE, PREVIEW_SIZE),
-            .peer = renderingOf(conditions.width, conditions.height),
+    return {.ours = getRendering(PREVIEW_SIZE, PREVIEW_SIZE),
+            .peer = getRendering(conditions.width, conditions.height),
             .pixels = pixels,
             .peerPixels = conditions.pixels(),
             .bytes = pixels * 6,

@@ -102,7 +102,7 @@ void writeRow(Writer& writer, const Row& row, const std::vector<std::string>& si
 
 } // namespace
 
-Row rowOf(const WorkEntry& entry, const Work& work, const Measurement& measurement) {
+Row pickRow(const WorkEntry& entry, const Work& work, const Measurement& measurement) {
     const double pixelShare = static_cast<double>(work.pixels) / static_cast<double>(work.peerPixels);
     const Timing& ours = measurement.ours;
     const Timing& peer = measurement.peer;

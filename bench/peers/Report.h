@@ -28,7 +28,7 @@ struct Row {
     bool missesCopyLimit() const { return copyLimit > 0.0 && timesCopy > copyLimit; }
 };
 
-Row rowOf(const WorkEntry& entry, const Work& work, const Measurement& measurement);
+Row pickRow(const WorkEntry& entry, const Work& work, const Measurement& measurement);
 
 std::string asMarkdown(const std::vector<Row>& rows, const std::vector<std::string>& simdTargets);
 std::string asJson(const std::vector<Row>& rows, const std::vector<std::string>& simdTargets,

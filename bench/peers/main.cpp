@@ -74,7 +74,7 @@ std::vector<bench::WorkEntry> allWorks(const bench::Conditions& conditions) {
 
 bench::Row measured(const bench::WorkEntry& entry, const Options& options) {
     const bench::Work work = entry.make();
-    return bench::rowOf(entry, work, bench::measure(work, options.repetitions, options.simdTargets));
+    return bench::pickRow(entry, work, bench::measure(work, options.repetitions, options.simdTargets));
 }
 
 void run(const Options& options) {

@@ -30,7 +30,7 @@ ReadOptions parse(std::vector<std::string> arguments) {
     return options;
 }
 
-std::string refusalOf(std::uint64_t width, std::uint64_t height, const Limits& limits) {
+std::string getRefusal(std::uint64_t width, std::uint64_t height, const Limits& limits) {
     try {
         checkPictureSize("a.png", width, height, limits);
     } catch (const Error& error) {
@@ -42,20 +42,20 @@ std::string refusalOf(std::uint64_t width, std::uint64_t height, const Limits& l
 } // namespace
 
 TEST(LimitsTest, WhatIsAsLargeAsAllowedIsRead) {
-    EXPECT_EQ(refusalOf(10, 20, {.width = 10, .height = 20, .pixels = 200}), "");
+    EXPECT_EQ(getRefusal(10, 20, {.width = 10, .height = 20, .pixels = 200}), "");
 }
 
 TEST(LimitsTest, EachRefusalNamesItsLimitAndItsOption) {
-    EXPECT_EQ(refusalOf(11, 20, {.width = 10, .height = 20, .pixels = 1000}),
+    EXPECT_EQ(getRefusal(11, 20, {.width = 10, .height = 20, .pixels = 1000}),
               "a.png: is 11 pixels wide, more than the 10 allowed; --max-width raises that");
-    EXPECT_EQ(refusalOf(10, 21, {.width = 10, .height = 20, .pixels = 1000}),
+    EXPECT_EQ(getRefusal(10, 21, {.width = 10, .height = 20, .pixels = 1000}),
               "a.png: is 21 pixels high, more than the 20 allowed; --max-height raises that");
-    EXPECT_EQ(refusalOf(10, 20, {.width = 10, .height = 20, .pixels = 199}),
+    EXPECT_EQ(getRefusal(10, 20, {.width = 10, .height = 20, .pixels = 199}),
               "a.png: has 200 pixels, more than the 199 allowed; --max-pixels raises that");
 }
 
 TEST(LimitsTest, PixelsAreCountedBeyond32Bits) {
-    EXPECT_EQ(refusalOf(65536, 65536, {.width = 100000, .height = 100000, .pixels = 4294967295U}),
+    EXPECT_EQ(getRefusal(65536, 65536, {.width = 100000, .height = 100000, .pixels = 4294967295U}),
               "a.png: has 4294967296 pixels, more than the 4294967295 allowed; --max-pixels raises that");
 }
 

@@ -10,7 +10,7 @@ namespace {
 const ProgressState HALF{100, 200, 10.0, "photos/lake.jpg"};
 
 /// Places on the screen of a line whose characters all take one.
-std::size_t columnsOf(const std::string& line) {
+std::size_t getColumns(const std::string& line) {
     std::size_t count = 0;
     for (const char byte : line) {
         count += (static_cast<unsigned char>(byte) & 0xC0U) != 0x80;
@@ -31,7 +31,7 @@ TEST(ProgressTest, IsDrawnInBlocksWhereThatIsPossible) {
 TEST(ProgressTest, FitsEveryWidth) {
     for (const bool unicode : {false, true}) {
         for (std::size_t columns = 0; columns < 200; ++columns) {
-            EXPECT_LE(columnsOf(progressLine(HALF, columns, unicode)), columns) << columns;
+            EXPECT_LE(getColumns(progressLine(HALF, columns, unicode)), columns) << columns;
         }
     }
 }

@@ -16,7 +16,7 @@ void writeTags(const std::string& name, std::vector<std::string> assignments) {
     ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
 }
 
-std::vector<std::string> tagsOf(const std::string& name, const std::vector<std::string>& tags) {
+std::vector<std::string> getTags(const std::string& name, const std::vector<std::string>& tags) {
     std::vector<std::string> command{"exiftool", "-n", "-f", "-T"};
     for (const std::string& tag : tags) {
         command.push_back("-" + tag);
@@ -31,8 +31,8 @@ std::vector<std::string> tagsOf(const std::string& name, const std::vector<std::
     return values;
 }
 
-std::string tagOf(const std::string& name, const std::string& tag) {
-    const std::vector<std::string> values = tagsOf(name, {tag});
+std::string getTag(const std::string& name, const std::string& tag) {
+    const std::vector<std::string> values = getTags(name, {tag});
     return values.empty() ? "" : values.front();
 }
 

@@ -10,8 +10,8 @@ namespace zqx::img::test {
 void writeTags(const std::string& name, std::vector<std::string> assignments);
 
 /// The bare values of tags, numbers as stored; "-" where the file does not have the tag.
-std::vector<std::string> tagsOf(const std::string& name, const std::vector<std::string>& tags);
-std::string tagOf(const std::string& name, const std::string& tag);
+std::vector<std::string> getTags(const std::string& name, const std::vector<std::string>& tags);
+std::string getTag(const std::string& name, const std::string& tag);
 
 /// A tag's value to the byte.
 std::string bytesOfTag(const std::string& name, const std::string& tag);

@@ -31,15 +31,15 @@ protected:
         }
     };
 
-    Result resultOf(const std::string& in, const std::string& out, const char* option) {
+    Result getResult(const std::string& in, const std::string& out, const char* option) {
         const Outcome outcome = zqxImg({"apply", in, "-o", out, option});
-        const std::string picture = fs::exists(out) ? contentOf(out) : "";
+        const std::string picture = fs::exists(out) ? getContent(out) : "";
         fs::remove(out);
         return {outcome.exitCode, outcome.err, picture};
     }
 
     /// Everything in a picture file. TIFF's encoder leaves chance bytes between its strips, so these are read.
-    static std::string contentOf(const std::string& name) {
+    static std::string getContent(const std::string& name) {
         if (!name.ends_with(".tif")) {
             return readFile(name);
         }
@@ -54,8 +54,8 @@ protected:
 
     /// Runs with and without a process of its own and expects the same of both.
     Result sameBothWays(const std::string& in, const std::string& out) {
-        Result here = resultOf(in, out, "--no-isolate");
-        const Result isolated = resultOf(in, out, "--isolate");
+        Result here = getResult(in, out, "--no-isolate");
+        const Result isolated = getResult(in, out, "--isolate");
         EXPECT_EQ(isolated.exitCode, here.exitCode) << isolated.words;
         EXPECT_EQ(isolated.words, here.words);
         EXPECT_TRUE(isolated.picture == here.picture) << in << " to " << out;
@@ -64,16 +64,16 @@ protected:
 
     /// Applies nothing to a file with isolation and expects that this fails in one line. @return that line's text
     /// behind the file's name
-    std::string failureOf(const std::string& in, std::vector<std::string> options) {
+    std::string getFailure(const std::string& in, std::vector<std::string> options) {
         std::vector<std::string> arguments{"apply", in, "-o", at("out.png"), "--isolate"};
         arguments.insert(arguments.end(), options.begin(), options.end());
         const Outcome outcome = zqxImg(arguments);
         EXPECT_EQ(outcome.exitCode, 1);
         EXPECT_FALSE(fs::exists(at("out.png")));
-        return textOf(in, outcome.err);
+        return getText(in, outcome.err);
     }
 
-    static std::string textOf(const std::string& in, const std::string& line) {
+    static std::string getText(const std::string& in, const std::string& line) {
         const std::string front = "zqx-img: " + in + ": ";
         EXPECT_EQ(line.substr(0, front.size()), front);
         EXPECT_EQ(line.find('\n'), line.size() - 1) << line;
@@ -109,7 +109,7 @@ protected:
             {at("bin/zqx-img"), "apply", at("in.png"), "-o", at("out.png"), "--isolate", "--decode-time", time});
         EXPECT_EQ(outcome.exitCode, 1);
         EXPECT_FALSE(fs::exists(at("out.png")));
-        return textOf(at("in.png"), outcome.err);
+        return getText(at("in.png"), outcome.err);
     }
 };
 
@@ -120,7 +120,7 @@ struct Sample {
     int flags = 0;
 };
 
-Bitmap pictureOf(const Sample& sample) {
+Bitmap getPicture(const Sample& sample) {
     if (sample.type != FIT_BITMAP) {
         return fillSamples(sample.type, sample.bits, 137, 121);
     }
@@ -142,7 +142,7 @@ class EachFormatTest : public IsolationTest, public ::testing::WithParamInterfac
 
 TEST_P(EachFormatTest, GivesTheSameFileInAProcessOfItsOwn) {
     const std::string in = at(GetParam().name);
-    writePicture(in, pictureOf(GetParam()), GetParam().flags);
+    writePicture(in, getPicture(GetParam()), GetParam().flags);
     for (const char* out : {"out.png", "out.tif"}) {
         const Result result = sameBothWays(in, at(out));
         EXPECT_EQ(result.exitCode, 0) << result.words;
@@ -155,7 +155,7 @@ TEST_P(EachFormatTest, GivesTheSameFileInAProcessOfItsOwn) {
 
 TEST_P(EachFormatTest, IsDescribedTheSameByAProcessOfItsOwn) {
     const std::string in = at(GetParam().name);
-    writePicture(in, pictureOf(GetParam()), GetParam().flags);
+    writePicture(in, getPicture(GetParam()), GetParam().flags);
     for (const char* form : {"--json", "--no-isolate"}) { // the second in words
         std::vector<std::string> isolated{"info", in, "--isolate"};
         if (form == std::string("--json")) {
@@ -171,12 +171,12 @@ TEST_P(EachFormatTest, IsDescribedTheSameByAProcessOfItsOwn) {
 
 TEST_P(EachFormatTest, IsToldToBeDamagedInTheSameWords) {
     const std::string in = at(GetParam().name);
-    writePicture(in, pictureOf(GetParam()), GetParam().flags);
+    writePicture(in, getPicture(GetParam()), GetParam().flags);
     const std::string content = readFile(in);
     writeFile(in, content.substr(0, content.size() * 7 / 10));
-    const Result isolated = resultOf(in, at("out.png"), "--isolate");
+    const Result isolated = getResult(in, at("out.png"), "--isolate");
     EXPECT_LE(isolated.exitCode, 1) << isolated.words;
-    const Result here = resultOf(in, at("out.png"), "--no-isolate");
+    const Result here = getResult(in, at("out.png"), "--no-isolate");
     const bool survived = here.exitCode <= 1 && here.words.find("AddressSanitizer") == std::string::npos;
     if (survived) { // Photoshop's decoder takes the whole program with it
         EXPECT_EQ(isolated, here);
@@ -220,7 +220,7 @@ TEST_F(IsolationTest, EveryCommandThatReadsPicturesCanIsolate) {
         command.insert(command.end(), {"--decode-time", "0.5"});
         const Outcome outcome = zqxImg(command);
         EXPECT_EQ(outcome.exitCode, 1) << command.front();
-        EXPECT_EQ(textOf(in, outcome.err),
+        EXPECT_EQ(getText(in, outcome.err),
                   "took longer than the 0.5 s that decoding may take; --decode-time raises that")
             << command.front();
         EXPECT_FALSE(fs::exists(at("out.png")));
@@ -288,7 +288,7 @@ TEST_F(IsolationTest, WhatCannotBeReadIsToldInTheSameWords) {
     for (const char* name : {"none.png", "in.xyz", "in.png", "empty.jpg", "folder.png", "pipe.png", "no/where.png"}) {
         const Result result = sameBothWays(at(name), at("out.png"));
         EXPECT_EQ(result.exitCode, 1) << name;
-        EXPECT_NE(textOf(at(name), result.words), "") << name;
+        EXPECT_NE(getText(at(name), result.words), "") << name;
     }
 }
 
@@ -301,7 +301,7 @@ TEST_F(IsolationTest, ForbiddenFileIsToldInTheSameWords) {
             const char* const asMortal[] = {"setpriv", "--bounding-set=-dac_override,-dac_read_search"};
             command.insert(command.begin(), std::begin(asMortal), std::end(asMortal));
         }
-        EXPECT_EQ(textOf(at("in.png"), runCommand(command).err),
+        EXPECT_EQ(getText(at("in.png"), runCommand(command).err),
                   "cannot be opened (Permission denied), check its permissions");
     }
 }
@@ -314,7 +314,7 @@ TEST_F(IsolationTest, NamesOfAllKindsArrive) {
 }
 
 TEST_F(IsolationTest, EndlessDecodingIsEnded) {
-    EXPECT_EQ(failureOf(endlessPicture(), {"--decode-time", "1"}),
+    EXPECT_EQ(getFailure(endlessPicture(), {"--decode-time", "1"}),
               "took longer than the 1 s that decoding may take; --decode-time raises that");
 }
 
@@ -323,7 +323,7 @@ TEST_F(IsolationTest, FilesThatDecodersDoNotSurviveAreErrors) {
     int count = 0;
     for (const fs::directory_entry& entry : fs::directory_iterator(ZQX_DAMAGED)) {
         if (entry.path().extension() != ".md") {
-            EXPECT_NE(failureOf(entry.path().string(), {"--decode-time", "2"}), "") << entry.path();
+            EXPECT_NE(getFailure(entry.path().string(), {"--decode-time", "2"}), "") << entry.path();
             ++count;
         }
     }
@@ -333,7 +333,7 @@ TEST_F(IsolationTest, FilesThatDecodersDoNotSurviveAreErrors) {
 
 TEST_F(IsolationTest, PicturesBeyondTheMemoryAreRefused) {
     writePicture(at("in.png"), paint(2000, 2000, 24, motley));
-    EXPECT_EQ(failureOf(at("in.png"), {"--decode-memory", "8M"}),
+    EXPECT_EQ(getFailure(at("in.png"), {"--decode-memory", "8M"}),
               "needs more than the 8 MiB that decoding may use; --decode-memory raises that");
     succeed({"apply", at("in.png"), "-o", at("out.png"), "--decode-memory", "256M"});
 }
@@ -341,9 +341,9 @@ TEST_F(IsolationTest, PicturesBeyondTheMemoryAreRefused) {
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which need all the address space there is
 TEST_F(IsolationTest, DecodersThatTakeMoreThanThePixelsAreLimited) {
     writePicture(at("in.jp2"), paint(1200, 1200, 24, motley)); // decoded to 32-bit integers first
-    EXPECT_EQ(failureOf(at("in.jp2"), {"--decode-memory", "6M"}),
+    EXPECT_EQ(getFailure(at("in.jp2"), {"--decode-memory", "6M"}),
               "needs more than the 6 MiB that decoding may use; --decode-memory raises that");
-    EXPECT_NE(failureOf(at("in.jp2"), {"--decode-memory", "12M"}), "");
+    EXPECT_NE(getFailure(at("in.jp2"), {"--decode-memory", "12M"}), "");
     succeed({"apply", at("in.jp2"), "-o", at("out.png"), "--decode-memory", "256M"});
 }
 #endif
@@ -412,7 +412,7 @@ protected:
 
     pid_t program() const { return mProgram; }
     pid_t decoder() const { return mDecoder; }
-    std::string statusOf(const char* file) const {
+    std::string getStatus(const char* file) const {
         return readFile(fs::path("/proc") / std::to_string(mDecoder) / file);
     }
     const std::string& input() const { return mInput; }
@@ -456,7 +456,7 @@ TEST_F(EndlessRunTest, LostDecoderTakesNobodyWithIt) {
     ASSERT_GT(decoder(), 0);
     kill(decoder(), SIGABRT);
     EXPECT_EQ(end().exitCode, 1);
-    EXPECT_TRUE(textOf(input(), end().err) // the format may or may not have been known by then
+    EXPECT_TRUE(getText(input(), end().err) // the format may or may not have been known by then
                     .ends_with("decoder down (it aborted), the file is damaged or hostile"))
         << end().err;
 }
@@ -464,12 +464,12 @@ TEST_F(EndlessRunTest, LostDecoderTakesNobodyWithIt) {
 TEST_F(EndlessRunTest, DecoderHasNoMoreThanItNeeds) {
     ASSERT_GT(decoder(), 0);
     EXPECT_TRUE(
-        waitUntil([this] { return statusOf("limits").find("Max open files            32 ") != std::string::npos; }));
-    EXPECT_NE(statusOf("limits").find("Max core file size        0 "), std::string::npos);
-    EXPECT_NE(statusOf("status").find("NoNewPrivs:\t1"), std::string::npos);
-    EXPECT_NE(statusOf("status").find("CapEff:\t0000000000000000"), std::string::npos);
+        waitUntil([this] { return getStatus("limits").find("Max open files            32 ") != std::string::npos; }));
+    EXPECT_NE(getStatus("limits").find("Max core file size        0 "), std::string::npos);
+    EXPECT_NE(getStatus("status").find("NoNewPrivs:\t1"), std::string::npos);
+    EXPECT_NE(getStatus("status").find("CapEff:\t0000000000000000"), std::string::npos);
 #if defined(ZQX_WITH_SECCOMP)
-    EXPECT_TRUE(waitUntil([this] { return statusOf("status").find("Seccomp:\t2") != std::string::npos; }));
+    EXPECT_TRUE(waitUntil([this] { return getStatus("status").find("Seccomp:\t2") != std::string::npos; }));
 #endif
     for (const char* descriptor : {"0", "1", "2"}) {
         EXPECT_EQ(fs::read_symlink(fs::path("/proc") / std::to_string(decoder()) / "fd" / descriptor), "/dev/null");

@@ -94,7 +94,7 @@ private:
 #endif
 
 /// The packet that a bitmap holds.
-FITAG* packetOf(const LinkedBitmap& bitmap) {
+FITAG* getPacket(const LinkedBitmap& bitmap) {
     FITAG* tag = nullptr;
     FreeImage_GetMetadata(FIMD_XMP, bitmap.getBitmap(), "XMLPacket", &tag);
     return tag;
@@ -124,8 +124,8 @@ TEST_F(BitmapFileTest, ExtensionDecidesWhereContentSaysNothing) {
     ASSERT_EQ(bits->save(FIF_WBMP, file("a.wbmp").c_str(), 0), 0U);
     const Bitmap loaded = newBitmap();
     EXPECT_EQ(loaded->load(-1, file("a.wbmp").c_str(), 0), 0U);
-    EXPECT_EQ(widthOf(*loaded), 9);
-    EXPECT_EQ(heightOf(*loaded), 2);
+    EXPECT_EQ(readWidth(*loaded), 9);
+    EXPECT_EQ(readHeight(*loaded), 2);
 }
 
 TEST_F(BitmapFileTest, FileNamesAreUtf8) {
@@ -141,7 +141,7 @@ TEST_F(BitmapFileTest, LoadFlagsArePassedOn) {
     ASSERT_EQ(painted(5, 3)->save(FIF_PNG, file("a.png").c_str(), 0), 0U);
     const Bitmap headerOnly = newBitmap();
     ASSERT_EQ(headerOnly->load(-1, file("a.png").c_str(), FIF_LOAD_NOPIXELS), 0U);
-    EXPECT_EQ(widthOf(*headerOnly), 5);
+    EXPECT_EQ(readWidth(*headerOnly), 5);
     void* line = nullptr;
     EXPECT_EQ(headerOnly->getScanline(0, &line), 0x80004005U);
 }
@@ -204,7 +204,7 @@ TEST_F(BitmapFileTest, LinkedLoadGivesTheLoadedComponentWithOneReference) {
     const tov::TovRef<LinkedBitmap> bitmap = LinkedBitmap::load(file("a.png").c_str());
     ASSERT_TRUE(bitmap);
     EXPECT_TRUE(isPainted(*bitmap, 5, 3));
-    EXPECT_EQ(referencesOf(*bitmap), 1U);
+    EXPECT_EQ(getReferences(*bitmap), 1U);
     EXPECT_TRUE(assertions().empty());
 }
 
@@ -219,7 +219,7 @@ TEST_F(BitmapFileTest, LinkedLoadGivesAnEmptyComponentWhenTheHandlerGoesOn) {
     const tov::TovRef<LinkedBitmap> bitmap = LinkedBitmap::load(file("missing").c_str());
     ASSERT_TRUE(bitmap);
     EXPECT_EQ(bitmap->getBitmap(), nullptr);
-    EXPECT_EQ(referencesOf(*bitmap), 1U);
+    EXPECT_EQ(getReferences(*bitmap), 1U);
     EXPECT_EQ(assertions().size(), 1U);
 }
 
@@ -238,7 +238,7 @@ TEST_F(BitmapFileTest, StreamLoadsWithOneSizeQueryAndOneRead) {
     EXPECT_TRUE(isPainted(*bitmap, 5, 3));
     EXPECT_EQ(stream->sizeCalls, 1);
     EXPECT_EQ(stream->counts, std::vector<std::uint32_t>{static_cast<std::uint32_t>(bytes.size())});
-    EXPECT_EQ(referencesOf(*stream), 1U);
+    EXPECT_EQ(getReferences(*stream), 1U);
 }
 
 TEST_F(BitmapFileTest, StreamOfTheHostsLoads) {
@@ -418,7 +418,7 @@ TEST_F(BitmapFileTest, StreamIsWrittenOnceWithTheWholeFile) {
     ASSERT_EQ(stream->writes.size(), 1U);
     std::ifstream saved(file("a.png"), std::ios::binary);
     EXPECT_EQ(stream->writes.front(), Bytes(std::istreambuf_iterator<char>(saved), std::istreambuf_iterator<char>()));
-    EXPECT_EQ(referencesOf(*stream), 1U);
+    EXPECT_EQ(getReferences(*stream), 1U);
 }
 
 TEST_F(BitmapFileTest, NullOutputStreamIsCheckedFirstAndNotLogged) {
@@ -486,11 +486,11 @@ TEST_F(BitmapFileTest, LibraryThatRefusesMetaDataIsAFailure) {
 TEST_F(BitmapFileTest, AllocatingReplacesTheBitmapByZeros) {
     const Bitmap bitmap = painted(2, 2);
     EXPECT_EQ(bitmap->allocate(FIT_BITMAP, 4, 3, 32), 0U);
-    EXPECT_EQ(widthOf(*bitmap), 4);
-    EXPECT_EQ(heightOf(*bitmap), 3);
-    EXPECT_EQ(depthOf(*bitmap), 32);
-    EXPECT_EQ(typeOf(*bitmap), FIT_BITMAP);
-    EXPECT_EQ(pitchOf(*bitmap), 16);
+    EXPECT_EQ(readWidth(*bitmap), 4);
+    EXPECT_EQ(readHeight(*bitmap), 3);
+    EXPECT_EQ(getDepth(*bitmap), 32);
+    EXPECT_EQ(detectType(*bitmap), FIT_BITMAP);
+    EXPECT_EQ(computePitch(*bitmap), 16);
     EXPECT_EQ(pixelAt(*bitmap, 3, 2), (Pixel{0.0F, 0.0F, 0.0F, 0.0F}));
 }
 
@@ -500,8 +500,8 @@ TEST_F(BitmapFileTest, EveryTypeIsAllocatedAsTheLibraryKnowsIt) {
                                                      {FIT_RGBAF, 128}, {FIT_COMPLEX, 128}};
     for (const auto& [type, depth] : depths) {
         const Bitmap bitmap = allocated(type, 3, 2, depth);
-        EXPECT_EQ(typeOf(*bitmap), type);
-        EXPECT_EQ(depthOf(*bitmap), depth);
+        EXPECT_EQ(detectType(*bitmap), type);
+        EXPECT_EQ(getDepth(*bitmap), depth);
     }
 }
 
@@ -534,7 +534,7 @@ TEST_F(BitmapFileTest, SizesOfAnEmptyObjectCheckThePointerFirst) {
 TEST_F(BitmapFileTest, PitchChecksTheBitmapFirst) {
     EXPECT_EQ(newBitmap()->getPitch(nullptr), 0x80000100U);
     EXPECT_EQ(painted(3, 2)->getPitch(nullptr), 0x80070057U);
-    EXPECT_EQ(pitchOf(*painted(3, 2)), 12);
+    EXPECT_EQ(computePitch(*painted(3, 2)), 12);
 }
 
 TEST_F(BitmapFileTest, LinkedSizesOfAnEmptyObjectAreZero) {
@@ -550,7 +550,7 @@ TEST_F(BitmapFileTest, PacketIsStoredWithItsTerminatingZero) {
     const tov::TovRef bitmap(LinkedBitmap::create());
     bitmap->allocate(FIT_BITMAP, 2, 2, 24);
     EXPECT_EQ(bitmap->setMetaData("<x/>"), 0U);
-    FITAG* tag = packetOf(*bitmap);
+    FITAG* tag = getPacket(*bitmap);
     ASSERT_NE(tag, nullptr);
     EXPECT_STREQ(FreeImage_GetTagKey(tag), "XMLPacket");
     EXPECT_EQ(FreeImage_GetTagLength(tag), 5U);
@@ -563,7 +563,7 @@ TEST_F(BitmapFileTest, NullPacketIsOneZeroByte) {
     const tov::TovRef bitmap(LinkedBitmap::create());
     bitmap->allocate(FIT_BITMAP, 2, 2, 24);
     EXPECT_EQ(bitmap->setMetaData(nullptr), 0U);
-    FITAG* tag = packetOf(*bitmap);
+    FITAG* tag = getPacket(*bitmap);
     ASSERT_NE(tag, nullptr);
     EXPECT_EQ(FreeImage_GetTagLength(tag), 1U);
     EXPECT_EQ(FreeImage_GetTagCount(tag), 1U);
@@ -575,7 +575,7 @@ TEST_F(BitmapFileTest, PacketReplacesTheOneBefore) {
     bitmap->allocate(FIT_BITMAP, 2, 2, 24);
     bitmap->setMetaData("first");
     EXPECT_EQ(bitmap->setMetaData("second"), 0U);
-    EXPECT_STREQ(static_cast<const char*>(FreeImage_GetTagValue(packetOf(*bitmap))), "second");
+    EXPECT_STREQ(static_cast<const char*>(FreeImage_GetTagValue(getPacket(*bitmap))), "second");
 }
 
 TEST_F(BitmapFileTest, PacketNeedsABitmap) {
@@ -600,7 +600,7 @@ TEST_F(BitmapFileTest, PacketTravelsWithTheFile) {
     ASSERT_EQ(bitmap->save(FIF_PNG, file("a.png").c_str(), 0), 0U);
     const tov::TovRef<LinkedBitmap> loaded = LinkedBitmap::load(file("a.png").c_str());
     ASSERT_TRUE(loaded);
-    FITAG* tag = packetOf(*loaded);
+    FITAG* tag = getPacket(*loaded);
     ASSERT_NE(tag, nullptr);
     EXPECT_EQ(std::string(static_cast<const char*>(FreeImage_GetTagValue(tag)), 12), "<x:xmpmeta/>");
 }

@@ -54,7 +54,7 @@ TEST_F(BitmapHandleTest, PixelsSurviveTheWayThereAndBack) {
         ASSERT_EQ(painted(5, 3, depth)->convertToHBitmap(handle.receive()), 0U);
         const Bitmap back = painted(2, 2);
         EXPECT_EQ(back->convertFromHBitmap(handle.get()), 0U);
-        EXPECT_EQ(depthOf(*back), depth);
+        EXPECT_EQ(getDepth(*back), depth);
         EXPECT_TRUE(isPainted(*back, 5, 3));
     }
 }
@@ -63,7 +63,7 @@ TEST_F(BitmapHandleTest, PaletteAndColourCountSurviveTheWayThereAndBack) {
     const tov::TovRef original(zqx::img::FreeImage::create());
     original->allocate(FIT_BITMAP, 3, 2, 8);
     FreeImage_GetPalette(original->getBitmap())[7] = {1, 2, 3, 0};
-    lineOf(*original, 1)[2] = 7;
+    getLine(*original, 1)[2] = 7;
     Handle handle;
     ASSERT_EQ(original->convertToHBitmap(handle.receive()), 0U);
 
@@ -111,8 +111,8 @@ TEST_F(BitmapHandleTest, BitsThatCannotBeHadLeaveTheAllocatedBitmap) {
         const FaultScope fault(Fault::GET_BITS);
         EXPECT_EQ(bitmap->convertFromHBitmap(handle.get()), 0x80004005U);
     }
-    EXPECT_EQ(widthOf(*bitmap), 5);
-    EXPECT_EQ(heightOf(*bitmap), 3);
+    EXPECT_EQ(readWidth(*bitmap), 5);
+    EXPECT_EQ(readHeight(*bitmap), 3);
     EXPECT_EQ(logTexts(), Texts{endText(0x80004005)});
 }
 

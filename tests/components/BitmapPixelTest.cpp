@@ -58,7 +58,7 @@ tov::Result setLine(IFreeImage& bitmap, int line, std::vector<float> values) {
     return bitmap.setScanlineF(line, {static_cast<std::uint32_t>(values.size()), values.data()});
 }
 
-int hashOf(IFreeImage& bitmap) {
+int computeHash(IFreeImage& bitmap) {
     int hash = 0;
     EXPECT_EQ(bitmap.getHash(&hash), 0U);
     return hash;
@@ -86,7 +86,7 @@ INSTANTIATE_TEST_SUITE_P(Layouts, UnsupportedLayoutTest,
 
 TEST_F(BitmapPixelTest, TopLeftPixelIsInTheLastScanLine) {
     const Bitmap bitmap = allocated(FIT_BITMAP, 2, 3, 24);
-    unsigned char* top = lineOf(*bitmap, 2);
+    unsigned char* top = getLine(*bitmap, 2);
     top[0] = 51;
     top[1] = 102;
     top[2] = 255;
@@ -97,7 +97,7 @@ TEST_F(BitmapPixelTest, TopLeftPixelIsInTheLastScanLine) {
 TEST_F(BitmapPixelTest, BytesAreBlueGreenRedAlpha) {
     const Bitmap bitmap = allocated(FIT_BITMAP, 2, 1, 32);
     const unsigned char bytes[4] = {1, 2, 3, 4};
-    std::memcpy(lineOf(*bitmap, 0) + 4, bytes, 4);
+    std::memcpy(getLine(*bitmap, 0) + 4, bytes, 4);
     EXPECT_EQ(pixelAt(*bitmap, 1, 0), (Pixel{3.0F / 255.0F, 2.0F / 255.0F, 1.0F / 255.0F, 4.0F / 255.0F}));
 }
 
@@ -105,8 +105,8 @@ TEST_F(BitmapPixelTest, FloatsAreReadAsStored) {
     const Bitmap rgb = allocated(FIT_RGBF, 2, 1, 96);
     const Bitmap rgba = allocated(FIT_RGBAF, 2, 1, 128);
     const float values[4] = {-3.5F, 700.0F, 0.25F, 9.0F};
-    std::memcpy(lineOf(*rgb, 0) + 12, values, 12);
-    std::memcpy(lineOf(*rgba, 0) + 16, values, 16);
+    std::memcpy(getLine(*rgb, 0) + 12, values, 12);
+    std::memcpy(getLine(*rgba, 0) + 16, values, 16);
     EXPECT_EQ(pixelAt(*rgb, 1, 0), (Pixel{-3.5F, 700.0F, 0.25F, 1.0F})) << "opaque where there is no alpha";
     EXPECT_EQ(pixelAt(*rgba, 1, 0), (Pixel{-3.5F, 700.0F, 0.25F, 9.0F}));
 }
@@ -175,7 +175,7 @@ TEST_P(UnsupportedLayoutTest, SamplingStillSucceeds) {
 TEST_F(BitmapPixelTest, ScanLinesAreCountedFromTheBottom) {
     const Bitmap bitmap = painted(2, 3);
     EXPECT_EQ(bytesOfLine(*bitmap, 0, 3), (std::vector<int>{200, 100, 5})) << "the lowest row, y = 2";
-    EXPECT_EQ(lineOf(*bitmap, 1), lineOf(*bitmap, 0) + pitchOf(*bitmap));
+    EXPECT_EQ(getLine(*bitmap, 1), getLine(*bitmap, 0) + computePitch(*bitmap));
 }
 
 TEST_F(BitmapPixelTest, ScanLineChecksTheBitmapBeforeThePointer) {
@@ -422,19 +422,19 @@ TEST_F(BitmapPixelTest, TransparentIndexIsTheLibrarys) {
 
 TEST_F(BitmapPixelTest, HashIsTheUtilityLibrarysOverAllLinesAndPadding) {
     const Bitmap bitmap = painted(3, 2);
-    const auto expected = qutil::superFastHash(reinterpret_cast<const char*>(lineOf(*bitmap, 0)), 12 * 2);
-    EXPECT_EQ(static_cast<std::uint32_t>(hashOf(*bitmap)), expected);
+    const auto expected = qutil::superFastHash(reinterpret_cast<const char*>(getLine(*bitmap, 0)), 12 * 2);
+    EXPECT_EQ(static_cast<std::uint32_t>(computeHash(*bitmap)), expected);
 }
 
 TEST_F(BitmapPixelTest, EqualBitmapsHaveEqualHashes) {
-    EXPECT_EQ(hashOf(*painted(3, 2)), hashOf(*painted(3, 2)));
+    EXPECT_EQ(computeHash(*painted(3, 2)), computeHash(*painted(3, 2)));
 }
 
 TEST_F(BitmapPixelTest, HashChangesWithAPaddingByte) {
     const Bitmap bitmap = painted(3, 2);
-    const int before = hashOf(*bitmap);
-    lineOf(*bitmap, 1)[11] ^= 1;
-    EXPECT_NE(hashOf(*bitmap), before);
+    const int before = computeHash(*bitmap);
+    getLine(*bitmap, 1)[11] ^= 1;
+    EXPECT_NE(computeHash(*bitmap), before);
 }
 
 TEST_F(BitmapPixelTest, HashOfAnEmptyObjectIsNotReady) {
@@ -447,7 +447,7 @@ TEST_F(BitmapPixelTest, HashOfAnEmptyObjectIsNotReady) {
 TEST_F(BitmapPixelTest, HashOfASizeThatIsZeroIn32BitsIsNotReady) {
     // 2^16 bytes a line and 2^16 lines, without memory for them.
     const Bitmap bitmap = headerOnly(16384, 65536, 32);
-    ASSERT_EQ(heightOf(*bitmap), 65536);
+    ASSERT_EQ(readHeight(*bitmap), 65536);
     int hash = -9;
     EXPECT_EQ(bitmap->getHash(&hash), 0x80000100U);
     EXPECT_EQ(hash, -9);

@@ -66,10 +66,10 @@ TEST_P(EveryTransformTest, ResultIsANewComponentWithOneReference) {
     ASSERT_EQ(GetParam().run(*bitmap, &out), 0U);
     ASSERT_NE(out, nullptr);
     EXPECT_NE(out, bitmap.get());
-    EXPECT_EQ(referencesOf(*out), 1U);
-    EXPECT_GT(widthOf(*out), 0);
+    EXPECT_EQ(getReferences(*out), 1U);
+    EXPECT_GT(readWidth(*out), 0);
     EXPECT_EQ(out->release(), 0U);
-    EXPECT_EQ(referencesOf(*bitmap), 1U);
+    EXPECT_EQ(getReferences(*bitmap), 1U);
     EXPECT_TRUE(records().empty());
 }
 
@@ -99,8 +99,8 @@ TEST_P(EveryTransformTest, NullOutPointerIsCheckedBeforeTheBitmapOrNotAtAll) {
 TEST_F(BitmapTransformTest, RotationIsCounterClockwise) {
     Bitmap out;
     ASSERT_EQ(painted(3, 2)->rotate(90.0, out.receive()), 0U);
-    EXPECT_EQ(widthOf(*out), 2);
-    EXPECT_EQ(heightOf(*out), 3);
+    EXPECT_EQ(readWidth(*out), 2);
+    EXPECT_EQ(readHeight(*out), 3);
     EXPECT_EQ(pixelAt(*out, 0, 0), colorAt(2, 0)) << "top right has moved to the top left";
     EXPECT_EQ(pixelAt(*out, 1, 2), colorAt(0, 1));
 }
@@ -114,9 +114,9 @@ TEST_F(BitmapTransformTest, RotationByHalfATurnMirrorsBothWays) {
 TEST_F(BitmapTransformTest, RescaledBitmapHasExactlyTheSize) {
     Bitmap out;
     ASSERT_EQ(painted(9, 5)->rescale(4, 7, FILTER_LANCZOS3, out.receive()), 0U);
-    EXPECT_EQ(widthOf(*out), 4);
-    EXPECT_EQ(heightOf(*out), 7);
-    EXPECT_EQ(depthOf(*out), 24);
+    EXPECT_EQ(readWidth(*out), 4);
+    EXPECT_EQ(readHeight(*out), 7);
+    EXPECT_EQ(getDepth(*out), 24);
 }
 
 TEST_F(BitmapTransformTest, RescalePassesTheFilterOn) {
@@ -146,8 +146,8 @@ TEST_F(BitmapTransformTest, RescaleChecksTheSizeBeforeAnythingElse) {
 TEST_F(BitmapTransformTest, CopyTakesTheRectangleBeforeRightAndBottom) {
     Bitmap out;
     ASSERT_EQ(painted(5, 4)->copy(1, 2, 4, 4, out.receive()), 0U);
-    EXPECT_EQ(widthOf(*out), 3);
-    EXPECT_EQ(heightOf(*out), 2);
+    EXPECT_EQ(readWidth(*out), 3);
+    EXPECT_EQ(readHeight(*out), 2);
     EXPECT_EQ(pixelAt(*out, 0, 0), colorAt(1, 2));
     EXPECT_EQ(pixelAt(*out, 2, 1), colorAt(3, 3));
 }
@@ -216,7 +216,7 @@ TEST_F(BitmapTransformTest, CompositeUsesTheBackgroundColourOfTheFile) {
     FreeImage_SetBackgroundColor(bitmap->getBitmap(), &background);
     Bitmap out;
     ASSERT_EQ(bitmap->composite(out.receive()), 0U);
-    EXPECT_EQ(depthOf(*out), 24);
+    EXPECT_EQ(getDepth(*out), 24);
     EXPECT_EQ(bytesOfLine(*out, 0, 3), (std::vector<int>{10, 20, 30}));
 }
 
@@ -263,27 +263,27 @@ TEST_F(BitmapTransformTest, CompositeOverAnImageChecksPointerThenBitmapThenBackg
 TEST_F(BitmapTransformTest, ConversionTo32BitsIsOpaque) {
     Bitmap out;
     ASSERT_EQ(painted(3, 2)->convertTo32Bits(out.receive()), 0U);
-    EXPECT_EQ(depthOf(*out), 32);
+    EXPECT_EQ(getDepth(*out), 32);
     EXPECT_TRUE(isPainted(*out, 3, 2));
 }
 
 TEST_F(BitmapTransformTest, ConversionTo24BitsDropsAlpha) {
     Bitmap out;
     ASSERT_EQ(halfClear()->convertTo24Bits(out.receive()), 0U);
-    EXPECT_EQ(depthOf(*out), 24);
+    EXPECT_EQ(getDepth(*out), 24);
     EXPECT_TRUE(isPainted(*out, 2, 2));
 }
 
 TEST_F(BitmapTransformTest, ConversionToStandardTypePassesTheScalingOn) {
     const Bitmap bitmap = allocated(FIT_UINT16, 2, 1, 16);
-    auto* values = reinterpret_cast<std::uint16_t*>(lineOf(*bitmap, 0));
+    auto* values = reinterpret_cast<std::uint16_t*>(getLine(*bitmap, 0));
     values[0] = 100;
     values[1] = 200;
     Bitmap scaled;
     Bitmap plain;
     ASSERT_EQ(bitmap->convertToStandardType(scaled.receive(), 1), 0U);
     ASSERT_EQ(bitmap->convertToStandardType(plain.receive(), 0), 0U);
-    EXPECT_EQ(depthOf(*scaled), 8);
+    EXPECT_EQ(getDepth(*scaled), 8);
     EXPECT_EQ(bytesOfLine(*scaled, 0, 2), (std::vector<int>{0, 255}));
     EXPECT_EQ(bytesOfLine(*plain, 0, 2), (std::vector<int>{100, 200}));
 }
@@ -291,10 +291,10 @@ TEST_F(BitmapTransformTest, ConversionToStandardTypePassesTheScalingOn) {
 TEST_F(BitmapTransformTest, ConversionToATypePassesTypeAndScalingOn) {
     Bitmap floats;
     ASSERT_EQ(painted(2, 2)->convertToType(floats.receive(), FIT_RGBF, 1), 0U);
-    EXPECT_EQ(typeOf(*floats), FIT_RGBF);
+    EXPECT_EQ(detectType(*floats), FIT_RGBF);
     EXPECT_NEAR(pixelAt(*floats, 1, 1).r, colorAt(1, 1).r, 1e-6F);
     const Bitmap numbers = allocated(FIT_UINT16, 2, 1, 16);
-    reinterpret_cast<std::uint16_t*>(lineOf(*numbers, 0))[1] = 200;
+    reinterpret_cast<std::uint16_t*>(getLine(*numbers, 0))[1] = 200;
     Bitmap plain;
     ASSERT_EQ(numbers->convertToType(plain.receive(), FIT_BITMAP, 0), 0U);
     EXPECT_EQ(bytesOfLine(*plain, 0, 2), (std::vector<int>{0, 200}));

@@ -42,7 +42,7 @@ public:
     IFreeImage* lastOut = nullptr;
 };
 
-tov::TovRef<RescaleSpy> spyOf(int width, int height) {
+tov::TovRef<RescaleSpy> getSpy(int width, int height) {
     const tov::TovRef spy(new RescaleSpy);
     EXPECT_EQ(spy->allocate(FIT_BITMAP, width, height, 24), 0U);
     return spy;
@@ -80,10 +80,10 @@ TEST_P(ViewFormatTest, FormatFollowsTheBitsPerPixelAlone) {
     const View view = bitmap->asImage();
     EXPECT_EQ(view->getFormat(), GetParam().format);
     EXPECT_EQ(view->getBytePixelStride(), GetParam().pixelStride);
-    EXPECT_EQ(view->getByteRowStride(), static_cast<std::size_t>(pitchOf(*bitmap)));
+    EXPECT_EQ(view->getByteRowStride(), static_cast<std::size_t>(computePitch(*bitmap)));
     EXPECT_EQ(view->getWidth(), 3U);
     EXPECT_EQ(view->getHeight(), 2U);
-    EXPECT_EQ(view->getDataPtr(), lineOf(*bitmap, 0));
+    EXPECT_EQ(view->getDataPtr(), getLine(*bitmap, 0));
 }
 
 TEST_F(BitmapViewTest, RowsOf24BitsAreAlignedToFourBytes) {
@@ -108,13 +108,13 @@ TEST_F(BitmapViewTest, EveryViewHoldsOneReference) {
     View first = bitmap->asImage();
     View second = bitmap->asImage();
     EXPECT_NE(first, second);
-    EXPECT_EQ(referencesOf(*bitmap), 3U);
+    EXPECT_EQ(getReferences(*bitmap), 3U);
     const View shared = first;
-    EXPECT_EQ(referencesOf(*bitmap), 3U);
+    EXPECT_EQ(getReferences(*bitmap), 3U);
     first.reset();
-    EXPECT_EQ(referencesOf(*bitmap), 3U);
+    EXPECT_EQ(getReferences(*bitmap), 3U);
     second.reset();
-    EXPECT_EQ(referencesOf(*bitmap), 2U);
+    EXPECT_EQ(getReferences(*bitmap), 2U);
 }
 
 TEST_F(BitmapViewTest, LastViewKeepsTheComponentAlive) {
@@ -122,7 +122,7 @@ TEST_F(BitmapViewTest, LastViewKeepsTheComponentAlive) {
     LinkedBitmap* const component = bitmap.get();
     View view = bitmap->asImage();
     bitmap.reset();
-    EXPECT_EQ(referencesOf(*component), 1U);
+    EXPECT_EQ(getReferences(*component), 1U);
     EXPECT_EQ(view->getWidth(), 2U);
     view.reset(); // destroys the component; leak detection tells if it does not
 }
@@ -132,8 +132,8 @@ TEST_F(BitmapViewTest, ConstantComponentGivesAConstantView) {
     const LinkedBitmap& looked = *bitmap;
     static_assert(std::is_same_v<decltype(looked.asImage()), std::shared_ptr<const Image>>);
     const std::shared_ptr<const Image> view = looked.asImage();
-    EXPECT_EQ(view->getDataPtr(), lineOf(*bitmap, 0));
-    EXPECT_EQ(referencesOf(*bitmap), 2U);
+    EXPECT_EQ(view->getDataPtr(), getLine(*bitmap, 0));
+    EXPECT_EQ(getReferences(*bitmap), 2U);
 }
 
 TEST_F(BitmapViewTest, CopiesOfAViewAreViewsWithoutAReference) {
@@ -141,7 +141,7 @@ TEST_F(BitmapViewTest, CopiesOfAViewAreViewsWithoutAReference) {
     const View view = bitmap->asImage();
     const Image copy(*view);
     EXPECT_EQ(copy.getDataPtr(), view->getDataPtr());
-    EXPECT_EQ(referencesOf(*bitmap), 2U);
+    EXPECT_EQ(getReferences(*bitmap), 2U);
 }
 
 TEST_F(BitmapViewTest, ViewOfAnEmptyObjectHasNoPixels) {
@@ -154,7 +154,7 @@ TEST_F(BitmapViewTest, ViewOfAnEmptyObjectHasNoPixels) {
     EXPECT_EQ(view->getBytePixelStride(), 0U);
     EXPECT_EQ(view->getByteRowStride(), 0U);
     EXPECT_EQ(view->getFormat(), Image::GRAY8);
-    EXPECT_EQ(referencesOf(*bitmap), 2U);
+    EXPECT_EQ(getReferences(*bitmap), 2U);
 }
 
 TEST_F(BitmapViewTest, ScaledViewHasExactlyTheSize) {
@@ -176,7 +176,7 @@ TEST_F(BitmapViewTest, ScaledFormatFollowsTheBitsPerPixelAgain) {
 }
 
 TEST_F(BitmapViewTest, ScalingAsksForTheLanczosFilter) {
-    const auto spy = spyOf(5, 5);
+    const auto spy = getSpy(5, 5);
     const View scaled = spy->asImage()->scale(10, 20);
     EXPECT_EQ(spy->calls, 1);
     EXPECT_EQ(spy->lastWidth, 10);
@@ -185,11 +185,11 @@ TEST_F(BitmapViewTest, ScalingAsksForTheLanczosFilter) {
 }
 
 TEST_F(BitmapViewTest, ScaledViewHoldsTheOnlyReferenceOfTheNewBitmap) {
-    const auto spy = spyOf(5, 5);
+    const auto spy = getSpy(5, 5);
     const View scaled = spy->asImage()->scale(2, 2);
     ASSERT_NE(spy->lastOut, nullptr);
-    EXPECT_EQ(referencesOf(*spy->lastOut), 1U);
-    EXPECT_EQ(referencesOf(*spy), 1U);
+    EXPECT_EQ(getReferences(*spy->lastOut), 1U);
+    EXPECT_EQ(getReferences(*spy), 1U);
 }
 
 TEST_F(BitmapViewTest, ScaledViewsScaleAgain) {
@@ -220,7 +220,7 @@ TEST_F(BitmapViewTest, ScalingAnEmptyObjectIsAssertedAndEmpty) {
 }
 
 TEST_F(BitmapViewTest, ScalingThatFailsReleasesABitmapHandedOutAllTheSame) {
-    const auto spy = spyOf(5, 5);
+    const auto spy = getSpy(5, 5);
     spy->refusal = tov::NOT_SUPPORTED;
     spy->handsOutAnyway = true;
     EXPECT_FALSE(spy->asImage()->scale(2, 2)); // leak detection tells if it is not released
@@ -229,18 +229,18 @@ TEST_F(BitmapViewTest, ScalingThatFailsReleasesABitmapHandedOutAllTheSame) {
 
 TEST_F(BitmapViewTest, ScalingThatFailsGoesOnWithTheBitmapThatThereIsWhenTheHandlerSaysSo) {
     answerAssertions(true);
-    const auto spy = spyOf(5, 5);
+    const auto spy = getSpy(5, 5);
     spy->refusal = tov::NOT_SUPPORTED;
     spy->handsOutAnyway = true;
     const View scaled = spy->asImage()->scale(3, 2);
     ASSERT_TRUE(scaled);
     EXPECT_EQ(scaled->getWidth(), 3U);
-    EXPECT_EQ(referencesOf(*spy->lastOut), 1U);
+    EXPECT_EQ(getReferences(*spy->lastOut), 1U);
 }
 
 TEST_F(BitmapViewTest, ScalingThatFailsIsEmptyWithoutABitmapToGoOnWith) {
     answerAssertions(true);
-    const auto spy = spyOf(5, 5);
+    const auto spy = getSpy(5, 5);
     spy->refusal = tov::FAILURE;
     EXPECT_FALSE(spy->asImage()->scale(3, 2));
     EXPECT_EQ(assertions().size(), 1U);

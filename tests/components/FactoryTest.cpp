@@ -66,7 +66,7 @@ TEST_P(FactoryOfEachClassTest, FactoryIsAlsoHandedOutAsUnknown) {
     ASSERT_EQ(dsoGetObjectFactory(GetParam(), "IDL:tov/IUnknown:1.0", &found), 0U);
     const auto unknown = tov::TovRef<tov::IUnknown>::adopt(static_cast<tov::IUnknown*>(found));
     EXPECT_STREQ(unknown->getInterfaceName(), "IDL:tov/IObjectFactory:1.0");
-    EXPECT_EQ(referencesOf(*unknown), 1U);
+    EXPECT_EQ(getReferences(*unknown), 1U);
 }
 
 TEST_P(FactoryOfEachClassTest, FactoryWithUnknownInterfaceIsRefusedAndDestroyed) {
@@ -82,13 +82,13 @@ TEST_P(FactoryOfEachClassTest, ComponentInterfaceIsNotOneOfTheFactory) {
 }
 
 TEST_P(FactoryOfEachClassTest, EveryCallMakesAFactoryOfItsOwn) {
-    const Factory first = factoryOf(GetParam());
-    const Factory second = factoryOf(GetParam());
+    const Factory first = getFactory(GetParam());
+    const Factory second = getFactory(GetParam());
     EXPECT_NE(first.get(), second.get());
 }
 
 TEST_P(FactoryOfEachClassTest, FactoryAnswersForTwoInterfacesWithAReferenceEach) {
-    const Factory factory = factoryOf(GetParam());
+    const Factory factory = getFactory(GetParam());
     for (const char* iid : {"IDL:tov/IUnknown:1.0", "IDL:tov/IObjectFactory:1.0"}) {
         tov::IUnknown* found = nullptr;
         EXPECT_EQ(factory->queryInterface(iid, &found), 0U);
@@ -98,33 +98,33 @@ TEST_P(FactoryOfEachClassTest, FactoryAnswersForTwoInterfacesWithAReferenceEach)
 }
 
 TEST_P(FactoryOfEachClassTest, FactoryRefusesOtherInterfacesWithANullPointer) {
-    const Factory factory = factoryOf(GetParam());
+    const Factory factory = getFactory(GetParam());
     auto* found = static_cast<tov::IUnknown*>(factory.get());
     EXPECT_EQ(factory->queryInterface(UNKNOWN_IID, &found), 0x80004002U);
     EXPECT_EQ(found, nullptr);
-    EXPECT_EQ(referencesOf(*factory), 1U);
+    EXPECT_EQ(getReferences(*factory), 1U);
 }
 
 TEST_P(FactoryOfEachClassTest, FactoryNamesItsOwnInterface) {
-    EXPECT_STREQ(factoryOf(GetParam())->getInterfaceName(), "IDL:tov/IObjectFactory:1.0");
+    EXPECT_STREQ(getFactory(GetParam())->getInterfaceName(), "IDL:tov/IObjectFactory:1.0");
 }
 
 TEST_P(FactoryOfEachClassTest, LockServerAcceptsAnythingWithoutEffect) {
-    const Factory factory = factoryOf(GetParam());
+    const Factory factory = getFactory(GetParam());
     EXPECT_EQ(factory->lockServer(1), 0U);
     EXPECT_EQ(factory->lockServer(0), 0U);
-    EXPECT_EQ(referencesOf(*factory), 1U);
+    EXPECT_EQ(getReferences(*factory), 1U);
 }
 
 TEST_P(FactoryOfEachClassTest, OuterObjectIsRefusedAsAggregation) {
-    const Factory factory = factoryOf(GetParam());
+    const Factory factory = getFactory(GetParam());
     void* component = UNTOUCHED;
     EXPECT_EQ(factory->createInstance(factory.get(), iid(), &component), 0x96240010U);
     EXPECT_EQ(component, nullptr);
 }
 
 TEST_P(FactoryOfEachClassTest, CreatedComponentHasOneReference) {
-    const Factory factory = factoryOf(GetParam());
+    const Factory factory = getFactory(GetParam());
     void* component = nullptr;
     ASSERT_EQ(factory->createInstance(nullptr, iid(), &component), 0U);
     auto* unknown = static_cast<tov::IUnknown*>(component);
@@ -137,14 +137,14 @@ TEST_P(FactoryOfEachClassTest, CreatedComponentHasOneReference) {
 }
 
 TEST_P(FactoryOfEachClassTest, ComponentIsCreatedAsUnknownToo) {
-    const Factory factory = factoryOf(GetParam());
+    const Factory factory = getFactory(GetParam());
     void* component = nullptr;
     ASSERT_EQ(factory->createInstance(nullptr, tov::IUnknown::IID, &component), 0U);
     EXPECT_EQ(static_cast<tov::IUnknown*>(component)->release(), 0U);
 }
 
 TEST_P(FactoryOfEachClassTest, CreatingForAnUnknownInterfaceLeavesTheObjectBehind) {
-    const Factory factory = factoryOf(GetParam());
+    const Factory factory = getFactory(GetParam());
     const LeakScope leftBehind;
     void* component = UNTOUCHED;
     EXPECT_EQ(factory->createInstance(nullptr, UNKNOWN_IID, &component), 0x80004002U);
@@ -153,7 +153,7 @@ TEST_P(FactoryOfEachClassTest, CreatingForAnUnknownInterfaceLeavesTheObjectBehin
 
 TEST_P(FactoryOfEachClassTest, ComponentOutlivesItsFactory) {
     void* component = nullptr;
-    ASSERT_EQ(factoryOf(GetParam())->createInstance(nullptr, iid(), &component), 0U);
+    ASSERT_EQ(getFactory(GetParam())->createInstance(nullptr, iid(), &component), 0U);
     EXPECT_EQ(static_cast<tov::IUnknown*>(component)->release(), 0U);
 }
 
@@ -163,7 +163,7 @@ TEST_P(FactoryOfEachClassTest, ComponentAnswersForUnknownAndItsOwnInterface) {
         tov::IUnknown* found = nullptr;
         EXPECT_EQ(component->queryInterface(name, &found), 0U);
         EXPECT_EQ(found, component.get());
-        EXPECT_EQ(referencesOf(*component), 2U);
+        EXPECT_EQ(getReferences(*component), 2U);
         EXPECT_EQ(found->release(), 1U);
     }
 }
@@ -175,39 +175,39 @@ TEST_P(FactoryOfEachClassTest, ComponentRefusesOtherInterfacesWithANullPointer) 
         EXPECT_EQ(component->queryInterface(name, &found), 0x80004002U) << name;
         EXPECT_EQ(found, nullptr) << name;
     }
-    EXPECT_EQ(referencesOf(*component), 1U);
+    EXPECT_EQ(getReferences(*component), 1U);
 }
 
 TEST_P(FactoryOfEachClassTest, ComponentLogsANullInterfacePointer) {
     const auto component = module().create<tov::IUnknown>(GetParam());
     EXPECT_EQ(component->queryInterface(tov::IUnknown::IID, nullptr), 0x80070057U);
     EXPECT_EQ(logTexts(), Texts{"pIfc"});
-    EXPECT_EQ(referencesOf(*component), 1U);
+    EXPECT_EQ(getReferences(*component), 1U);
 }
 
 TEST_F(FactoryTest, PipelineFactoryLogsANullInterfacePointer) {
-    const Factory factory = factoryOf(PIPELINE_CLASS);
+    const Factory factory = getFactory(PIPELINE_CLASS);
     EXPECT_EQ(factory->queryInterface(tov::IUnknown::IID, nullptr), 0x80070057U);
     EXPECT_EQ(logTexts(), Texts{"pIfc"});
 }
 
 TEST_F(FactoryTest, BitmapFactoryIsNotMadeOfTheAdapter) {
     using Adapter = zqx::TovInterfaceAdapter<tov::IObjectFactory_Adapter>;
-    EXPECT_EQ(dynamic_cast<Adapter*>(factoryOf(BITMAP_CLASS).get()), nullptr);
-    EXPECT_NE(dynamic_cast<Adapter*>(factoryOf(PIPELINE_CLASS).get()), nullptr);
-    const Factory factory = factoryOf(BITMAP_CLASS);
+    EXPECT_EQ(dynamic_cast<Adapter*>(getFactory(BITMAP_CLASS).get()), nullptr);
+    EXPECT_NE(dynamic_cast<Adapter*>(getFactory(PIPELINE_CLASS).get()), nullptr);
+    const Factory factory = getFactory(BITMAP_CLASS);
     const tov::IObjectFactory& made = *factory;
     EXPECT_NE(std::string(typeid(made).name()).find("FreeImageFactory"), std::string::npos);
 }
 
 TEST(FactoryDeathTest, BitmapFactoryDoesNotCheckWhereTheInterfaceGoes) {
-    const Factory factory = factoryOf(BITMAP_CLASS);
+    const Factory factory = getFactory(BITMAP_CLASS);
     EXPECT_DEATH(factory->queryInterface(tov::IUnknown::IID, nullptr), "");
     EXPECT_DEATH(factory->queryInterface(UNKNOWN_IID, nullptr), "");
 }
 
 TEST_P(FactoryOfEachClassTest, CreatingChecksThePointerFirst) {
-    const Factory factory = factoryOf(GetParam());
+    const Factory factory = getFactory(GetParam());
     EXPECT_EQ(factory->createInstance(factory.get(), iid(), nullptr), 0x80070057U);
     EXPECT_EQ(logTexts(), Texts{"pOut"});
 }
@@ -303,10 +303,10 @@ TEST_F(FactoryTest, CopiedPipelineCopiesTheReferenceCount) {
     const tov::TovRef original(ImageProcessingPipeline::create());
     original->addRef();
     const auto copy = std::make_unique<ImageProcessingPipeline>(*original);
-    EXPECT_EQ(referencesOf(*copy), 2U);
+    EXPECT_EQ(getReferences(*copy), 2U);
     const auto assigned = std::make_unique<ImageProcessingPipeline>(0);
     *assigned = *copy;
-    EXPECT_EQ(referencesOf(*assigned), 2U);
+    EXPECT_EQ(getReferences(*assigned), 2U);
     EXPECT_EQ(original->release(), 1U);
 }
 
@@ -316,7 +316,7 @@ TEST_F(FactoryTest, CopiedBitmapSharesThePixelsAndCopiesTheCount) {
     original->allocate(1, 2, 2, 24);
     const auto copy = std::make_unique<FreeImage>(*original);
     EXPECT_EQ(copy->getBitmap(), original->getBitmap());
-    EXPECT_EQ(referencesOf(*copy), 1U);
+    EXPECT_EQ(getReferences(*copy), 1U);
     *copy = FreeImage(); // or both would free the bitmap
     EXPECT_EQ(copy->getBitmap(), nullptr);
 }
@@ -326,7 +326,7 @@ TEST_F(FactoryTest, BitmapMadeFromALibraryBitmapOwnsIt) {
     EXPECT_EQ(bitmap->getWidth(), 3U);
     EXPECT_EQ(bitmap->getHeight(), 2U);
     EXPECT_EQ(bitmap->getBitsPerPixel(), 24U);
-    EXPECT_EQ(referencesOf(*bitmap), 1U);
+    EXPECT_EQ(getReferences(*bitmap), 1U);
 }
 
 TEST_F(FactoryTest, LoaderFindsBothClassesRegisteredUnderTheModule) {

@@ -124,7 +124,7 @@ TEST_P(GuardTest, SizeQueryOfAStreamThatThrowsIsUnexpected) {
     EXPECT_EQ(bitmap->loadFromStream(-1, stream.get(), 0), 0x8000FFFFU);
     expectReported("src/zqx/img/FreeImage", "zqx::img::FreeImage::loadFromStream(");
     EXPECT_TRUE(isPainted(*bitmap, 2, 2)) << "nothing has been unloaded yet";
-    EXPECT_EQ(referencesOf(*stream), 1U);
+    EXPECT_EQ(getReferences(*stream), 1U);
 }
 
 TEST_P(GuardTest, ReadOfAStreamThatThrowsIsUnexpected) {
@@ -160,7 +160,7 @@ TEST_P(GuardTest, ScalingThatThrowsIsUnexpectedAndTheSourceIsRestored) {
     expectReported("src/zqx/img/ImageProcessingPipeline", "zqx::img::ImageProcessingPipeline::executePreview(");
     Bitmap full;
     EXPECT_EQ(pipeline->execute(full.receive()), 0U);
-    EXPECT_EQ(widthOf(*full), 2);
+    EXPECT_EQ(readWidth(*full), 2);
 }
 
 TEST_F(BadPointerTest, FaultInACopyFromTheHostsMemoryIsUnexpected) {
@@ -203,8 +203,8 @@ TEST_F(MemoryGuardTest, SettingTheInputWithoutMemoryKeepsTheOldOne) {
         const AllocationFailure failure(0);
         EXPECT_EQ(pipeline->setInputImage(second.get()), 0x8000FFFFU);
     }
-    EXPECT_EQ(referencesOf(*first), 2U);
-    EXPECT_EQ(referencesOf(*second), 1U);
+    EXPECT_EQ(getReferences(*first), 2U);
+    EXPECT_EQ(getReferences(*second), 1U);
     expectEveryFailureIsUnexpected([&] { return pipeline->setInputImage(second.get()); });
 }
 
@@ -248,7 +248,7 @@ TEST_F(MemoryGuardTest, TransformsWithoutMemoryWriteNothing) {
 
 TEST_F(MemoryGuardTest, FactoriesWithoutMemoryMakeNothing) {
     for (const char* clsid : {BITMAP_CLASS, PIPELINE_CLASS}) {
-        const Factory factory = factoryOf(clsid);
+        const Factory factory = getFactory(clsid);
         expectEveryFailureIsUnexpected([&] {
             void* component = nullptr;
             const tov::Result result = factory->createInstance(nullptr, tov::IUnknown::IID, &component);

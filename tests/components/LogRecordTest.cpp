@@ -44,7 +44,7 @@ protected:
             EXPECT_EQ(each.call(component), 0x80070057U) << each.method;
             const std::string method = className + "::" + each.method;
             expectOneRecord(file, "zqx::img::" + method, each.parameter);
-            EXPECT_TRUE(isLineOf(method + "(", records().front().line, sources)) << method;
+            EXPECT_TRUE(isLineFrom(method + "(", records().front().line, sources)) << method;
         }
     }
 };
@@ -236,7 +236,8 @@ TEST_F(LogRecordTest, FailingBitmapMethodsEndWithTheirResult) {
         clearLog();
         EXPECT_EQ(each.call(*bitmap), 0x80000100U) << each.method;
         expectOneRecord("src/zqx/img/FreeImage", "zqx::img::FreeImage::" + each.method, endText(0x80000100));
-        EXPECT_TRUE(isLineOf("FreeImage::" + each.method + "(", records().front().line, BITMAP_SOURCES)) << each.method;
+        EXPECT_TRUE(isLineFrom("FreeImage::" + each.method + "(", records().front().line, BITMAP_SOURCES))
+            << each.method;
     }
 }
 

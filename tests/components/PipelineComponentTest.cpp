@@ -20,20 +20,20 @@ using LinkedPipeline = zqx::img::ImageProcessingPipeline;
 
 constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
 
-EColorGradingParams defaultsOf(IImageProcessingPipeline& pipeline) {
+EColorGradingParams getDefaults(IImageProcessingPipeline& pipeline) {
     EColorGradingParams params{};
     EXPECT_EQ(pipeline.getDefaultColorGradingParams(&params), 0U);
     return params;
 }
 
-EColorGradingParams paramsOf(IImageProcessingPipeline& pipeline) {
+EColorGradingParams getParams(IImageProcessingPipeline& pipeline) {
     EColorGradingParams params{};
     EXPECT_EQ(pipeline.getColorGradingParams(&params), 0U);
     return params;
 }
 
 /// Values field by field, in the order of the record.
-std::vector<float> valuesOf(const EColorGradingParams& params) {
+std::vector<float> getValues(const EColorGradingParams& params) {
     std::vector<float> values(14);
     static_assert(sizeof params == 14 * sizeof(float));
     std::memcpy(values.data(), &params, sizeof params);
@@ -41,14 +41,14 @@ std::vector<float> valuesOf(const EColorGradingParams& params) {
 }
 
 template <typename Get>
-int flagOf(IImageProcessingPipeline& pipeline, const Get& get) {
+int getFlag(IImageProcessingPipeline& pipeline, const Get& get) {
     int flag = -1;
     EXPECT_EQ((pipeline.*get)(&flag), 0U);
     return flag;
 }
 
 /// The pipeline's result; empty when it failed.
-Bitmap resultOf(IImageProcessingPipeline& pipeline) {
+Bitmap getResult(IImageProcessingPipeline& pipeline) {
     Bitmap out;
     EXPECT_EQ(pipeline.execute(out.receive()), 0U);
     return out;
@@ -90,10 +90,10 @@ class GradingFieldTest : public ComponentTest, public testing::WithParamInterfac
 protected:
     float readBack(float value) const {
         const Pipeline pipeline = newPipeline();
-        EColorGradingParams params = defaultsOf(*pipeline);
+        EColorGradingParams params = getDefaults(*pipeline);
         params.*GetParam().member = value;
         EXPECT_EQ(pipeline->setColorGradingParams(params), 0U);
-        return paramsOf(*pipeline).*GetParam().member;
+        return getParams(*pipeline).*GetParam().member;
     }
 };
 
@@ -115,19 +115,19 @@ INSTANTIATE_TEST_SUITE_P(Fields, GradingFieldTest,
 
 TEST_F(PipelineComponentTest, NewPipelineHasTheDefaultGrading) {
     const Pipeline pipeline = newPipeline();
-    EXPECT_EQ(valuesOf(paramsOf(*pipeline)), valuesOf(defaultsOf(*pipeline)));
-    EXPECT_EQ(valuesOf(defaultsOf(*pipeline)), (std::vector<float>{0.0F, 0.5F, 0.0F, 0.0F, 6500.0F, 0.0F, 1.0F, 0.0F,
-                                                                   0.0F, 0.0F, 0.0F, 1.0F, 1.0F, 1.0F}));
+    EXPECT_EQ(getValues(getParams(*pipeline)), getValues(getDefaults(*pipeline)));
+    EXPECT_EQ(getValues(getDefaults(*pipeline)), (std::vector<float>{0.0F, 0.5F, 0.0F, 0.0F, 6500.0F, 0.0F, 1.0F, 0.0F,
+                                                                     0.0F, 0.0F, 0.0F, 1.0F, 1.0F, 1.0F}));
 }
 
 TEST_F(PipelineComponentTest, DefaultsDoNotFollowThePresentGrading) {
     const Pipeline pipeline = newPipeline();
-    EColorGradingParams params = defaultsOf(*pipeline);
+    EColorGradingParams params = getDefaults(*pipeline);
     params.exposure = 2.0F;
     params.black = {0.5F, 0.5F, 0.5F};
     ASSERT_EQ(pipeline->setColorGradingParams(params), 0U);
-    EXPECT_EQ(defaultsOf(*pipeline).exposure, 0.0F);
-    EXPECT_EQ(defaultsOf(*pipeline).black.r, 0.0F);
+    EXPECT_EQ(getDefaults(*pipeline).exposure, 0.0F);
+    EXPECT_EQ(getDefaults(*pipeline).black.r, 0.0F);
 }
 
 TEST_P(GradingFieldTest, ValuesInsideTheRangeComeBack) {
@@ -155,7 +155,7 @@ TEST_F(PipelineComponentTest, HighlightAndShadowReachEightTimesAsFarOnOneSide) {
         float inside;
     };
     const tov::TovRef pipeline(LinkedPipeline::create());
-    EColorGradingParams params = defaultsOf(*pipeline);
+    EColorGradingParams params = getDefaults(*pipeline);
     for (const Case& each : {Case{1.0F, 8.0F}, Case{0.5F, 4.0F}, Case{-1.0F, -1.0F}, Case{-0.5F, -0.5F},
                              Case{0.0F, 0.0F}, Case{2.0F, 8.0F}, Case{-3.0F, -1.0F}}) {
         params.highlight = each.outside;
@@ -181,7 +181,7 @@ TEST_F(PipelineComponentTest, OtherValuesAreTheSameInside) {
 
 TEST_F(PipelineComponentTest, GradientColoursAreEncodedOutsideAndLinearInside) {
     const tov::TovRef pipeline(LinkedPipeline::create());
-    EColorGradingParams params = defaultsOf(*pipeline);
+    EColorGradingParams params = getDefaults(*pipeline);
     params.black = {0.1F, 0.2F, 0.3F};
     params.white = {0.9F, 0.8F, 0.7F};
     ASSERT_EQ(pipeline->setColorGradingParams(params), 0U);
@@ -193,20 +193,20 @@ TEST_F(PipelineComponentTest, GradientColoursAreEncodedOutsideAndLinearInside) {
     EXPECT_EQ(gradient.getColorAt(255).compare(white), 0);
     EXPECT_EQ(gradient.getColorAt(0).a, 1.0F);
     EXPECT_EQ(gradient.getColorAt(255).a, 1.0F);
-    const EColorGradingParams back = paramsOf(*pipeline);
+    const EColorGradingParams back = getParams(*pipeline);
     EXPECT_EQ(back.black.g, black.toSrgb().g);
     EXPECT_EQ(back.white.b, white.toSrgb().b);
 }
 
 TEST_F(PipelineComponentTest, BlackAndWhiteComeBackUnchanged) {
     const Pipeline pipeline = newPipeline();
-    EColorGradingParams params = defaultsOf(*pipeline);
+    EColorGradingParams params = getDefaults(*pipeline);
     ASSERT_EQ(pipeline->setColorGradingParams(params), 0U);
-    EXPECT_EQ(valuesOf(paramsOf(*pipeline)), valuesOf(params));
+    EXPECT_EQ(getValues(getParams(*pipeline)), getValues(params));
     params.black = {1.0F, 1.0F, 1.0F};
     params.white = {0.0F, 0.0F, 0.0F};
     ASSERT_EQ(pipeline->setColorGradingParams(params), 0U);
-    EXPECT_EQ(valuesOf(paramsOf(*pipeline)), valuesOf(params));
+    EXPECT_EQ(getValues(getParams(*pipeline)), getValues(params));
 }
 
 TEST_F(PipelineComponentTest, GradientOfManyStopsIsReadAtItsEnds) {
@@ -215,7 +215,7 @@ TEST_F(PipelineComponentTest, GradientOfManyStopsIsReadAtItsEnds) {
     grading.setGradientMap(zqx::img::ColorGradient(
         std::vector<Color>{{0.0F, 0.0F, 1.0F, 1.0F}, {0.0F, 1.0F, 0.0F, 1.0F}, {1.0F, 0.0F, 0.0F, 1.0F}}));
     pipeline->setColorGrading(grading);
-    const EColorGradingParams params = paramsOf(*pipeline);
+    const EColorGradingParams params = getParams(*pipeline);
     EXPECT_EQ(params.black.b, 1.0F);
     EXPECT_EQ(params.black.g, 0.0F);
     EXPECT_EQ(params.white.r, 1.0F);
@@ -230,18 +230,18 @@ TEST_F(PipelineComponentTest, FlagsAreTrueForAnythingButZero) {
         EXPECT_EQ(pipeline->setInversionEnabled(input), 0U);
         EXPECT_EQ(pipeline->setFlipHorizontal(input), 0U);
         EXPECT_EQ(pipeline->setFlipVertical(input), 0U);
-        EXPECT_EQ(flagOf(*pipeline, &IImageProcessingPipeline::getInversionEnabled), expected);
-        EXPECT_EQ(flagOf(*pipeline, &IImageProcessingPipeline::getFlipHorizontal), expected);
-        EXPECT_EQ(flagOf(*pipeline, &IImageProcessingPipeline::getFlipVertical), expected);
+        EXPECT_EQ(getFlag(*pipeline, &IImageProcessingPipeline::getInversionEnabled), expected);
+        EXPECT_EQ(getFlag(*pipeline, &IImageProcessingPipeline::getFlipHorizontal), expected);
+        EXPECT_EQ(getFlag(*pipeline, &IImageProcessingPipeline::getFlipVertical), expected);
     }
 }
 
 TEST_F(PipelineComponentTest, NewPipelineIsNeutral) {
     const Pipeline pipeline = newPipeline();
-    EXPECT_EQ(flagOf(*pipeline, &IImageProcessingPipeline::getInversionEnabled), 0);
-    EXPECT_EQ(flagOf(*pipeline, &IImageProcessingPipeline::getFlipHorizontal), 0);
-    EXPECT_EQ(flagOf(*pipeline, &IImageProcessingPipeline::getFlipVertical), 0);
-    EXPECT_EQ(flagOf(*pipeline, &IImageProcessingPipeline::getActiveStages), 65535);
+    EXPECT_EQ(getFlag(*pipeline, &IImageProcessingPipeline::getInversionEnabled), 0);
+    EXPECT_EQ(getFlag(*pipeline, &IImageProcessingPipeline::getFlipHorizontal), 0);
+    EXPECT_EQ(getFlag(*pipeline, &IImageProcessingPipeline::getFlipVertical), 0);
+    EXPECT_EQ(getFlag(*pipeline, &IImageProcessingPipeline::getActiveStages), 65535);
     float sharpness = -1.0F;
     EXPECT_EQ(pipeline->getSharpness(&sharpness), 0U);
     EXPECT_EQ(sharpness, 0.0F);
@@ -251,7 +251,7 @@ TEST_F(PipelineComponentTest, StagesAreStoredAsGiven) {
     const Pipeline pipeline = newPipeline();
     for (const int stages : {0, 9, 65535, -1, std::numeric_limits<int>::min()}) {
         EXPECT_EQ(pipeline->setActiveStages(stages), 0U);
-        EXPECT_EQ(flagOf(*pipeline, &IImageProcessingPipeline::getActiveStages), stages);
+        EXPECT_EQ(getFlag(*pipeline, &IImageProcessingPipeline::getActiveStages), stages);
     }
 }
 
@@ -275,21 +275,21 @@ TEST_F(PipelineComponentTest, InputIsHeldByOneReferenceUntilItIsReplaced) {
     const Bitmap first = painted(2, 2);
     const Bitmap second = painted(2, 2);
     EXPECT_EQ(pipeline->setInputImage(first.get()), 0U);
-    EXPECT_EQ(referencesOf(*first), 2U);
+    EXPECT_EQ(getReferences(*first), 2U);
     EXPECT_EQ(pipeline->setInputImage(first.get()), 0U);
-    EXPECT_EQ(referencesOf(*first), 2U);
+    EXPECT_EQ(getReferences(*first), 2U);
     EXPECT_EQ(pipeline->setInputImage(second.get()), 0U);
-    EXPECT_EQ(referencesOf(*first), 1U);
-    EXPECT_EQ(referencesOf(*second), 2U);
+    EXPECT_EQ(getReferences(*first), 1U);
+    EXPECT_EQ(getReferences(*second), 2U);
     pipeline.reset();
-    EXPECT_EQ(referencesOf(*second), 1U);
+    EXPECT_EQ(getReferences(*second), 1U);
 }
 
 TEST_F(PipelineComponentTest, InputMayBeReleasedByTheHost) {
     const Pipeline pipeline = newPipeline();
     EXPECT_EQ(pipeline->setInputImage(painted(3, 2).get()), 0U);
     pipeline->setActiveStages(0);
-    EXPECT_TRUE(isPainted(*resultOf(*pipeline), 3, 2));
+    EXPECT_TRUE(isPainted(*getResult(*pipeline), 3, 2));
 }
 
 TEST_F(PipelineComponentTest, NullInputIsUnexpected) {
@@ -305,9 +305,9 @@ TEST_F(PipelineComponentTest, ForeignInputIsUnexpectedAndTheOldOneStays) {
     pipeline->setActiveStages(0);
     ASSERT_EQ(pipeline->setInputImage(painted(3, 2).get()), 0U);
     EXPECT_EQ(pipeline->setInputImage(foreign.get()), 0x8000FFFFU);
-    EXPECT_EQ(referencesOf(*foreign), 1U);
+    EXPECT_EQ(getReferences(*foreign), 1U);
     EXPECT_EQ(foreign->calls, 0);
-    EXPECT_TRUE(isPainted(*resultOf(*pipeline), 3, 2));
+    EXPECT_TRUE(isPainted(*getResult(*pipeline), 3, 2));
 }
 
 // --- Execution
@@ -334,10 +334,10 @@ TEST_F(PipelineComponentTest, ResultIsANewBitmapWithOneReference) {
     ASSERT_EQ(pipeline->execute(&second), 0U);
     EXPECT_NE(first, second);
     EXPECT_NE(first, source.get());
-    EXPECT_EQ(typeOf(*first), FIT_BITMAP);
+    EXPECT_EQ(detectType(*first), FIT_BITMAP);
     EXPECT_EQ(first->release(), 0U);
     EXPECT_EQ(second->release(), 0U);
-    EXPECT_EQ(referencesOf(*source), 2U);
+    EXPECT_EQ(getReferences(*source), 2U);
 }
 
 TEST_F(PipelineComponentTest, WithoutStagesBitmapsAreCopied) {
@@ -345,14 +345,14 @@ TEST_F(PipelineComponentTest, WithoutStagesBitmapsAreCopied) {
     pipeline->setActiveStages(0);
     for (const int depth : {24, 32}) {
         ASSERT_EQ(pipeline->setInputImage(painted(5, 3, depth).get()), 0U);
-        const Bitmap out = resultOf(*pipeline);
-        EXPECT_EQ(depthOf(*out), depth);
+        const Bitmap out = getResult(*pipeline);
+        EXPECT_EQ(getDepth(*out), depth);
         EXPECT_TRUE(isPainted(*out, 5, 3)) << "upright, and to the byte";
     }
     const Bitmap grey = allocated(FIT_BITMAP, 2, 1, 8);
-    lineOf(*grey, 0)[1] = 77;
+    getLine(*grey, 0)[1] = 77;
     ASSERT_EQ(pipeline->setInputImage(grey.get()), 0U);
-    EXPECT_EQ(bytesOfLine(*resultOf(*pipeline), 0, 2), (std::vector<int>{0, 77}));
+    EXPECT_EQ(bytesOfLine(*getResult(*pipeline), 0, 2), (std::vector<int>{0, 77}));
 }
 
 TEST_F(PipelineComponentTest, SourceIsReadAnewByEveryExecution) {
@@ -361,7 +361,7 @@ TEST_F(PipelineComponentTest, SourceIsReadAnewByEveryExecution) {
     pipeline->setActiveStages(0);
     ASSERT_EQ(pipeline->setInputImage(source.get()), 0U);
     setPixel(*source, 0, 0, {1.0F, 1.0F, 1.0F, 1.0F});
-    EXPECT_EQ(pixelAt(*resultOf(*pipeline), 0, 0), (Pixel{1.0F, 1.0F, 1.0F, 1.0F}));
+    EXPECT_EQ(pixelAt(*getResult(*pipeline), 0, 0), (Pixel{1.0F, 1.0F, 1.0F, 1.0F}));
 }
 
 TEST_F(PipelineComponentTest, FlipsMirrorThePicture) {
@@ -369,13 +369,13 @@ TEST_F(PipelineComponentTest, FlipsMirrorThePicture) {
     ASSERT_EQ(pipeline->setInputImage(painted(3, 2).get()), 0U);
     pipeline->setActiveStages(16);
     pipeline->setFlipHorizontal(1);
-    EXPECT_EQ(pixelAt(*resultOf(*pipeline), 0, 0), colorAt(2, 0));
+    EXPECT_EQ(pixelAt(*getResult(*pipeline), 0, 0), colorAt(2, 0));
     pipeline->setFlipVertical(1);
-    EXPECT_EQ(pixelAt(*resultOf(*pipeline), 0, 0), colorAt(2, 1));
+    EXPECT_EQ(pixelAt(*getResult(*pipeline), 0, 0), colorAt(2, 1));
     pipeline->setFlipHorizontal(0);
-    EXPECT_EQ(pixelAt(*resultOf(*pipeline), 0, 0), colorAt(0, 1));
+    EXPECT_EQ(pixelAt(*getResult(*pipeline), 0, 0), colorAt(0, 1));
     pipeline->setActiveStages(0);
-    EXPECT_EQ(pixelAt(*resultOf(*pipeline), 0, 0), colorAt(0, 0));
+    EXPECT_EQ(pixelAt(*getResult(*pipeline), 0, 0), colorAt(0, 0));
 }
 
 TEST_F(PipelineComponentTest, InversionInvertsColourAndNotAlpha) {
@@ -383,7 +383,7 @@ TEST_F(PipelineComponentTest, InversionInvertsColourAndNotAlpha) {
     ASSERT_EQ(pipeline->setInputImage(allocated(FIT_BITMAP, 2, 2, 32).get()), 0U);
     pipeline->setActiveStages(1);
     pipeline->setInversionEnabled(1);
-    EXPECT_EQ(pixelAt(*resultOf(*pipeline), 0, 0), (Pixel{1.0F, 1.0F, 1.0F, 0.0F}));
+    EXPECT_EQ(pixelAt(*getResult(*pipeline), 0, 0), (Pixel{1.0F, 1.0F, 1.0F, 0.0F}));
 }
 
 TEST_F(PipelineComponentTest, GradingRunsThroughTheInterface) {
@@ -391,32 +391,32 @@ TEST_F(PipelineComponentTest, GradingRunsThroughTheInterface) {
     const Bitmap source = allocated(FIT_BITMAP, 1, 1, 24);
     setPixel(*source, 0, 0, {0.5F, 0.5F, 0.5F, 1.0F});
     ASSERT_EQ(pipeline->setInputImage(source.get()), 0U);
-    EColorGradingParams params = defaultsOf(*pipeline);
+    EColorGradingParams params = getDefaults(*pipeline);
     params.exposure = 5.0F;
     ASSERT_EQ(pipeline->setColorGradingParams(params), 0U);
-    EXPECT_EQ(pixelAt(*resultOf(*pipeline), 0, 0), (Pixel{1.0F, 1.0F, 1.0F, 1.0F}));
+    EXPECT_EQ(pixelAt(*getResult(*pipeline), 0, 0), (Pixel{1.0F, 1.0F, 1.0F, 1.0F}));
 }
 
 TEST_F(PipelineComponentTest, EncodedSourcesGiveEncodedBytes) {
     Source rgb(Image::SRGB8, 2, {10, 20, 30, 128, 129, 255});
-    EXPECT_EQ(bytesOfLine(*resultOf(rgb.pipeline()), 0, 6), (std::vector<int>{30, 20, 10, 255, 129, 128}));
+    EXPECT_EQ(bytesOfLine(*getResult(rgb.pipeline()), 0, 6), (std::vector<int>{30, 20, 10, 255, 129, 128}));
     Source grey(Image::SGRAY8, 3, {1, 128, 254});
-    EXPECT_EQ(bytesOfLine(*resultOf(grey.pipeline()), 0, 3), (std::vector<int>{1, 128, 254}));
+    EXPECT_EQ(bytesOfLine(*getResult(grey.pipeline()), 0, 3), (std::vector<int>{1, 128, 254}));
     Source rgba(Image::SRGBA8, 1, {10, 20, 30, 40});
-    EXPECT_EQ(bytesOfLine(*resultOf(rgba.pipeline()), 0, 4), (std::vector<int>{30, 20, 10, 40}));
+    EXPECT_EQ(bytesOfLine(*getResult(rgba.pipeline()), 0, 4), (std::vector<int>{30, 20, 10, 40}));
 }
 
 TEST_F(PipelineComponentTest, LinearSourcesGiveLinearBytes) {
     const auto expected = throughEncoding;
     Source rgb(Image::RGB8, 2, {10, 20, 30, 128, 129, 255});
     EXPECT_EQ(
-        bytesOfLine(*resultOf(rgb.pipeline()), 0, 6),
+        bytesOfLine(*getResult(rgb.pipeline()), 0, 6),
         (std::vector<int>{expected(30), expected(20), expected(10), expected(255), expected(129), expected(128)}));
     Source grey(Image::GRAY8, 3, {1, 128, 254});
-    EXPECT_EQ(bytesOfLine(*resultOf(grey.pipeline()), 0, 3),
+    EXPECT_EQ(bytesOfLine(*getResult(grey.pipeline()), 0, 3),
               (std::vector<int>{expected(1), expected(128), expected(254)}));
     Source rgba(Image::RGBA8, 1, {10, 20, 30, 40});
-    EXPECT_EQ(bytesOfLine(*resultOf(rgba.pipeline()), 0, 4),
+    EXPECT_EQ(bytesOfLine(*getResult(rgba.pipeline()), 0, 4),
               (std::vector<int>{expected(30), expected(20), expected(10), 40}))
         << "alpha is linear already";
     EXPECT_NEAR(expected(128), 128, 2) << "far from the encoded 186";
@@ -431,7 +431,7 @@ TEST_F(PipelineComponentTest, EveryLinearByteGoesThroughTheEncoding) {
         expected[static_cast<std::size_t>(i)] = throughEncoding(i);
     }
     Source source(Image::GRAY8, 256, bytes);
-    EXPECT_EQ(bytesOfLine(*resultOf(source.pipeline()), 0, 256), expected);
+    EXPECT_EQ(bytesOfLine(*getResult(source.pipeline()), 0, 256), expected);
 }
 
 TEST_F(PipelineComponentTest, RowZeroOfAnImageIsTheBottomLineOfTheResult) {
@@ -440,7 +440,7 @@ TEST_F(PipelineComponentTest, RowZeroOfAnImageIsTheBottomLineOfTheResult) {
     pipeline->setActiveStages(0);
     pipeline->setInputImage(
         std::make_shared<Image>(const_cast<unsigned char*>(bytes.data()), 1U, 2U, Image::SGRAY8, 1U));
-    const Bitmap out = resultOf(*pipeline);
+    const Bitmap out = getResult(*pipeline);
     EXPECT_EQ(bytesOfLine(*out, 0, 1), std::vector<int>{1});
     EXPECT_EQ(bytesOfLine(*out, 1, 1), std::vector<int>{2});
 }
@@ -451,8 +451,8 @@ TEST_F(PipelineComponentTest, DepthThatStandardBitmapsDoNotHaveIsTheLibrarysBusi
     const tov::TovRef pipeline(LinkedPipeline::create());
     pipeline->setActiveStages(0);
     pipeline->setInputImage(std::make_shared<Image>(const_cast<float*>(white.data()), 1U, 1U, Image::RGB32F, 12U));
-    const Bitmap out = resultOf(*pipeline);
-    EXPECT_EQ(depthOf(*out), 8);
+    const Bitmap out = getResult(*pipeline);
+    EXPECT_EQ(getDepth(*out), 8);
     EXPECT_EQ(bytesOfLine(*out, 0, 1), std::vector<int>{255});
     EXPECT_TRUE(assertions().empty());
 }
@@ -464,8 +464,8 @@ TEST_F(PipelineComponentTest, ResultThatIsNoEightBitPictureIsAssertedAndLeftAlon
         const Pipeline pipeline = newPipeline();
         pipeline->setActiveStages(0);
         ASSERT_EQ(pipeline->setInputImage(allocated(FIT_UINT16, 2, 2, 16).get()), 0U);
-        const Bitmap out = resultOf(*pipeline);
-        EXPECT_EQ(depthOf(*out), 16);
+        const Bitmap out = getResult(*pipeline);
+        EXPECT_EQ(getDepth(*out), 16);
         ASSERT_EQ(assertions().size(), before + 1);
         EXPECT_EQ(assertions().back(), "!\"unexpected image format\"");
     }
@@ -569,7 +569,7 @@ TEST_F(PipelineComponentTest, HostGradesAFileIntoAnotherThroughInterfaces) {
     ASSERT_EQ(pipeline->setInputImage(source.get()), 0U);
     pipeline->setActiveStages(16);
     pipeline->setFlipVertical(1);
-    const Bitmap out = resultOf(*pipeline);
+    const Bitmap out = getResult(*pipeline);
     ASSERT_EQ(out->save(FIF_PNG, directory.file("out.png").c_str(), 0), 0U);
     const Bitmap back = newBitmap();
     ASSERT_EQ(back->load(-1, directory.file("out.png").c_str(), 0), 0U);

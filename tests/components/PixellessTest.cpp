@@ -53,11 +53,11 @@ constexpr Transform TRANSFORMS[] = {
 } // namespace
 
 TEST_P(PixellessTest, SizesAndKindAreKnown) {
-    EXPECT_EQ(widthOf(*mBitmap), 4);
-    EXPECT_EQ(heightOf(*mBitmap), 3);
-    EXPECT_EQ(depthOf(*mBitmap), static_cast<int>(GetParam()));
-    EXPECT_EQ(typeOf(*mBitmap), FIT_BITMAP);
-    EXPECT_GT(pitchOf(*mBitmap), 0);
+    EXPECT_EQ(readWidth(*mBitmap), 4);
+    EXPECT_EQ(readHeight(*mBitmap), 3);
+    EXPECT_EQ(getDepth(*mBitmap), static_cast<int>(GetParam()));
+    EXPECT_EQ(detectType(*mBitmap), FIT_BITMAP);
+    EXPECT_GT(computePitch(*mBitmap), 0);
     zqx::qfreeimage::ColorType type{};
     EXPECT_EQ(mBitmap->getColorType(&type), 0U);
     int index = 0;
@@ -123,7 +123,7 @@ TEST_P(PixellessTest, StandardTypeOfAStandardBitmapIsACopyWithoutPixelsToo) {
     Bitmap out;
     EXPECT_EQ(mBitmap->convertToStandardType(out.receive(), 1), 0U);
     void* line = nullptr;
-    EXPECT_EQ(widthOf(*out), 4);
+    EXPECT_EQ(readWidth(*out), 4);
     EXPECT_EQ(out->getScanline(0, &line), 0x80004005U);
 }
 

@@ -52,7 +52,7 @@ tov::TovRef<LinkedPipeline> pipelineOver(const std::shared_ptr<Image>& source) {
     return pipeline;
 }
 
-Bitmap previewOf(IImageProcessingPipeline& pipeline, unsigned int width, unsigned int height) {
+Bitmap getPreview(IImageProcessingPipeline& pipeline, unsigned int width, unsigned int height) {
     Bitmap out;
     EXPECT_EQ(pipeline.executePreview(width, height, out.receive()), 0U);
     return out;
@@ -65,11 +65,11 @@ class PreviewTest : public ComponentTest {};
 TEST_F(PreviewTest, PreviewHasExactlyTheSizeAskedFor) {
     const Pipeline pipeline = newPipeline();
     ASSERT_EQ(pipeline->setInputImage(painted(10, 4).get()), 0U);
-    const Bitmap preview = previewOf(*pipeline, 3, 7);
-    EXPECT_EQ(widthOf(*preview), 3);
-    EXPECT_EQ(heightOf(*preview), 7);
-    EXPECT_EQ(depthOf(*preview), 24);
-    EXPECT_EQ(referencesOf(*preview), 1U);
+    const Bitmap preview = getPreview(*pipeline, 3, 7);
+    EXPECT_EQ(readWidth(*preview), 3);
+    EXPECT_EQ(readHeight(*preview), 7);
+    EXPECT_EQ(getDepth(*preview), 24);
+    EXPECT_EQ(getReferences(*preview), 1U);
     EXPECT_TRUE(records().empty());
 }
 
@@ -80,7 +80,7 @@ TEST_F(PreviewTest, PreviewIsTheLanczosCopyOfTheSource) {
     ASSERT_EQ(pipeline->setInputImage(source.get()), 0U);
     Bitmap rescaled;
     ASSERT_EQ(source->rescale(4, 3, 5, rescaled.receive()), 0U);
-    const Bitmap preview = previewOf(*pipeline, 4, 3);
+    const Bitmap preview = getPreview(*pipeline, 4, 3);
     for (int y = 0; y < 3; ++y) {
         for (int x = 0; x < 4; ++x) {
             EXPECT_EQ(pixelAt(*preview, x, y), pixelAt(*rescaled, x, y));
@@ -93,14 +93,14 @@ TEST_F(PreviewTest, PreviewRunsTheStages) {
     ASSERT_EQ(pipeline->setInputImage(allocated(FIT_BITMAP, 8, 8, 24).get()), 0U);
     pipeline->setActiveStages(1);
     pipeline->setInversionEnabled(1);
-    EXPECT_EQ(pixelAt(*previewOf(*pipeline, 2, 2), 0, 0), (Pixel{1.0F, 1.0F, 1.0F, 1.0F}));
+    EXPECT_EQ(pixelAt(*getPreview(*pipeline, 2, 2), 0, 0), (Pixel{1.0F, 1.0F, 1.0F, 1.0F}));
 }
 
 TEST_F(PreviewTest, SameSizeScalesOnce) {
     const auto source = std::make_shared<ScaleCounter>(8, 8);
     const auto pipeline = pipelineOver(source);
-    previewOf(*pipeline, 200, 100);
-    previewOf(*pipeline, 200, 100);
+    getPreview(*pipeline, 200, 100);
+    getPreview(*pipeline, 200, 100);
     EXPECT_EQ(source->sizes.size(), 1U);
     EXPECT_EQ(source->last->sizes.size(), 0U) << "the copy itself is not scaled";
 }
@@ -108,11 +108,11 @@ TEST_F(PreviewTest, SameSizeScalesOnce) {
 TEST_F(PreviewTest, AnotherWidthOrHeightScalesTheSourceAgain) {
     const auto source = std::make_shared<ScaleCounter>(8, 8);
     const auto pipeline = pipelineOver(source);
-    previewOf(*pipeline, 200, 100);
-    previewOf(*pipeline, 100, 50);
-    previewOf(*pipeline, 100, 60);
-    previewOf(*pipeline, 110, 60);
-    previewOf(*pipeline, 200, 100);
+    getPreview(*pipeline, 200, 100);
+    getPreview(*pipeline, 100, 50);
+    getPreview(*pipeline, 100, 60);
+    getPreview(*pipeline, 110, 60);
+    getPreview(*pipeline, 200, 100);
     using Sizes = std::vector<std::pair<std::size_t, std::size_t>>;
     EXPECT_EQ(source->sizes, (Sizes{{200, 100}, {100, 50}, {100, 60}, {110, 60}, {200, 100}}));
 }
@@ -120,34 +120,34 @@ TEST_F(PreviewTest, AnotherWidthOrHeightScalesTheSourceAgain) {
 TEST_F(PreviewTest, OldPreviewIsDroppedWhenTheSizeChanges) {
     const auto source = std::make_shared<ScaleCounter>(8, 8);
     const auto pipeline = pipelineOver(source);
-    previewOf(*pipeline, 20, 10);
+    getPreview(*pipeline, 20, 10);
     std::weak_ptr<Image> old = source->last;
     source->last.reset();
     EXPECT_FALSE(old.expired()) << "it is kept for the next time";
-    previewOf(*pipeline, 10, 5);
+    getPreview(*pipeline, 10, 5);
     EXPECT_TRUE(old.expired());
 }
 
 TEST_F(PreviewTest, NewInputDropsThePreview) {
     const auto source = std::make_shared<ScaleCounter>(8, 8);
     const auto pipeline = pipelineOver(source);
-    previewOf(*pipeline, 20, 10);
+    getPreview(*pipeline, 20, 10);
     pipeline->setInputImage(source);
-    previewOf(*pipeline, 20, 10);
+    getPreview(*pipeline, 20, 10);
     EXPECT_EQ(source->sizes.size(), 2U);
     const Bitmap bitmap = painted(4, 4);
     EXPECT_EQ(pipeline->setInputImage(bitmap.get()), 0U);
-    EXPECT_EQ(depthOf(*previewOf(*pipeline, 20, 10)), 24) << "of the new source";
+    EXPECT_EQ(getDepth(*getPreview(*pipeline, 20, 10)), 24) << "of the new source";
 }
 
 TEST_F(PreviewTest, ParametersDoNotDropThePreview) {
     const auto source = std::make_shared<ScaleCounter>(8, 8);
     const auto pipeline = pipelineOver(source);
-    previewOf(*pipeline, 20, 10);
+    getPreview(*pipeline, 20, 10);
     pipeline->setActiveStages(65535);
     pipeline->setSharpness(0.5F);
     pipeline->setFlipVertical(1);
-    previewOf(*pipeline, 20, 10);
+    getPreview(*pipeline, 20, 10);
     EXPECT_EQ(source->sizes.size(), 1U);
 }
 
@@ -157,23 +157,23 @@ TEST_F(PreviewTest, KeptPreviewDoesNotSeeChangesOfTheSource) {
     pipeline->setActiveStages(0);
     ASSERT_EQ(pipeline->setInputImage(source.get()), 0U);
     const Pixel black = {0.0F, 0.0F, 0.0F, 1.0F};
-    EXPECT_EQ(pixelAt(*previewOf(*pipeline, 2, 2), 0, 0), black);
+    EXPECT_EQ(pixelAt(*getPreview(*pipeline, 2, 2), 0, 0), black);
     for (int y = 0; y < 4; ++y) {
         for (int x = 0; x < 4; ++x) {
             setPixel(*source, x, y, {1.0F, 1.0F, 1.0F, 1.0F});
         }
     }
-    EXPECT_EQ(pixelAt(*previewOf(*pipeline, 2, 2), 0, 0), black);
-    EXPECT_EQ(pixelAt(*previewOf(*pipeline, 3, 3), 0, 0), (Pixel{1.0F, 1.0F, 1.0F, 1.0F}));
+    EXPECT_EQ(pixelAt(*getPreview(*pipeline, 2, 2), 0, 0), black);
+    EXPECT_EQ(pixelAt(*getPreview(*pipeline, 3, 3), 0, 0), (Pixel{1.0F, 1.0F, 1.0F, 1.0F}));
 }
 
 TEST_F(PreviewTest, EveryPreviewIsABitmapOfItsOwn) {
     const Pipeline pipeline = newPipeline();
     ASSERT_EQ(pipeline->setInputImage(painted(4, 4).get()), 0U);
-    const Bitmap first = previewOf(*pipeline, 2, 2);
-    const Bitmap second = previewOf(*pipeline, 2, 2);
+    const Bitmap first = getPreview(*pipeline, 2, 2);
+    const Bitmap second = getPreview(*pipeline, 2, 2);
     EXPECT_NE(first.get(), second.get());
-    EXPECT_EQ(referencesOf(*first), 1U);
+    EXPECT_EQ(getReferences(*first), 1U);
 }
 
 TEST_F(PreviewTest, PreviewLeavesTheSourceForTheNextExecution) {
@@ -181,17 +181,17 @@ TEST_F(PreviewTest, PreviewLeavesTheSourceForTheNextExecution) {
     pipeline->setActiveStages(0);
     const Bitmap source = painted(5, 4);
     ASSERT_EQ(pipeline->setInputImage(source.get()), 0U);
-    previewOf(*pipeline, 2, 2);
+    getPreview(*pipeline, 2, 2);
     Bitmap full;
     ASSERT_EQ(pipeline->execute(full.receive()), 0U);
     EXPECT_TRUE(isPainted(*full, 5, 4));
-    EXPECT_EQ(referencesOf(*source), 2U) << "the pipeline's view, and the host's";
+    EXPECT_EQ(getReferences(*source), 2U) << "the pipeline's view, and the host's";
 }
 
 TEST_F(PreviewTest, PreviewGoesThroughTheObjectsOwnExecute) {
     const tov::TovRef pipeline(new ExecutionSpy);
     pipeline->setInputImage(std::make_shared<ScaleCounter>(4, 4));
-    previewOf(*pipeline, 2, 2);
+    getPreview(*pipeline, 2, 2);
     EXPECT_EQ(pipeline->calls, 1);
     pipeline->answer = 7;
     IFreeImage* out = nullptr;
@@ -211,7 +211,7 @@ TEST_F(PreviewTest, FailingExecutionRestoresTheSource) {
     pipeline->answer = 0;
     Bitmap full;
     ASSERT_EQ(pipeline->execute(full.receive()), 0U);
-    EXPECT_EQ(widthOf(*full), 4);
+    EXPECT_EQ(readWidth(*full), 4);
 }
 
 TEST_F(PreviewTest, SourceIsCheckedBeforeThePointer) {
@@ -244,7 +244,7 @@ TEST_F(PreviewTest, FailedScalingIsTriedAgain) {
     EXPECT_EQ(pipeline->executePreview(0, 2, &out), 0x80000100U);
     EXPECT_EQ(assertions(), Texts(2, qutil::tovStrError(0x80070057)));
     EXPECT_EQ(out, nullptr);
-    EXPECT_EQ(widthOf(*previewOf(*pipeline, 2, 2)), 2);
+    EXPECT_EQ(readWidth(*getPreview(*pipeline, 2, 2)), 2);
 }
 
 TEST_F(PreviewTest, FailedScalingStaysWithoutPreviewWhenTheHandlerGoesOn) {
@@ -267,7 +267,7 @@ TEST_F(PreviewTest, PreviewOfALinearSourceIsLinear) {
         }
     };
     const auto pipeline = pipelineOver(std::make_shared<LinearSource>());
-    EXPECT_NEAR(bytesOfLine(*previewOf(*pipeline, 1, 1), 0, 1)[0], 64, 2) << "encoded it would be 136";
+    EXPECT_NEAR(bytesOfLine(*getPreview(*pipeline, 1, 1), 0, 1)[0], 64, 2) << "encoded it would be 136";
 }
 
 TEST_F(PreviewTest, PipelineReleasesSourceAndPreviewAtItsEnd) {
@@ -275,8 +275,8 @@ TEST_F(PreviewTest, PipelineReleasesSourceAndPreviewAtItsEnd) {
     {
         const Pipeline pipeline = newPipeline();
         ASSERT_EQ(pipeline->setInputImage(source.get()), 0U);
-        previewOf(*pipeline, 2, 2);
-        EXPECT_EQ(referencesOf(*source), 2U);
+        getPreview(*pipeline, 2, 2);
+        EXPECT_EQ(getReferences(*source), 2U);
     }
-    EXPECT_EQ(referencesOf(*source), 1U);
+    EXPECT_EQ(getReferences(*source), 1U);
 }

@@ -65,8 +65,8 @@ protected:
 TEST_F(SlotOrderTest, EveryComponentStartsWithTheCommonSlots) {
     expectCommonSlots(newBitmap().get(), IFreeImage::IID);
     expectCommonSlots(newPipeline().get(), IImageProcessingPipeline::IID);
-    expectCommonSlots(factoryOf(BITMAP_CLASS).get(), tov::IObjectFactory::IID);
-    expectCommonSlots(factoryOf(PIPELINE_CLASS).get(), tov::IObjectFactory::IID);
+    expectCommonSlots(getFactory(BITMAP_CLASS).get(), tov::IObjectFactory::IID);
+    expectCommonSlots(getFactory(PIPELINE_CLASS).get(), tov::IObjectFactory::IID);
 }
 
 TEST_F(SlotOrderTest, BitmapMethodsThatLogAreInTheirSlots) {
@@ -206,7 +206,7 @@ TEST_F(SlotOrderTest, PipelineGradingIsInSlots10To12) {
 
 TEST_F(SlotOrderTest, FactoriesCreateInSlot7AndLockInSlot8) {
     for (const char* clsid : {BITMAP_CLASS, PIPELINE_CLASS}) {
-        const Factory factory = factoryOf(clsid);
+        const Factory factory = getFactory(clsid);
         void* component = nullptr;
         EXPECT_EQ(callSlot(factory.get(), 7, NONE, tov::IUnknown::IID, &component), 0U);
         EXPECT_EQ(static_cast<tov::IUnknown*>(component)->release(), 0U);
@@ -217,12 +217,12 @@ TEST_F(SlotOrderTest, FactoriesCreateInSlot7AndLockInSlot8) {
 TEST_F(SlotOrderTest, FactoriesAreDestroyedInTheSlotsAfterTheirMethods) {
     for (const char* clsid : {BITMAP_CLASS, PIPELINE_CLASS}) {
         // Leak detection tells if it is not destroyed.
-        callSlot<void>(factoryOf(clsid).detach(), 10);
+        callSlot<void>(getFactory(clsid).detach(), 10);
     }
 }
 
 TEST_F(SlotOrderTest, PipelineFactoryCreatesAnObjectWithoutReferencesAfterItsDestructor) {
-    const Factory factory = factoryOf(PIPELINE_CLASS);
+    const Factory factory = getFactory(PIPELINE_CLASS);
     auto* pipeline = callSlot<zqx::img::ImageProcessingPipeline*>(factory.get(), 11);
     ASSERT_NE(pipeline, nullptr);
     EXPECT_EQ(pipeline->addRef(), 1U);

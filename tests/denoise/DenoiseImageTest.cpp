@@ -48,7 +48,7 @@ protected:
     }
 
     /// What was said of an image in the only run since the calls were forgotten: "pixels, format, width, ...)".
-    std::string argumentsOf(const std::string& image) const {
+    std::string getArguments(const std::string& image) const {
         const std::string start = "oidnSetSharedFilterImage(filter 1, " + image + ", ";
         for (const std::string& call : calls()) {
             if (call.starts_with(start)) {
@@ -98,15 +98,15 @@ TEST_F(DenoiseImageWithVersion1, SuccessLeavesTheErrorAlone) {
 TEST_F(DenoiseImageWithVersion1, AlbedoAndNormalAreReadWhereTheyAre) {
     Arrays arrays(4, 2);
     denoise(arrays);
-    EXPECT_EQ(address(arrays.albedo.data()) + ", 3, 4, 2, 0, 12, 48)", argumentsOf("albedo"));
-    EXPECT_EQ(address(arrays.normal.data()) + ", 3, 4, 2, 0, 12, 48)", argumentsOf("normal"));
+    EXPECT_EQ(address(arrays.albedo.data()) + ", 3, 4, 2, 0, 12, 48)", getArguments("albedo"));
+    EXPECT_EQ(address(arrays.normal.data()) + ", 3, 4, 2, 0, 12, 48)", getArguments("normal"));
 }
 
 TEST_F(DenoiseImageWithVersion1, ColourIsPackedInBuffersOfItsOwn) {
     Arrays arrays(4, 2);
     denoise(arrays);
-    const std::string input = argumentsOf("color");
-    const std::string output = argumentsOf("output");
+    const std::string input = getArguments("color");
+    const std::string output = getArguments("output");
     EXPECT_TRUE(input.ends_with(", 3, 4, 2, 0, 12, 48)")) << input;
     EXPECT_TRUE(output.ends_with(", 3, 4, 2, 0, 12, 48)")) << output;
     EXPECT_NE(input, output);
@@ -130,32 +130,32 @@ TEST_F(DenoiseImageWithVersion1, TellsWhetherTheColourIsHdr) {
 TEST_F(DenoiseImageWithVersion1, SameSizeReusesTheBuffers) {
     Arrays first(4, 2);
     denoise(first);
-    const std::string input = argumentsOf("color");
-    const std::string output = argumentsOf("output");
+    const std::string input = getArguments("color");
+    const std::string output = getArguments("output");
     Arrays second(4, 2);
     denoise(second);
-    EXPECT_EQ(input, argumentsOf("color"));
-    EXPECT_EQ(output, argumentsOf("output"));
+    EXPECT_EQ(input, getArguments("color"));
+    EXPECT_EQ(output, getArguments("output"));
 }
 
 TEST_F(DenoiseImageWithVersion1, SamePixelCountReusesTheBuffers) {
     Arrays wide(4, 2);
     denoise(wide);
-    const std::string input = argumentsOf("color");
-    const std::string output = argumentsOf("output");
+    const std::string input = getArguments("color");
+    const std::string output = getArguments("output");
     Arrays high(2, 4);
     denoise(high);
     const auto pixels = [](const std::string& arguments) { return arguments.substr(0, arguments.find(',')); };
-    EXPECT_EQ(pixels(input), pixels(argumentsOf("color")));
-    EXPECT_EQ(pixels(output), pixels(argumentsOf("output")));
+    EXPECT_EQ(pixels(input), pixels(getArguments("color")));
+    EXPECT_EQ(pixels(output), pixels(getArguments("output")));
 }
 
 TEST_F(DenoiseImageWithVersion1, SizesMayChangeBetweenCalls) {
     for (const std::size_t width : {4U, 64U, 3U, 200U, 1U}) {
         Arrays arrays(width, 5);
         denoise(arrays);
-        EXPECT_TRUE(argumentsOf("output").ends_with(", 3, " + std::to_string(width) + ", 5, 0, 12, " +
-                                                    std::to_string(width * 12) + ")"));
+        EXPECT_TRUE(getArguments("output").ends_with(", 3, " + std::to_string(width) + ", 5, 0, 12, " +
+                                                     std::to_string(width * 12) + ")"));
     }
 }
 

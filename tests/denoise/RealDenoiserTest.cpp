@@ -234,7 +234,7 @@ TEST(RealDenoiser, StridesDoNotMatter) {
 }
 
 /// Versions differ by a word or two.
-bool speaksOf(const std::string& subject, const DenoisingFilter& filter) {
+bool mentions(const std::string& subject, const DenoisingFilter& filter) {
     return filter.getErrorMessage().find(subject) != std::string::npos;
 }
 
@@ -244,7 +244,7 @@ TEST(RealDenoiser, ErrorsComeBackInTheLibrarysWords) {
     Image narrow(on.color.data(), 16, 32, Image::RGB32F, 0);
     on.filter.setInput(DenoisingFilter::COLOR, narrow.getSubImage(0, 0, 32, 16));
     EXPECT_FALSE(on.filter.execute());
-    EXPECT_TRUE(speaksOf("smaller than width * pixel stride", on.filter)) << on.filter.getErrorMessage();
+    EXPECT_TRUE(mentions("smaller than width * pixel stride", on.filter)) << on.filter.getErrorMessage();
     EXPECT_EQ(Floats(on.output.size(), -1), on.output);
 }
 
@@ -255,7 +255,7 @@ TEST(RealDenoiser, ErrorOfOneRunDoesNotReachTheNext) {
     EXPECT_FALSE(on.filter.execute());
     on.filter.setInput(DenoisingFilter::COLOR, on.colorView);
     EXPECT_TRUE(on.filter.execute());
-    EXPECT_TRUE(speaksOf("smaller than width * pixel stride", on.filter)) << "the message stays";
+    EXPECT_TRUE(mentions("smaller than width * pixel stride", on.filter)) << "the message stays";
 }
 
 TEST(RealDenoiser, BytesAreNotTakenForFloats) {
@@ -264,7 +264,7 @@ TEST(RealDenoiser, BytesAreNotTakenForFloats) {
     std::vector<unsigned char> bytes(32 * 32 * 3);
     on.filter.setInput(DenoisingFilter::COLOR, Image(bytes.data(), 32, 32, Image::RGB8, 0));
     EXPECT_FALSE(on.filter.execute());
-    EXPECT_TRUE(speaksOf("smaller than pixel size", on.filter)) << on.filter.getErrorMessage();
+    EXPECT_TRUE(mentions("smaller than pixel size", on.filter)) << on.filter.getErrorMessage();
 }
 
 } // namespace

@@ -60,7 +60,7 @@ class DamagedFileTest : public FileTest, public ::testing::WithParamInterface<Da
 protected:
     DamagedFileTest() {
         const DamageCase& file = GetParam();
-        const Component component = componentOf(paint(Content::TWO_LEVELS, file.channels, file.depth));
+        const Component component = getComponent(paint(Content::TWO_LEVELS, file.channels, file.depth));
         const auto stream = qutil::MemoryOutputStream::create();
         if (component->saveToStream(stream.get(), file.format, file.flags) != tov::SUCCESS) {
             throw std::runtime_error("cannot make the file to be damaged");

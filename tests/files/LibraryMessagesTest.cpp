@@ -95,7 +95,7 @@ void hear(FREE_IMAGE_FORMAT /*format*/, const char* message) {
 
 class LibraryMessagesTest : public FileTest {
 protected:
-    std::string fileOf(const std::string& content) const {
+    std::string getFile(const std::string& content) const {
         writeFile(at("a.tif"), content);
         return at("a.tif");
     }
@@ -133,12 +133,12 @@ protected:
 
 TEST_F(LibraryMessagesTest, DamagedTiffWritesNothingToTheTerminal) {
     const std::string whole = [this] {
-        componentOf(paint(Content::MOTLEY, 3, Depth::BYTE))->save(FIF_TIFF, at("a.tif").c_str(), TIFF_LZW);
+        getComponent(paint(Content::MOTLEY, 3, Depth::BYTE))->save(FIF_TIFF, at("a.tif").c_str(), TIFF_LZW);
         return readFile(at("a.tif"));
     }();
     for (const std::string& content : {tiffWithAnUnknownTag(INSIDE), tiffWithAnUnknownTag(BEHIND_THE_END),
                                        whole.substr(0, whole.size() - 20), whole.substr(0, 60)}) {
-        const std::string path = fileOf(content);
+        const std::string path = getFile(content);
         const ErrorOutput errors;
         loadInEveryWay(path);
         EXPECT_EQ(errors.text(), "");
@@ -146,7 +146,7 @@ TEST_F(LibraryMessagesTest, DamagedTiffWritesNothingToTheTerminal) {
 }
 
 TEST_F(TiffMessagesTest, TheLibrarySpeaksAgainAfterwards) {
-    ASSERT_EQ(load(fileOf(tiffWithAnUnknownTag(INSIDE))), tov::SUCCESS);
+    ASSERT_EQ(load(getFile(tiffWithAnUnknownTag(INSIDE))), tov::SUCCESS);
     const ErrorOutput errors;
     FIBITMAP* bitmap = FreeImage_Load(FIF_TIFF, at("a.tif").c_str());
     EXPECT_NE(bitmap, nullptr);
@@ -155,7 +155,7 @@ TEST_F(TiffMessagesTest, TheLibrarySpeaksAgainAfterwards) {
 }
 
 TEST_F(TiffMessagesTest, FunctionsThatTheProgramGaveTheLibraryStayAndAreCalled) {
-    const std::string path = fileOf(tiffWithAnUnknownTag(BEHIND_THE_END));
+    const std::string path = getFile(tiffWithAnUnknownTag(BEHIND_THE_END));
     TiffHandler before[2];
     std::transform(std::begin(SETTERS), std::end(SETTERS), before,
                    [](const char* setter) { return setTiffHandler(setter, countTiffMessage); });
@@ -171,7 +171,7 @@ TEST_F(TiffMessagesTest, SilenceThatTheProgramWantedStays) {
     TiffHandler before[2];
     std::transform(std::begin(SETTERS), std::end(SETTERS), before,
                    [](const char* setter) { return setTiffHandler(setter, nullptr); });
-    load(fileOf(tiffWithAnUnknownTag(INSIDE)));
+    load(getFile(tiffWithAnUnknownTag(INSIDE)));
     for (std::size_t i = 0; i < std::size(SETTERS); ++i) {
         EXPECT_EQ(setTiffHandler(SETTERS[i], before[i]), nullptr) << SETTERS[i];
     }

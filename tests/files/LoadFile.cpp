@@ -95,7 +95,7 @@ std::string describe(int status) {
     }
 }
 
-std::string outcomeOf(const char* file, Way way, int cpuSeconds) {
+std::string getOutcome(const char* file, Way way, int cpuSeconds) {
     const pid_t child = fork();
     if (child < 0) {
         return "not-tried";
@@ -117,8 +117,8 @@ int main(int argc, char** argv) {
         test::makeComponent(); // so that children find the module loaded
         const int cpuSeconds = argc > 1 ? std::stoi(argv[1]) : 0;
         for (int i = 2; i < argc; ++i) {
-            std::printf("%s path %s\n", outcomeOf(argv[i], Way::PATH, cpuSeconds).c_str(), argv[i]);
-            std::printf("%s stream %s\n", outcomeOf(argv[i], Way::STREAM, cpuSeconds).c_str(), argv[i]);
+            std::printf("%s path %s\n", getOutcome(argv[i], Way::PATH, cpuSeconds).c_str(), argv[i]);
+            std::printf("%s stream %s\n", getOutcome(argv[i], Way::STREAM, cpuSeconds).c_str(), argv[i]);
             std::fflush(stdout); // a child would write out what is pending once more
         }
         return 0;

@@ -51,7 +51,7 @@ protected:
         component.getBitsPerPixel(&bitsPerPixel);
         EXPECT_EQ(type, file.type);
         EXPECT_EQ(bitsPerPixel, file.bitsPerPixel);
-        const Samples loaded = file.upsideDown ? flipped(samplesOf(component)) : samplesOf(component);
+        const Samples loaded = file.upsideDown ? flipped(getSamples(component)) : getSamples(component);
         if (file.against == Against::THE_ORIGINAL) {
             const Samples original = paint(file.content, file.channels, file.depth);
             EXPECT_TRUE(
@@ -211,16 +211,16 @@ TEST_F(NamedFileTest, ContentDecidesOverAWrongName) {
     writeWithMagick(picture, "JPEG:" + at("drawing.png"));
     const Component component = makeComponent();
     ASSERT_EQ(component->load(DETECT, at("photo.jpg").c_str(), 0), tov::SUCCESS);
-    EXPECT_TRUE(isSame(samplesOf(*component), picture));
+    EXPECT_TRUE(isSame(getSamples(*component), picture));
     ASSERT_EQ(component->load(DETECT, at("drawing.png").c_str(), JPEG_ACCURATE), tov::SUCCESS);
-    EXPECT_TRUE(isSame(samplesOf(*component), readWithMagick("JPEG:" + at("drawing.png"), 3, BYTE)));
+    EXPECT_TRUE(isSame(getSamples(*component), readWithMagick("JPEG:" + at("drawing.png"), 3, BYTE)));
 }
 
 TEST_F(NamedFileTest, ContentDecidesWithoutAnEnding) {
     samplePng("picture");
     const Component component = makeComponent();
     ASSERT_EQ(component->load(DETECT, at("picture").c_str(), 0), tov::SUCCESS);
-    EXPECT_TRUE(isSame(samplesOf(*component), paint(MOTLEY, 3, BYTE)));
+    EXPECT_TRUE(isSame(getSamples(*component), paint(MOTLEY, 3, BYTE)));
 }
 
 TEST_F(NamedFileTest, NameDecidesWhereContentDoesNot) {
@@ -233,7 +233,7 @@ TEST_F(NamedFileTest, NameDecidesWhereContentDoesNot) {
     writeFile(at("picture.tga"), content);
     const Component component = makeComponent();
     ASSERT_EQ(component->load(DETECT, at("picture.tga").c_str(), 0), tov::SUCCESS);
-    EXPECT_TRUE(isSame(samplesOf(*component), paint(MOTLEY, 3, BYTE)));
+    EXPECT_TRUE(isSame(getSamples(*component), paint(MOTLEY, 3, BYTE)));
 }
 
 TEST_F(NamedFileTest, AGivenFormatIsNotDetectedOver) {

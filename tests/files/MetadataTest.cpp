@@ -27,7 +27,7 @@ protected:
     }
 
     std::string mPath = at(GetParam().file);
-    Component mComponent = componentOf(paint(Content::SMOOTH, 3, Depth::BYTE));
+    Component mComponent = getComponent(paint(Content::SMOOTH, 3, Depth::BYTE));
 };
 
 } // namespace

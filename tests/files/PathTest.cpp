@@ -23,7 +23,7 @@ class PathTest : public FileTest {
 protected:
     /// Whether a path that cannot be loaded is refused, leaving no bitmap where its name promised a picture.
     static void expectRefusedAndEmptied(const std::string& path) {
-        const Component component = componentOf(paint(Content::MOTLEY, 3, Depth::BYTE));
+        const Component component = getComponent(paint(Content::MOTLEY, 3, Depth::BYTE));
         EXPECT_EQ(component->load(DETECT, path.c_str(), 0), tov::FAILURE);
         EXPECT_TRUE(isEmpty(*component));
     }
@@ -31,27 +31,27 @@ protected:
     /// Whether a path without a known ending, whose content says nothing either, is refused before the bitmap is lost.
     static void expectRefusedAndKept(const std::string& path) {
         const Samples picture = paint(Content::MOTLEY, 3, Depth::BYTE);
-        const Component component = componentOf(picture);
+        const Component component = getComponent(picture);
         EXPECT_EQ(component->load(DETECT, path.c_str(), 0), tov::FAILURE);
         ASSERT_FALSE(isEmpty(*component));
-        EXPECT_TRUE(isSame(samplesOf(*component), picture));
+        EXPECT_TRUE(isSame(getSamples(*component), picture));
     }
 };
 
 } // namespace
 
 TEST_P(UnicodeNameTest, FilesAreSavedAndLoaded) {
-    const Component component = componentOf(mPicture);
+    const Component component = getComponent(mPicture);
     ASSERT_EQ(component->save(FIF_PNG, mPath.c_str(), 0), tov::SUCCESS);
     ASSERT_TRUE(std::filesystem::exists(mPath));
     EXPECT_TRUE(isSame(readWithMagick(mPath, 3, Depth::BYTE), mPicture));
     const Component again = makeComponent();
     ASSERT_EQ(again->load(DETECT, mPath.c_str(), 0), tov::SUCCESS);
-    EXPECT_TRUE(isSame(samplesOf(*again), mPicture));
+    EXPECT_TRUE(isSame(getSamples(*again), mPicture));
 }
 
 TEST_P(UnicodeNameTest, StreamsAreSavedAndLoaded) {
-    const Component component = componentOf(mPicture);
+    const Component component = getComponent(mPicture);
     const auto output = qutil::FileOutputStream::create(mPath);
     ASSERT_TRUE(output);
     ASSERT_EQ(component->saveToStream(output.get(), FIF_PNG, 0), tov::SUCCESS);
@@ -60,7 +60,7 @@ TEST_P(UnicodeNameTest, StreamsAreSavedAndLoaded) {
     ASSERT_TRUE(input);
     const Component again = makeComponent();
     ASSERT_EQ(again->loadFromStream(DETECT, input.get(), 0), tov::SUCCESS);
-    EXPECT_TRUE(isSame(samplesOf(*again), mPicture));
+    EXPECT_TRUE(isSame(getSamples(*again), mPicture));
 }
 
 INSTANTIATE_TEST_SUITE_P(Scripts, UnicodeNameTest,
@@ -82,7 +82,7 @@ TEST_F(PathTest, MissingFileIsRefused) {
 
 TEST_F(PathTest, EmptyNameIsRefused) {
     expectRefusedAndKept("");
-    EXPECT_EQ(componentOf(paint(Content::MOTLEY, 3, Depth::BYTE))->save(FIF_PNG, "", 0), tov::FAILURE);
+    EXPECT_EQ(getComponent(paint(Content::MOTLEY, 3, Depth::BYTE))->save(FIF_PNG, "", 0), tov::FAILURE);
 }
 
 TEST_F(PathTest, DirectoryIsRefused) {
@@ -101,7 +101,7 @@ TEST_F(PathTest, EmptyFileIsRefused) {
 }
 
 TEST_F(PathTest, EmptyStreamIsRefusedAndTheBitmapKept) {
-    const Component component = componentOf(paint(Content::MOTLEY, 3, Depth::BYTE));
+    const Component component = getComponent(paint(Content::MOTLEY, 3, Depth::BYTE));
     const auto stream = memoryStream("");
     ASSERT_TRUE(stream);
     EXPECT_EQ(component->loadFromStream(DETECT, stream.get(), 0), tov::FAILURE);
@@ -112,7 +112,7 @@ TEST_F(PathTest, TextIsRefusedAndTheBitmapKept) {
     const std::string text = "Dear reader, this is no picture.\n";
     writeFile(at("letter.txt"), text);
     expectRefusedAndKept(at("letter.txt"));
-    const Component component = componentOf(paint(Content::MOTLEY, 3, Depth::BYTE));
+    const Component component = getComponent(paint(Content::MOTLEY, 3, Depth::BYTE));
     const auto stream = memoryStream(text);
     EXPECT_EQ(component->loadFromStream(DETECT, stream.get(), 0), tov::FAILURE);
     EXPECT_FALSE(isEmpty(*component));
@@ -121,7 +121,7 @@ TEST_F(PathTest, TextIsRefusedAndTheBitmapKept) {
 TEST_F(PathTest, UnwritableTargetsAreRefused) {
     std::filesystem::create_directory(at("album.png"));
     writeFile(at("file"), "x");
-    const Component component = componentOf(paint(Content::MOTLEY, 3, Depth::BYTE));
+    const Component component = getComponent(paint(Content::MOTLEY, 3, Depth::BYTE));
     for (const std::string& target : {at("no such directory") + "/a.png", at("album.png"), at("file") + "/a.png",
                                       at(std::string(300, 'n') + ".png")}) {
         EXPECT_EQ(component->save(FIF_PNG, target.c_str(), 0), tov::FAILURE) << target;

@@ -37,7 +37,7 @@ int storedAt(int channel, int channels, Depth depth) {
 }
 
 /// Number of channels and their depth by data type, for the types whose samples lie side by side.
-std::pair<int, Depth> layoutOf(int type, int bitsPerPixel) {
+std::pair<int, Depth> getLayout(int type, int bitsPerPixel) {
     switch (type) {
     case FIT_BITMAP: return {bitsPerPixel / 8, Depth::BYTE};
     case FIT_UINT16: return {1, Depth::WORD};
@@ -96,7 +96,7 @@ Samples paletteColours(IFreeImage& component, int width, int height, int bitsPer
 
 } // namespace
 
-Samples samplesOf(IFreeImage& component) {
+Samples getSamples(IFreeImage& component) {
     const int width = numberFrom(component, &IFreeImage::getWidth);
     const int height = numberFrom(component, &IFreeImage::getHeight);
     const int type = numberFrom(component, &IFreeImage::getDataType);
@@ -104,7 +104,7 @@ Samples samplesOf(IFreeImage& component) {
     if (type == FIT_BITMAP && bitsPerPixel <= 8) {
         return paletteColours(component, width, height, bitsPerPixel);
     }
-    const auto [channels, depth] = layoutOf(type, bitsPerPixel);
+    const auto [channels, depth] = getLayout(type, bitsPerPixel);
     Samples samples = blank(width, height, channels, depth);
     const auto size = static_cast<std::size_t>(depth);
     forEachSample(component, samples, [&](const BYTE* stored, std::size_t index) {
@@ -113,7 +113,7 @@ Samples samplesOf(IFreeImage& component) {
     return samples;
 }
 
-Component componentOf(const Samples& samples) {
+Component getComponent(const Samples& samples) {
     Component component = makeComponent();
     const int bitsPerPixel = samples.channels * static_cast<int>(samples.depth) * 8;
     require(component->allocate(typeFor(samples), samples.width, samples.height, bitsPerPixel));

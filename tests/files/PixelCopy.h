@@ -8,9 +8,9 @@ namespace zqx::img::test {
 
 /// The pixels of a component. Palettes are looked up: pictures of 1, 4 and 8 bits come out in three channels.
 /// @throws std::runtime_error for layouts that no test has
-Samples samplesOf(IFreeImage& component);
+Samples getSamples(IFreeImage& component);
 
 /// A component that holds the samples, in the bitmap type that fits them.
-Component componentOf(const Samples& samples);
+Component getComponent(const Samples& samples);
 
 } // namespace zqx::img::test

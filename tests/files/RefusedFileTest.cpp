@@ -42,7 +42,7 @@ protected:
     static constexpr const char* END = "End TOV-Function result: Operation failed";
 
     std::string mPath = at(GetParam().file);
-    Component mComponent = componentOf(paint(Content::MOTLEY, GetParam().channels, GetParam().depth));
+    Component mComponent = getComponent(paint(Content::MOTLEY, GetParam().channels, GetParam().depth));
 };
 
 } // namespace
@@ -87,7 +87,7 @@ TEST_P(RefusedFileTest, TheNextFileLoads) {
     ASSERT_EQ(mComponent->load(DETECT, mPath.c_str(), 0), tov::FAILURE);
     ASSERT_EQ(mComponent->load(DETECT, samplePng("next.png").c_str(), 0), tov::SUCCESS);
     EXPECT_EQ(FreeImage::getLibraryMessage(), "");
-    EXPECT_TRUE(isSame(samplesOf(*mComponent), paint(Content::MOTLEY, 3, Depth::BYTE)));
+    EXPECT_TRUE(isSame(getSamples(*mComponent), paint(Content::MOTLEY, 3, Depth::BYTE)));
 }
 
 using enum Depth;

@@ -46,7 +46,7 @@ double smooth(int x, int y, int channel, Depth depth) {
     return depth == Depth::FLOAT ? std::floor(ramp * 256.0) / 256.0 : std::floor(ramp * largest(depth));
 }
 
-double valueOf(Content content, int x, int y, int channel, int channels, Depth depth) {
+double findValue(Content content, int x, int y, int channel, int channels, Depth depth) {
     const auto column = static_cast<unsigned>(x);
     const auto row = static_cast<unsigned>(y);
     const auto colour = [=](unsigned index) { return motley(index * 4 + static_cast<unsigned>(channel), depth); };
@@ -92,7 +92,7 @@ Samples paint(Content content, int channels, Depth depth) {
     for (int y = 0; y < HEIGHT; ++y) {
         for (int x = 0; x < WIDTH; ++x) {
             for (int channel = 0; channel < channels; ++channel) {
-                samples.set(index++, valueOf(content, x, y, channel, channels, depth));
+                samples.set(index++, findValue(content, x, y, channel, channels, depth));
             }
         }
     }

@@ -35,7 +35,7 @@ protected:
         }
         const Component again = makeComponent();
         ASSERT_EQ(again->load(DETECT, mPath.c_str(), GetParam().format == FIF_JPEG ? JPEG_ACCURATE : 0), tov::SUCCESS);
-        EXPECT_TRUE(isSame(inColour(seen), samplesOf(*again), tolerance));
+        EXPECT_TRUE(isSame(inColour(seen), getSamples(*again), tolerance));
         EXPECT_LT(meanDifference(seen, mOriginal), 0.01);
     }
 
@@ -46,13 +46,13 @@ protected:
 } // namespace
 
 TEST_P(SaveTest, SavesByPath) {
-    const Component component = componentOf(mOriginal);
+    const Component component = getComponent(mOriginal);
     ASSERT_EQ(component->save(GetParam().format, mPath.c_str(), GetParam().flags), tov::SUCCESS);
     expectPixels();
 }
 
 TEST_P(SaveTest, SavesToAFileStream) {
-    const Component component = componentOf(mOriginal);
+    const Component component = getComponent(mOriginal);
     const auto stream = qutil::FileOutputStream::create(mPath);
     ASSERT_TRUE(stream);
     ASSERT_EQ(component->saveToStream(stream.get(), GetParam().format, GetParam().flags), tov::SUCCESS);
@@ -61,7 +61,7 @@ TEST_P(SaveTest, SavesToAFileStream) {
 }
 
 TEST_P(SaveTest, SavesToAMemoryStream) {
-    const Component component = componentOf(mOriginal);
+    const Component component = getComponent(mOriginal);
     const auto stream = qutil::MemoryOutputStream::create();
     ASSERT_EQ(component->saveToStream(stream.get(), GetParam().format, GetParam().flags), tov::SUCCESS);
     writeFile(mPath, std::string(stream->bytes().begin(), stream->bytes().end()));
@@ -180,8 +180,8 @@ TEST_F(SaveIndexedTest, EightBitPicturesKeepTheirColours) {
 using SaveFormatTest = FileTest;
 
 TEST_F(SaveFormatTest, RefusesWhatAFormatCannotHold) {
-    const Component floats = componentOf(paint(Content::MOTLEY, 3, FLOAT));
-    const Component bytes = componentOf(paint(Content::MOTLEY, 4, BYTE));
+    const Component floats = getComponent(paint(Content::MOTLEY, 3, FLOAT));
+    const Component bytes = getComponent(paint(Content::MOTLEY, 4, BYTE));
     const auto stream = qutil::MemoryOutputStream::create();
     EXPECT_EQ(floats->save(FIF_PNG, at("a.png").c_str(), 0), tov::NOT_SUPPORTED);
     EXPECT_EQ(floats->saveToStream(stream.get(), FIF_JPEG, 0), tov::NOT_SUPPORTED);
@@ -194,7 +194,7 @@ TEST_F(SaveFormatTest, RefusesWhatAFormatCannotHold) {
 
 TEST_F(SaveFormatTest, WhatTheEncoderRefusesIsAFailure) {
     // The library promises 32 bits for its CMYK pictures, and finds out later that this is none.
-    const Component component = componentOf(paint(Content::MOTLEY, 4, BYTE));
+    const Component component = getComponent(paint(Content::MOTLEY, 4, BYTE));
     const auto stream = qutil::MemoryOutputStream::create();
     EXPECT_EQ(component->save(FIF_JPEG, at("a.jpg").c_str(), 0), tov::FAILURE);
     EXPECT_EQ(component->saveToStream(stream.get(), FIF_JPEG, 0), tov::FAILURE);
@@ -204,7 +204,7 @@ TEST_F(SaveFormatTest, WhatTheEncoderRefusesIsAFailure) {
 
 TEST_F(SaveFormatTest, TheFormatDecidesNotTheName) {
     const Samples picture = paint(Content::MOTLEY, 3, BYTE);
-    const Component component = componentOf(picture);
+    const Component component = getComponent(picture);
     ASSERT_EQ(component->save(FIF_PNG, at("picture.jpg").c_str(), 0), tov::SUCCESS);
     EXPECT_TRUE(isSame(readWithMagick("PNG:" + at("picture.jpg"), 3, BYTE), picture));
 }
@@ -212,7 +212,7 @@ TEST_F(SaveFormatTest, TheFormatDecidesNotTheName) {
 TEST_F(SaveFormatTest, SavingOverAFileReplacesIt) {
     const Samples picture = paint(Content::MOTLEY, 3, BYTE);
     writeFile(at("a.bmp"), std::string(100000, 'x'));
-    ASSERT_EQ(componentOf(picture)->save(FIF_BMP, at("a.bmp").c_str(), 0), tov::SUCCESS);
+    ASSERT_EQ(getComponent(picture)->save(FIF_BMP, at("a.bmp").c_str(), 0), tov::SUCCESS);
     EXPECT_LT(readFile(at("a.bmp")).size(), 10000U);
     EXPECT_TRUE(isSame(readWithMagick(at("a.bmp"), 3, BYTE), picture));
 }

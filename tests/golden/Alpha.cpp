@@ -20,7 +20,7 @@ void pairEveryByte(const Image& image) {
 
 void recordAlpha(Record& record) {
     const auto recordBoth = [&](Image::Format format, const std::string& name, auto change) {
-        record.keep(name + "/" + test::nameOf(format), [&](auto add) {
+        record.keep(name + "/" + test::getName(format), [&](auto add) {
             for (const Layout& layout : STRIDED_LAYOUTS) {
                 for (const Content content : CONTENTS) {
                     Picture picture(layout, format, content, layout.width);

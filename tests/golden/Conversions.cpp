@@ -22,7 +22,7 @@ std::span<const Layout> layouts(Image::Format from, Image::Format to) {
 
 void recordConversions(Record& record) {
     test::forAllPairs([&](Image::Format from, Image::Format to) {
-        const std::string pair = test::nameOf(from) + "-" + test::nameOf(to);
+        const std::string pair = test::getName(from) + "-" + test::getName(to);
         record.keep("convertTo/" + pair, [&](auto add) {
             for (const Layout& layout : STRIDED_LAYOUTS) {
                 for (const Content content : CONTENTS) {
@@ -43,7 +43,7 @@ void recordConversions(Record& record) {
         });
     });
     for (const Image::Format from : test::ALL_FORMATS) {
-        record.keep("convertToLinearFloat/" + test::nameOf(from), [&](auto add) {
+        record.keep("convertToLinearFloat/" + test::getName(from), [&](auto add) {
             Picture source({67, 13, 7}, from, Content::SHADED, 1);
             add(pixelBytes(*source.image().convertToLinearFloat(), NanBits::AS_THEY_ARE));
         });

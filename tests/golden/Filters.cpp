@@ -34,7 +34,7 @@ void run(Filter filter, const Image& source, const Image& output) {
 template <typename Filter>
 void recordBetween(Record& record, const std::string& name, const Filter& filter, Image::Format from, Image::Format to,
                    std::span<const Layout> sizes) {
-    record.keep(name + "/" + test::nameOf(from) + "-" + test::nameOf(to), [&](auto add) {
+    record.keep(name + "/" + test::getName(from) + "-" + test::getName(to), [&](auto add) {
         for (const Layout& size : sizes) {
             for (const Content content : CONTENTS) {
                 Picture source({size.width, size.height, 7}, from, content, size.width);
@@ -48,7 +48,7 @@ void recordBetween(Record& record, const std::string& name, const Filter& filter
 
 template <typename Filter>
 void recordInPlace(Record& record, const std::string& name, const Filter& filter, Image::Format format) {
-    record.keep(name + "/" + test::nameOf(format) + "-in-place", [&](auto add) {
+    record.keep(name + "/" + test::getName(format) + "-in-place", [&](auto add) {
         for (const Layout& size : SIZES) {
             Picture picture(outputLayout(size, format), format, Content::SHADED, size.width);
             run(filter, picture.image(), picture.image());
@@ -73,13 +73,13 @@ void recordAllSizes(Record& record, const std::string& name, const Filter& filte
     }
 }
 
-GaussianBlur blurOf(const char* sigma) {
+GaussianBlur getBlur(const char* sigma) {
     GaussianBlur blur;
     blur.setSigma(std::stof(sigma));
     return blur;
 }
 
-Sharpen sharpenOf(float radius, float strength, float threshold) {
+Sharpen getSharpen(float radius, float strength, float threshold) {
     Sharpen sharpen;
     sharpen.setRadius(radius);
     sharpen.setStrength(strength);
@@ -99,17 +99,17 @@ void recordBlurs(Record& record) {
             add(floatBytes(GaussianBlur::computeKernel(std::stod(sigma)), NanBits::CANONICAL));
         });
     }
-    recordAllPairs(record, "sigma=1.5", blurOf("1.5"));
+    recordAllPairs(record, "sigma=1.5", getBlur("1.5"));
     for (const char* sigma : {"0.4", "1", "2.3", "6"}) {
-        recordAllSizes(record, std::string("sigma=") + sigma, blurOf(sigma));
+        recordAllSizes(record, std::string("sigma=") + sigma, getBlur(sigma));
     }
 }
 
 void recordSharpenings(Record& record) {
-    recordAllPairs(record, "radius=1,strength=3,threshold=0.02", sharpenOf(1.0F, 3.0F, 0.02F));
-    recordAllSizes(record, "radius=0.5,strength=5,threshold=0", sharpenOf(0.5F, 5.0F, 0.0F));
-    recordAllSizes(record, "radius=1,strength=0,threshold=0.02", sharpenOf(1.0F, 0.0F, 0.02F));
-    recordAllSizes(record, "radius=3,strength=1.2,threshold=0.1", sharpenOf(3.0F, 1.2F, 0.1F));
+    recordAllPairs(record, "radius=1,strength=3,threshold=0.02", getSharpen(1.0F, 3.0F, 0.02F));
+    recordAllSizes(record, "radius=0.5,strength=5,threshold=0", getSharpen(0.5F, 5.0F, 0.0F));
+    recordAllSizes(record, "radius=1,strength=0,threshold=0.02", getSharpen(1.0F, 0.0F, 0.02F));
+    recordAllSizes(record, "radius=3,strength=1.2,threshold=0.1", getSharpen(3.0F, 1.2F, 0.1F));
 }
 
 } // namespace golden

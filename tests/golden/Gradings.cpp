@@ -18,7 +18,7 @@ constexpr Pair PAIRS[] = {{Image::RGB32F, Image::RGB32F},  {Image::SRGB8, Image:
                           {Image::RGB8, Image::GRAY8},     {Image::GRAY32F, Image::RGBA8}};
 
 void recordBetween(Record& record, const Look& look, Pair pair, std::span<const Layout> layouts) {
-    record.keep(look.name + "/" + test::nameOf(pair.from) + "-" + test::nameOf(pair.to), [&](auto add) {
+    record.keep(look.name + "/" + test::getName(pair.from) + "-" + test::getName(pair.to), [&](auto add) {
         for (const Layout& layout : layouts) {
             for (const Content content : CONTENTS) {
                 Picture source(layout, pair.from, content, layout.width);
@@ -31,7 +31,7 @@ void recordBetween(Record& record, const Look& look, Pair pair, std::span<const 
 }
 
 void recordInPlace(Record& record, const Look& look, Image::Format format) {
-    record.keep(look.name + "/" + test::nameOf(format) + "-in-place", [&](auto add) {
+    record.keep(look.name + "/" + test::getName(format) + "-in-place", [&](auto add) {
         for (const Layout& layout : STRIDED_LAYOUTS) {
             Picture picture(layout, format, Content::SHADED, layout.width);
             look.grading.apply(picture.image(), picture.image());

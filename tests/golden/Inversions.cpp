@@ -8,7 +8,7 @@ void recordInversions(Record& record) {
     constexpr unsigned MASKS = 16;
     for (const Image::Format format : test::ALL_FORMATS) {
         for (unsigned mask = 0; mask < MASKS; ++mask) {
-            record.keep(test::nameOf(format) + "/" + std::to_string(mask), [&](auto add) {
+            record.keep(test::getName(format) + "/" + std::to_string(mask), [&](auto add) {
                 for (const Layout& layout : STRIDED_LAYOUTS) {
                     for (const Content content : CONTENTS) {
                         Picture picture(layout, format, content, layout.width);

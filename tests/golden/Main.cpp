@@ -20,7 +20,7 @@ int print() {
     for (const golden::Subject& subject : golden::subjects()) {
         all.merge(golden::recordOn(subject, 1));
     }
-    std::fputs(golden::textOf(all).c_str(), stdout);
+    std::fputs(golden::getText(all).c_str(), stdout);
     return 0;
 }
 

@@ -38,7 +38,7 @@ constexpr Image::Format OUTPUTS[] = {Image::SRGB8, Image::RGBA8, Image::RGBA32F,
 
 constexpr Layout SIZES[] = {{1, 1}, {7, 5}, {67, 33}};
 
-std::vector<std::uint8_t> bytesOf(const std::string& text) {
+std::vector<std::uint8_t> getBytes(const std::string& text) {
     return {text.begin(), text.end()};
 }
 
@@ -48,19 +48,20 @@ void recordDocument(Record& record, const Document& document) {
     const bool isAccepted = pipeline.loadParams(document.text);
     record.keep(std::string(document.name) + "/saved", [&](auto add) {
         add({static_cast<std::uint8_t>(isAccepted ? 1 : 0)});
-        add(bytesOf(pipeline.saveParams()));
+        add(getBytes(pipeline.saveParams()));
     });
     for (const Image::Format from : SOURCES) {
         for (const Image::Format to : OUTPUTS) {
-            record.keep(std::string(document.name) + "/" + test::nameOf(from) + "-" + test::nameOf(to), [&](auto add) {
-                for (const Layout& size : SIZES) {
-                    Picture source({size.width, size.height, 3}, from, Content::SHADED, size.width);
-                    Picture output({size.width, size.height}, to);
-                    pipeline.setInputImage(std::make_shared<Image>(source.image()));
-                    pipeline.execute(output.image());
-                    add(output.bytes(NanBits::CANONICAL));
-                }
-            });
+            record.keep(std::string(document.name) + "/" + test::getName(from) + "-" + test::getName(to),
+                        [&](auto add) {
+                            for (const Layout& size : SIZES) {
+                                Picture source({size.width, size.height, 3}, from, Content::SHADED, size.width);
+                                Picture output({size.width, size.height}, to);
+                                pipeline.setInputImage(std::make_shared<Image>(source.image()));
+                                pipeline.execute(output.image());
+                                add(output.bytes(NanBits::CANONICAL));
+                            }
+                        });
         }
     }
 }

@@ -72,7 +72,7 @@ Hashes expectedHashes() {
     return hashes;
 }
 
-std::string textOf(const Hashes& hashes) {
+std::string getText(const Hashes& hashes) {
     std::string text = HEADING;
     for (const auto& [name, hash] : hashes) {
         text += name + " " + hash + "\n";

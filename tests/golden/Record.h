@@ -51,7 +51,7 @@ Hashes recordOn(const Subject& subject, int threads);
 Hashes expectedHashes();
 
 /// All works and their hashes as hashes.txt has them.
-std::string textOf(const Hashes& hashes);
+std::string getText(const Hashes& hashes);
 
 // One file each.
 void recordConversions(Record& record);

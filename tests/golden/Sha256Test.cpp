@@ -11,18 +11,19 @@ namespace {
 
 using zqx::img::test::Sha256;
 
-std::string hashOf(const std::string& text) {
+std::string computeHash(const std::string& text) {
     Sha256 hash;
     hash.add(std::vector<std::uint8_t>(text.begin(), text.end()));
     return hash.hexadecimal();
 }
 
 TEST(Sha256Test, HashesTheExamplesOfTheStandard) {
-    EXPECT_EQ("e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855", hashOf(""));
-    EXPECT_EQ("ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad", hashOf("abc"));
+    EXPECT_EQ("e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855", computeHash(""));
+    EXPECT_EQ("ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad", computeHash("abc"));
     EXPECT_EQ("248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1",
-              hashOf("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq"));
-    EXPECT_EQ("cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0", hashOf(std::string(1000000, 'a')));
+              computeHash("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq"));
+    EXPECT_EQ("cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0",
+              computeHash(std::string(1000000, 'a')));
 }
 
 TEST(Sha256Test, DoesNotDependOnHowBytesAreDivided) {

@@ -60,7 +60,7 @@ constexpr Layout SIZES[] = {{1, 1}, {1, 90}, {70, 1}, {67, 13}, {75, 83}, {40, 4
 
 void recordCut(Record& record, Cut cut, Image::Format format) {
     const std::string name = "size=" + std::to_string(cut.tileSize) + ",overlap=" + std::to_string(cut.overlap) +
-                             ",margin=" + std::to_string(cut.margin) + "/" + test::nameOf(format);
+                             ",margin=" + std::to_string(cut.margin) + "/" + test::getName(format);
     record.keep(name, [&](auto add) {
         for (const Layout& size : SIZES) {
             Picture source({size.width, size.height, 4}, format, Content::SHADED, size.width);

@@ -14,7 +14,7 @@ constexpr Layout SIZES[] = {{1, 1}, {1, 9, 3}, {11, 1}, {7, 5, 7}, {67, 13}, {13
 void recordTurns(Record& record) {
     for (const Image::Format format : test::ALL_FORMATS) {
         const auto flip = [&](const std::string& name, auto change) {
-            record.keep(name + "/" + test::nameOf(format), [&](auto add) {
+            record.keep(name + "/" + test::getName(format), [&](auto add) {
                 for (const Layout& layout : SIZES) {
                     Picture picture(layout, format, Content::WILD, layout.width);
                     change(picture.image());
@@ -23,7 +23,7 @@ void recordTurns(Record& record) {
             });
         };
         const auto rotate = [&](const std::string& name, auto turned) {
-            record.keep(name + "/" + test::nameOf(format), [&](auto add) {
+            record.keep(name + "/" + test::getName(format), [&](auto add) {
                 for (const Layout& layout : SIZES) {
                     Picture picture(layout, format, Content::WILD, layout.width);
                     add(pixelBytes(*turned(picture.image()), NanBits::AS_THEY_ARE));

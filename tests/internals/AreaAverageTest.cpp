@@ -116,7 +116,7 @@ constexpr Image::Format WORKING_FORMATS[] = {Image::SGRAY8, Image::SRGB8,   Imag
 
 template <typename Fill>
 void expectOracle(Image::Format format, Size from, Size to, const Fill& fill) {
-    SCOPED_TRACE(test::nameOf(format) + " to " + std::to_string(to.width) + " x " + std::to_string(to.height));
+    SCOPED_TRACE(test::getName(format) + " to " + std::to_string(to.width) + " x " + std::to_string(to.height));
     GuardedImage source(from.width, from.height, format, {2, 5});
     fill(source.surface());
     GuardedImage actual(to.width, to.height, format, {3, 7});
@@ -174,7 +174,7 @@ TEST(AreaAverage, TheOwnSizeGivesTheSamePixels) {
         fillColors(source.surface());
         GuardedImage target(13, 9, format);
         averageArea(source.image(), target.image());
-        EXPECT_TRUE(test::samePixels(target.surface(), source.surface())) << test::nameOf(format);
+        EXPECT_TRUE(test::samePixels(target.surface(), source.surface())) << test::getName(format);
     }
 }
 

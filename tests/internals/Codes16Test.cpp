@@ -95,7 +95,7 @@ protected:
     std::size_t rowSamples() const { return WIDTH * channels() + GAP; }
 
     template <typename Sample>
-    SampleView<Sample> viewOf(Sample* samples) const {
+    SampleView<Sample> getView(Sample* samples) const {
         return {samples, WIDTH, HEIGHT, channels(), rowSamples() * sizeof(Sample)};
     }
 };
@@ -106,7 +106,7 @@ TEST_P(Codes16ImageTest, ColourIsDecodedAndAlphaIsNot) {
         codes[i] = static_cast<std::uint16_t>(i * 40503);
     }
     GuardedImage image(WIDTH, HEIGHT, GetParam(), {4, 12});
-    decodeCodes16(viewOf<const std::uint16_t>(codes.data()), image.image());
+    decodeCodes16(getView<const std::uint16_t>(codes.data()), image.image());
     EXPECT_TRUE(image.guardsIntact());
     for (std::size_t y = 0; y < HEIGHT; ++y) {
         for (std::size_t i = 0; i < WIDTH * channels(); ++i) {
@@ -122,7 +122,7 @@ TEST_P(Codes16ImageTest, FloatsOfAnyKindAreEncoded) {
     GuardedImage image(WIDTH, HEIGHT, GetParam(), {8, 4});
     test::fillRandom(image.surface(), 16);
     std::vector<std::uint16_t> codes(HEIGHT * rowSamples(), GUARD);
-    encodeCodes16(image.image(), viewOf<std::uint16_t>(codes.data()));
+    encodeCodes16(image.image(), getView<std::uint16_t>(codes.data()));
     for (std::size_t y = 0; y < HEIGHT; ++y) {
         for (std::size_t i = 0; i < WIDTH * channels(); ++i) {
             const std::size_t channel = i % channels();
@@ -170,13 +170,13 @@ TEST_P(Codes16ImageTest, RowsThatBeginAtTheBottomAreTurnedOver) {
         codes[i] = static_cast<std::uint16_t>(i * 40503);
     }
     GuardedImage image(WIDTH, HEIGHT, GetParam(), {4, 12});
-    SampleView<const std::uint16_t> source = viewOf<const std::uint16_t>(codes.data());
+    SampleView<const std::uint16_t> source = getView<const std::uint16_t>(codes.data());
     source.bottomFirst = true;
     decodeCodes16(source, image.image());
     std::vector<std::uint16_t> turned(codes.size(), GUARD);
-    encodeCodes16(image.image(), viewOf<std::uint16_t>(turned.data()));
+    encodeCodes16(image.image(), getView<std::uint16_t>(turned.data()));
     std::vector<std::uint16_t> back(codes.size(), GUARD);
-    SampleView<std::uint16_t> target = viewOf<std::uint16_t>(back.data());
+    SampleView<std::uint16_t> target = getView<std::uint16_t>(back.data());
     target.bottomFirst = true;
     encodeCodes16(image.image(), target);
     for (std::size_t y = 0; y < HEIGHT; ++y) {
@@ -188,6 +188,6 @@ TEST_P(Codes16ImageTest, RowsThatBeginAtTheBottomAreTurnedOver) {
 }
 
 INSTANTIATE_TEST_SUITE_P(EachFormat, Codes16ImageTest, testing::ValuesIn(test::FLOAT_FORMATS),
-                         [](const auto& each) { return test::nameOf(each.param); });
+                         [](const auto& each) { return test::getName(each.param); });
 
 } // namespace

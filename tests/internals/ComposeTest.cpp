@@ -22,7 +22,7 @@ constexpr float GROUND = 0.25F;
 /// Straight alpha over the ground, by way of a whole image of floats.
 std::shared_ptr<Image> overGroundLiterally(const Image& image) {
     std::shared_ptr<Image> floats = image.convertTo(Image::RGBA32F);
-    const oracle::Surface s = test::surfaceOf(*floats);
+    const oracle::Surface s = test::getSurface(*floats);
     for (std::size_t y = 0; y < s.height; ++y) {
         for (std::size_t x = 0; x < s.width; ++x) {
             oracle::Values color = oracle::readStored(s, x, y);
@@ -40,7 +40,7 @@ std::shared_ptr<Image> overGroundLiterally(const Image& image) {
 TEST(Compose, WhatHasAlphaComesToLieOverTheGround) {
     for (const Image::Format from : {Image::RGBA8, Image::SRGBA8, Image::SBGRA8, Image::RGBA32F}) {
         for (const Image::Format to : test::ALL_FORMATS) {
-            SCOPED_TRACE(test::nameOf(from, to));
+            SCOPED_TRACE(test::getName(from, to));
             GuardedImage source(521, 3, from, {3, 5});
             test::fillRandom(source.surface(), 10);
             GuardedImage target(521, 3, to, {1, 7});
@@ -56,7 +56,7 @@ TEST(Compose, WhatHasAlphaComesToLieOverTheGround) {
 TEST(Compose, WhatHasNoAlphaIsConverted) {
     for (const Image::Format from : {Image::SGRAY8, Image::SBGR8, Image::RGB32F}) {
         for (const Image::Format to : test::ALL_FORMATS) {
-            SCOPED_TRACE(test::nameOf(from, to));
+            SCOPED_TRACE(test::getName(from, to));
             GuardedImage source(67, 3, from, {0, 5});
             test::fillRandom(source.surface(), 11);
             GuardedImage target(67, 3, to, {0, 7});
@@ -99,7 +99,7 @@ bool isWhite(const oracle::Surface& s, std::size_t x, std::size_t y) {
 TEST(Compose, HalvesMeetAtAWhiteLine) {
     for (const Image::Format format : test::ALL_FORMATS) {
         for (const std::size_t width : {1U, 2U, 3U, 8U, 37U}) {
-            SCOPED_TRACE(test::nameOf(format) + " " + std::to_string(width));
+            SCOPED_TRACE(test::getName(format) + " " + std::to_string(width));
             GuardedImage left(width, 5, format, {0, 4});
             test::fillRandom(left.surface(), 1);
             GuardedImage right(width, 5, format, {0, 8});

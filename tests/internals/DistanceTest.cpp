@@ -118,7 +118,7 @@ void expectSame(const Distances& expected, const Distances& actual) {
 
 TEST(Distance, IsThatOfALiteralComparison) {
     for (const Pair& pair : PAIRS) {
-        SCOPED_TRACE(test::nameOf(pair.a, pair.b));
+        SCOPED_TRACE(test::getName(pair.a, pair.b));
         for (const bool finite : {true, false}) {
             Images images(pair, finite);
             expectSame(literalDistances(images.a.surface(), images.b.surface(), pair.scale),
@@ -163,7 +163,7 @@ TEST(Distance, ImagesWithoutRowsAreAtNoDistance) {
 
 TEST(Distance, PaintedDistancesAreBrightenedAndRoundedUp) {
     for (const Pair& pair : PAIRS) {
-        SCOPED_TRACE(test::nameOf(pair.a, pair.b));
+        SCOPED_TRACE(test::getName(pair.a, pair.b));
         const int channels = oracle::facts(pair.a).channels;
         for (const bool finite : {true, false}) {
             Images images(pair, finite);

@@ -103,7 +103,7 @@ template <typename T>
 using VectorFunction = void (*)(const std::vector<T>& arguments, std::vector<double>& results);
 
 template <typename T>
-std::vector<double> valuesOf(VectorFunction<T> function, std::vector<T> arguments) {
+std::vector<double> getValues(VectorFunction<T> function, std::vector<T> arguments) {
     const std::size_t count = arguments.size();
     arguments.resize((count + PADDING - 1) / PADDING * PADDING, T{1});
     std::vector<double> results(arguments.size());
@@ -123,18 +123,18 @@ double relativeError(double actual, long double exact) {
 /// Expects the error of all results to stay below the bound on each instruction set.
 template <typename T>
 void expectErrorBelow(double bound, const std::vector<T>& arguments, VectorFunction<T> function,
-                      long double (*exact)(long double), double (*errorOf)(double actual, long double exact)) {
+                      long double (*exact)(long double), double (*getError)(double actual, long double exact)) {
     std::vector<long double> expected(arguments.size());
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         expected[i] = exact(static_cast<long double>(arguments[i]));
     }
     for (const Target target : availableTargets()) {
         const ForcedTarget forced(target);
-        const std::vector<double> results = valuesOf(function, arguments);
+        const std::vector<double> results = getValues(function, arguments);
         double largest = 0.0;
         std::size_t where = 0;
         for (std::size_t i = 0; i < results.size(); ++i) {
-            const double error = errorOf(results[i], expected[i]);
+            const double error = getError(results[i], expected[i]);
             if (!(error <= largest)) { // also NaN
                 largest = error;
                 where = i;
@@ -150,7 +150,7 @@ template <typename T>
 void expectValues(VectorFunction<T> function, const std::vector<T>& arguments, const std::vector<double>& expected) {
     for (const Target target : availableTargets()) {
         const ForcedTarget forced(target);
-        const std::vector<double> results = valuesOf(function, arguments);
+        const std::vector<double> results = getValues(function, arguments);
         for (std::size_t i = 0; i < expected.size(); ++i) {
             const bool isSame = std::isnan(expected[i]) ? std::isnan(results[i]) : results[i] == expected[i];
             EXPECT_TRUE(isSame) << nameOfTarget(target) << ": " << results[i] << " of " << arguments[i] << ", expected "

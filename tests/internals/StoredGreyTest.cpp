@@ -22,7 +22,7 @@ constexpr std::size_t SIDE = 256;
 constexpr std::size_t PIXELS = SIDE * SIDE;
 
 /// The 65536 colours of one red, green by rows and blue along them.
-std::vector<unsigned char> coloursOf(unsigned char red) {
+std::vector<unsigned char> getColours(unsigned char red) {
     std::vector<unsigned char> bytes;
     for (std::size_t i = 0; i < PIXELS; ++i) {
         bytes.insert(bytes.end(), {red, static_cast<unsigned char>(i / SIDE), static_cast<unsigned char>(i % SIDE)});
@@ -31,7 +31,7 @@ std::vector<unsigned char> coloursOf(unsigned char red) {
 }
 
 template <typename Element>
-std::vector<Element> greysOf(std::vector<unsigned char>& colours, Image::Format format) {
+std::vector<Element> getGreys(std::vector<unsigned char>& colours, Image::Format format) {
     std::vector<Element> greys(PIXELS);
     const Image source(colours.data(), SIDE, SIDE, Image::SRGB8, 3 * SIDE);
     Image(greys.data(), SIDE, SIDE, format, SIDE * sizeof(Element)).convertFrom(source);
@@ -52,7 +52,7 @@ struct Expected {
     unsigned char gammaCode;
 };
 
-std::vector<Expected> expectedOf(const std::vector<unsigned char>& colours) {
+std::vector<Expected> getExpected(const std::vector<unsigned char>& colours) {
     constexpr float ENCODING = 0.45454544F;
     std::vector<Expected> expected(PIXELS);
     for (std::size_t i = 0; i < PIXELS; ++i) {
@@ -74,9 +74,9 @@ struct Tally {
 };
 
 void compare(std::vector<unsigned char>& colours, const std::vector<Expected>& expected, Tally& tally) {
-    const std::vector<float> floats = greysOf<float>(colours, Image::GRAY32F);
-    const std::vector<unsigned char> unitCodes = greysOf<unsigned char>(colours, Image::GRAY8);
-    const std::vector<unsigned char> gammaCodes = greysOf<unsigned char>(colours, Image::SGRAY8);
+    const std::vector<float> floats = getGreys<float>(colours, Image::GRAY32F);
+    const std::vector<unsigned char> unitCodes = getGreys<unsigned char>(colours, Image::GRAY8);
+    const std::vector<unsigned char> gammaCodes = getGreys<unsigned char>(colours, Image::SGRAY8);
     for (std::size_t i = 0; i < PIXELS; ++i) {
         const auto distance = std::abs(std::bit_cast<std::int32_t>(floats[i]) -
                                        std::bit_cast<std::int32_t>(expected[i].single)); // both are positive
@@ -92,8 +92,8 @@ TEST(StoredGrey, ExhaustiveColoursGiveTheRoundedPowerAndTheCodesOfSinglePrecisio
     const std::vector<Target> targets = availableTargets();
     std::vector<Tally> tallies(targets.size());
     for (std::size_t red = 0; red < SIDE; ++red) {
-        std::vector<unsigned char> colours = coloursOf(static_cast<unsigned char>(red));
-        const std::vector<Expected> expected = expectedOf(colours);
+        std::vector<unsigned char> colours = getColours(static_cast<unsigned char>(red));
+        const std::vector<Expected> expected = getExpected(colours);
         for (std::size_t i = 0; i < targets.size(); ++i) {
             const ForcedTarget forced(targets[i]);
             compare(colours, expected, tallies[i]);

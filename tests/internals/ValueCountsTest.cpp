@@ -56,7 +56,7 @@ void expectSame(const ChannelCounts& expected, const ChannelCounts& actual) {
 TEST(ValueCounts, ColoursAreCountedByChannelAndByLuma) {
     for (const Image::Format format :
          {Image::SRGB8, Image::SBGR8, Image::SRGBA8, Image::SBGRA8, Image::RGB32F, Image::RGBA32F}) {
-        SCOPED_TRACE(test::nameOf(format));
+        SCOPED_TRACE(test::getName(format));
         GuardedImage image(67, 41, format, {3, 5});
         test::fillRandom(image.surface(), 8);
         ValueCounts expected;
@@ -74,7 +74,7 @@ TEST(ValueCounts, ColoursAreCountedByChannelAndByLuma) {
 
 TEST(ValueCounts, GreysAreLumaAlone) {
     for (const Image::Format format : {Image::SGRAY8, Image::GRAY32F}) {
-        SCOPED_TRACE(test::nameOf(format));
+        SCOPED_TRACE(test::getName(format));
         GuardedImage image(67, 41, format, {1, 5});
         test::fillRandom(image.surface(), 9);
         ValueCounts expected;

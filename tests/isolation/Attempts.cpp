@@ -281,10 +281,10 @@ private:
 
     void startProcesses() {
 #if defined(SYS_fork)
-        add("fork", SUCCEEDS, [] { return childOf(call(SYS_fork)); });
+        add("fork", SUCCEEDS, [] { return getChild(call(SYS_fork)); });
 #endif
         add("clone of a process", SUCCEEDS,
-            [] { return childOf(call(SYS_clone, long{SIGCHLD}, nullptr, nullptr, nullptr, 0L)); });
+            [] { return getChild(call(SYS_clone, long{SIGCHLD}, nullptr, nullptr, nullptr, 0L)); });
 #if defined(SYS_clone3)
         add("clone3", EINVAL, [] { return call(SYS_clone3, nullptr, 0UL); });
 #endif
@@ -378,7 +378,7 @@ private:
         add("a call that does not exist", ENOSYS, [] { return call(100'000); });
     }
 
-    static long childOf(long process) {
+    static long getChild(long process) {
         if (process == 0) {
             _exit(EXIT_SUCCESS);
         }

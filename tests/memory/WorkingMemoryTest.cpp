@@ -38,7 +38,7 @@ private:
 };
 
 /// A picture of middle values.
-std::shared_ptr<Image> pictureOf(std::size_t width, std::size_t height, Image::Format format) {
+std::shared_ptr<Image> getPicture(std::size_t width, std::size_t height, Image::Format format) {
     auto image = std::make_shared<Image>(width, height, format, 1);
     std::memset(image->getDataPtr(), 0x3E, height * image->getByteRowStride()); // floats of 0.18
     return image;
@@ -80,8 +80,8 @@ class FilterWorkingMemoryTest : public WorkingMemoryTest, public testing::WithPa
 
 TEST_P(FilterWorkingMemoryTest, StaysBelowTheBound) {
     const FilterCase& c = GetParam();
-    const std::shared_ptr<Image> source = pictureOf(c.width, c.height, c.format);
-    const std::shared_ptr<Image> output = c.isInPlace ? source : pictureOf(c.width, c.height, c.format);
+    const std::shared_ptr<Image> source = getPicture(c.width, c.height, c.format);
+    const std::shared_ptr<Image> output = c.isInPlace ? source : getPicture(c.width, c.height, c.format);
     const CountedMemory memory;
     c.filter(*source, *output);
     EXPECT_GT(memory.count(), 0U) << "the library's allocations are not seen";
@@ -123,8 +123,8 @@ protected:
     template <typename Work>
     static void expectNoFloatPicture(Work work) {
         for (const Image::Format format : {Image::SRGB8, Image::RGBA8, Image::SGRAY8}) {
-            const std::shared_ptr<Image> source = pictureOf(WIDTH, HEIGHT, format);
-            const std::shared_ptr<Image> output = pictureOf(WIDTH, HEIGHT, format);
+            const std::shared_ptr<Image> source = getPicture(WIDTH, HEIGHT, format);
+            const std::shared_ptr<Image> output = getPicture(WIDTH, HEIGHT, format);
             const CountedMemory memory;
             work(*source, *output);
             work(*source, *source);
@@ -152,9 +152,9 @@ TEST_F(ByteWorkingMemoryTest, GradingTakesRuns) {
 }
 
 TEST_F(ByteWorkingMemoryTest, ConversionTakesRuns) {
-    const std::shared_ptr<Image> source = pictureOf(WIDTH, HEIGHT, Image::SRGB8);
+    const std::shared_ptr<Image> source = getPicture(WIDTH, HEIGHT, Image::SRGB8);
     for (const Image::Format to : {Image::GRAY8, Image::RGB8, Image::SBGRA8}) {
-        const std::shared_ptr<Image> output = pictureOf(WIDTH, HEIGHT, to);
+        const std::shared_ptr<Image> output = getPicture(WIDTH, HEIGHT, to);
         const CountedMemory memory;
         output->convertFrom(*source);
         EXPECT_LT(memory.peak(), ONE_FLOAT_PLANE / 8);
@@ -163,8 +163,8 @@ TEST_F(ByteWorkingMemoryTest, ConversionTakesRuns) {
 
 TEST_F(ByteWorkingMemoryTest, PipelineTakesNoFloatPicture) {
     for (const float sharpness : {-1.0F, 0.0F, 1.0F}) {
-        const std::shared_ptr<Image> source = pictureOf(WIDTH, HEIGHT, Image::SRGB8);
-        const std::shared_ptr<Image> output = pictureOf(WIDTH, HEIGHT, Image::SRGB8);
+        const std::shared_ptr<Image> source = getPicture(WIDTH, HEIGHT, Image::SRGB8);
+        const std::shared_ptr<Image> output = getPicture(WIDTH, HEIGHT, Image::SRGB8);
         const CountedMemory memory;
         zqx::img::ImageProcessingPipeline pipeline(65535);
         pipeline.setInputImage(source);

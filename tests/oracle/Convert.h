@@ -12,7 +12,7 @@ inline float decodeValue(float stored) {
 }
 
 /// The grey of a colour pixel: luma of linear light, or the decoded weighted sum of encoded values.
-inline float greyOf(const Surface& source, std::size_t x, std::size_t y) {
+inline float getGrey(const Surface& source, std::size_t x, std::size_t y) {
     if (!facts(source.format).isEncoded) {
         return luma(readLinear(source, x, y));
     }
@@ -29,7 +29,7 @@ inline void convert(const Surface& source, const Surface& target) {
         for (std::size_t x = 0; x < source.width; ++x) {
             Values values = readLinear(source, x, y);
             if (toGrey) {
-                values.r = greyOf(source, x, y);
+                values.r = getGrey(source, x, y);
             }
             writeLinear(target, x, y, values);
         }

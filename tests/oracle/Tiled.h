@@ -44,7 +44,7 @@ struct Tiling {
 };
 
 /// All tiles in the order in which they are filtered: along a band, then the next band.
-inline std::vector<Rectangle> tilesOf(std::size_t width, std::size_t height, const Tiling& tiling) {
+inline std::vector<Rectangle> getTiles(std::size_t width, std::size_t height, const Tiling& tiling) {
     std::vector<Rectangle> tiles;
     for (const Piece& band : pieces(height, tiling.size, tiling.overlap)) {
         for (const Piece& column : pieces(width, tiling.size, tiling.overlap)) {
@@ -64,8 +64,8 @@ struct Place {
     std::int64_t step; // of the fade, from 0
 };
 
-inline Place placeOf(std::int64_t position, std::int64_t tileStart, std::int64_t tileLength, std::int64_t total,
-                     std::int64_t overlap, std::int64_t margin) {
+inline Place getPlace(std::int64_t position, std::int64_t tileStart, std::int64_t tileLength, std::int64_t total,
+                      std::int64_t overlap, std::int64_t margin) {
     const bool hasNeighbourBefore = tileStart > 0;
     const bool hasNeighbourBehind = tileStart + tileLength != total;
     const std::int64_t fade = 2 * margin > overlap ? 0 : overlap - 2 * margin;
@@ -106,8 +106,8 @@ inline void mergeTile(const Surface& result, const Surface& output, const Rectan
     const auto forPixels = [&](Place::Kind across, Place::Kind down, auto visit) {
         for (std::size_t y = 0; y < tile.height; ++y) {
             for (std::size_t x = 0; x < tile.width; ++x) {
-                const Place h = placeOf(x, tile.x, tile.width, output.width, overlap, margin);
-                const Place v = placeOf(y, tile.y, tile.height, output.height, overlap, margin);
+                const Place h = getPlace(x, tile.x, tile.width, output.width, overlap, margin);
+                const Place v = getPlace(y, tile.y, tile.height, output.height, overlap, margin);
                 if (h.kind == across && v.kind == down) {
                     visit(x, y, h.step, v.step);
                 }
@@ -138,7 +138,7 @@ void runTiled(const Surface& output, const Tiling& tiling, Filter filter, std::s
         filter(std::size_t{0}, Rectangle{0, 0, output.width, output.height}, output);
         return;
     }
-    const std::vector<Rectangle> tiles = tilesOf(output.width, output.height, tiling);
+    const std::vector<Rectangle> tiles = getTiles(output.width, output.height, tiling);
     for (std::size_t number = 0; number < std::min(count, tiles.size()); ++number) {
         if (tiling.overlap == 0) {
             filter(number, tiles[number], cut(output, tiles[number]));

@@ -26,7 +26,7 @@ void DLL_CALLCONV hear(FREE_IMAGE_FORMAT /*format*/, const char* message) {
 class DamagedPictureTest : public img::test::DirectoryTest {
 protected:
     /// The error of decoding a file; empty where it is decoded.
-    std::string errorOf(const std::string& name) const {
+    std::string getError(const std::string& name) const {
         const WarningListener silence([](const std::string&) {});
         try {
             readPicture(at(name));
@@ -39,10 +39,10 @@ protected:
     /// Expects a whole file to be read and every shorter one to be refused, down to a part of it.
     void expectCutsToBeNoticed(const std::string& name, std::size_t shortest) const {
         const std::string whole = img::test::readFile(at(name));
-        ASSERT_EQ(errorOf(name), "");
+        ASSERT_EQ(getError(name), "");
         for (std::size_t size = whole.size() - 1; size >= shortest; size -= std::max<std::size_t>(1, size / 7)) {
             img::test::writeFile(at(name), whole.substr(0, size));
-            const std::string error = errorOf(name);
+            const std::string error = getError(name);
             EXPECT_NE(error, "") << name << ": " << size << " of " << whole.size();
         }
     }
@@ -91,12 +91,12 @@ TEST_F(DamagedPictureTest, TargaThatEndsEarly) {
     img::test::writePicture(at("b.tga"), indexed(), TARGA_SAVE_RLE);
     const std::string whole = img::test::readFile(at("b.tga"));
     img::test::writeFile(at("b.tga"), whole.substr(0, whole.size() / 2));
-    EXPECT_NE(errorOf("b.tga").find("is cut short"), std::string::npos) << errorOf("b.tga");
+    EXPECT_NE(getError("b.tga").find("is cut short"), std::string::npos) << getError("b.tga");
 }
 
 TEST_F(DamagedPictureTest, FloatTiffThatEndsEarly) {
     img::test::writePicture(at("a.tif"), img::test::fillSamples(FIT_RGBF, 96, 61, 37), TIFF_NONE);
-    ASSERT_EQ(errorOf("a.tif"), "");
+    ASSERT_EQ(getError("a.tif"), "");
     // Its directory lies behind the pixels: one that lies before them is what cutting leaves.
     const std::string pixels(4 * 4 * 4, '\1');
     const std::string tiff = raw("II*\0\x08\0\0\0\x09\0"
@@ -118,28 +118,28 @@ TEST_F(DamagedPictureTest, FloatTiffThatEndsEarly) {
 TEST_F(DamagedPictureTest, GifThatEndsEarlyOrIsDamaged) {
     img::test::writePicture(at("a.gif"), indexed());
     const std::string whole = img::test::readFile(at("a.gif"));
-    ASSERT_EQ(errorOf("a.gif"), "");
+    ASSERT_EQ(getError("a.gif"), "");
     for (const std::size_t part : {2, 3, 4}) {
         img::test::writeFile(at("a.gif"), whole.substr(0, whole.size() - whole.size() / part));
-        EXPECT_NE(errorOf("a.gif"), "") << part;
+        EXPECT_NE(getError("a.gif"), "") << part;
     }
     std::string damaged = whole;
     for (std::size_t i = whole.size() / 2; i < whole.size() / 2 + 60; ++i) {
         damaged[i] = '\xFF';
     }
     img::test::writeFile(at("a.gif"), damaged);
-    EXPECT_NE(errorOf("a.gif"), "");
+    EXPECT_NE(getError("a.gif"), "");
 }
 
 TEST_F(DamagedPictureTest, InterlacedAndLargeGifsAreComplete) {
     img::test::writePicture(at("a.gif"), indexed(), 0);
-    EXPECT_EQ(errorOf("a.gif"), "");
+    EXPECT_EQ(getError("a.gif"), "");
     const auto gray = [](unsigned i) {
         return img::test::Rgba{static_cast<int>(i), static_cast<int>(i), static_cast<int>(i)};
     };
     const auto noise = [](unsigned x, unsigned y) { return (x * 2654435761U ^ y * 40503U) >> 7U & 255U; };
     img::test::writePicture(at("b.gif"), img::test::paintIndexed(400, 300, 8, gray, noise)); // the code table overflows
-    EXPECT_EQ(errorOf("b.gif"), "");
+    EXPECT_EQ(getError("b.gif"), "");
 }
 
 TEST_F(DamagedPictureTest, IcoAndWbmpThatEndEarly) {
@@ -153,10 +153,10 @@ TEST_F(DamagedPictureTest, IcoAndWbmpThatEndEarly) {
 
 TEST_F(DamagedPictureTest, PcxThatEndsEarly) {
     img::test::writeFile(at("a.pcx"), pcxFile(40, 30));
-    ASSERT_EQ(errorOf("a.pcx"), "");
+    ASSERT_EQ(getError("a.pcx"), "");
     const std::string whole = img::test::readFile(at("a.pcx"));
     img::test::writeFile(at("a.pcx"), whole.substr(0, 128 + 2 * 20 * 15));
-    EXPECT_NE(errorOf("a.pcx").find("is cut short"), std::string::npos) << errorOf("a.pcx");
+    EXPECT_NE(getError("a.pcx").find("is cut short"), std::string::npos) << getError("a.pcx");
 }
 
 TEST_F(DamagedPictureTest, DdsThatEndsEarly) {
@@ -167,7 +167,7 @@ TEST_F(DamagedPictureTest, DdsThatEndsEarly) {
 #if defined(__linux__)
 TEST_F(DamagedPictureTest, AFailingDiskIsNotCalledDamage) {
     std::filesystem::create_symlink("/proc/self/mem", at("a.png")); // of which the first bytes cannot be read
-    EXPECT_NE(errorOf("a.png").find("cannot be read (Input/output error)"), std::string::npos) << errorOf("a.png");
+    EXPECT_NE(getError("a.png").find("cannot be read (Input/output error)"), std::string::npos) << getError("a.png");
 }
 #endif
 
@@ -197,7 +197,7 @@ TEST_F(DamagedPictureTest, MessageFunctionOfTheProgramStays) {
     img::test::writeFile(at("a.png"), img::test::readFile(at("a.png")).substr(0, 60));
     FreeImage_SetOutputMessage(hear);
     gHeard.clear();
-    const std::string error = errorOf("a.png");
+    const std::string error = getError("a.png");
     EXPECT_NE(gHeard, "");
     EXPECT_NE(error.find(gHeard), std::string::npos) << error;
     gHeard.clear();

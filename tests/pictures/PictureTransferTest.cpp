@@ -83,7 +83,7 @@ Bytes written(const Transfer& transfer) {
 }
 
 /// Memory of exactly that size, so that sanitizers notice what goes beyond.
-std::shared_ptr<std::byte> memoryOf(const Bytes& bytes) {
+std::shared_ptr<std::byte> getMemory(const Bytes& bytes) {
     std::shared_ptr<std::byte> memory(static_cast<std::byte*>(std::malloc(std::max<std::size_t>(1, bytes.size()))),
                                       std::free);
     std::ranges::copy(bytes, memory.get());
@@ -91,17 +91,17 @@ std::shared_ptr<std::byte> memoryOf(const Bytes& bytes) {
 }
 
 Transfer received(const Bytes& bytes) {
-    return readTransfer(memoryOf(bytes), bytes.size());
+    return readTransfer(getMemory(bytes), bytes.size());
 }
 
-TransferHeader headerOf(const Bytes& bytes) {
+TransferHeader getHeader(const Bytes& bytes) {
     TransferHeader header;
     std::memcpy(&header, bytes.data(), sizeof header);
     return header;
 }
 
 Bytes withHeader(Bytes bytes, const std::function<void(TransferHeader&)>& change) {
-    TransferHeader header = headerOf(bytes);
+    TransferHeader header = getHeader(bytes);
     change(header);
     std::memcpy(bytes.data(), &header, sizeof header);
     return bytes;
@@ -167,7 +167,7 @@ TEST(PictureTransferTest, MetadataArrivesAsItWas) {
 
 TEST(PictureTransferTest, PixelsAreNotCopiedAndKeepTheMemory) {
     const Bytes bytes = written(exampleTransfer());
-    std::shared_ptr<std::byte> memory = memoryOf(bytes);
+    std::shared_ptr<std::byte> memory = getMemory(bytes);
     const std::weak_ptr<std::byte> watched = memory;
     Transfer transfer = readTransfer(memory, bytes.size());
     EXPECT_EQ(static_cast<std::byte*>(transfer.picture->image().getDataPtr()), memory.get() + TRANSFER_PIXELS);
@@ -385,7 +385,7 @@ TEST(HostileTransferTest, NoSuchAlpha) {
 
 TEST(HostileTransferTest, AnyChangedBytes) {
     const Bytes original = written(exampleTransfer());
-    const std::size_t pixelEnd = TRANSFER_PIXELS + headerOf(original).pixelBytes;
+    const std::size_t pixelEnd = TRANSFER_PIXELS + getHeader(original).pixelBytes;
     std::mt19937 random(20240607);
     int accepted = 0;
     for (int i = 0; i < 20'000; ++i) {
@@ -396,7 +396,7 @@ TEST(HostileTransferTest, AnyChangedBytes) {
                 inHeader ? random() % sizeof(TransferHeader) : pixelEnd + random() % (original.size() - pixelEnd);
             bytes[place] = static_cast<std::byte>(random() % 4 == 0 ? 0xFF : random());
         }
-        const std::shared_ptr<std::byte> memory = memoryOf(bytes);
+        const std::shared_ptr<std::byte> memory = getMemory(bytes);
         try {
             const Transfer transfer = readTransfer(memory, bytes.size());
             ++accepted;

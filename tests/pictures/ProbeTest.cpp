@@ -24,7 +24,7 @@ constexpr unsigned HEIGHT = 47;
 
 class ProbeTest : public img::test::DirectoryTest {
 protected:
-    Header headerOf(const std::string& name) const {
+    Header getHeader(const std::string& name) const {
         InputFile file(at(name));
         return probe(file);
     }
@@ -42,7 +42,7 @@ protected:
     }
 
     void expectHeader(const std::string& name, unsigned channels, unsigned bits) const {
-        const HeaderInfo info = headerOf(name).info;
+        const HeaderInfo info = getHeader(name).info;
         EXPECT_NE(info.format, FileFormat::UNKNOWN) << name;
         EXPECT_EQ(info.width, WIDTH) << name;
         EXPECT_EQ(info.height, HEIGHT) << name;
@@ -226,29 +226,29 @@ TEST_F(ProbeTest, CutHeadersHaveNoSize) {
         {CODESTREAM, FileFormat::J2K},
         {raw("\0\0\x81\x09\x15"), FileFormat::WBMP}};
     for (const auto& [bytes, format] : headers) {
-        EXPECT_NE(sizeOfBytes(bytes, format), "none") << nameOf(format);
+        EXPECT_NE(sizeOfBytes(bytes, format), "none") << getName(format);
         for (std::size_t length = 0; length < bytes.size(); ++length) {
-            EXPECT_EQ(sizeOfBytes(bytes.substr(0, length), format), "none") << nameOf(format) << ' ' << length;
+            EXPECT_EQ(sizeOfBytes(bytes.substr(0, length), format), "none") << getName(format) << ' ' << length;
         }
     }
 }
 
 TEST_F(ProbeTest, WhatIsNotUnderstoodSaysNothing) {
     img::test::writeFile(at("empty.png"), "");
-    EXPECT_FALSE(headerOf("empty.png").info.hasSize());
+    EXPECT_FALSE(getHeader("empty.png").info.hasSize());
     img::test::writeFile(at("text.png"), "no picture at all");
-    EXPECT_FALSE(headerOf("text.png").info.hasSize());
+    EXPECT_FALSE(getHeader("text.png").info.hasSize());
     img::test::writeFile(at("short.png"), "\x89PNG\r\n\x1A\n");
-    EXPECT_FALSE(headerOf("short.png").info.hasSize());
+    EXPECT_FALSE(getHeader("short.png").info.hasSize());
     img::test::writeFile(at("text.xyz"), "no picture at all");
-    EXPECT_EQ(headerOf("text.xyz").info.format, FileFormat::UNKNOWN);
+    EXPECT_EQ(getHeader("text.xyz").info.format, FileFormat::UNKNOWN);
 }
 
 TEST_F(ProbeTest, ContentCountsForMoreThanTheName) {
     img::test::writePicture(at("a.png"), img::test::paint(WIDTH, HEIGHT, 24, img::test::motley));
     std::filesystem::rename(at("a.png"), at("a.jpg"));
-    EXPECT_EQ(headerOf("a.jpg").info.format, FileFormat::PNG);
-    EXPECT_EQ(headerOf("a.jpg").info.width, WIDTH);
+    EXPECT_EQ(getHeader("a.jpg").info.format, FileFormat::PNG);
+    EXPECT_EQ(getHeader("a.jpg").info.width, WIDTH);
 }
 
 /// A run of fill bytes costs no more than any other bytes, and a file that holds nothing else is given up.
@@ -270,7 +270,7 @@ TEST_F(ProbeTest, ProgressiveJpeg) {
 TEST_F(ProbeTest, OrientationOfJpegAndTiff) {
     for (const int orientation : {1, 3, 6, 8}) {
         img::test::writeOrientedJpeg(at("a.jpg"), 32, 16, orientation);
-        EXPECT_EQ(headerOf("a.jpg").orientation, orientation);
+        EXPECT_EQ(getHeader("a.jpg").orientation, orientation);
     }
     const std::string tiff = raw("MM\0*\0\0\0\x08\0\1\1\x12\0\3\0\0\0\1\0\6\0\0\0\0\0\0");
     EXPECT_EQ(headerOfBytes(tiff, FileFormat::TIFF).orientation, 6);
@@ -327,15 +327,15 @@ TEST_F(ProbeTest, ExrChannelsThatAreNotDecodedAreLost) {
 }
 
 TEST_F(ProbeTest, ExrChannelsThatAreLostAreToldOnce) {
-    const auto warningsOf = [&](const std::vector<std::string>& channels) {
+    const auto getWarnings = [&](const std::vector<std::string>& channels) {
         img::test::writeFile(at("a.exr"), exrFile(channels));
         std::vector<std::string> warnings;
         const WarningListener listener([&](const std::string& line) { warnings.push_back(line); });
         readPicture(at("a.exr"));
         return warnings;
     };
-    EXPECT_EQ(warningsOf({"A", "B", "G", "R"}), std::vector<std::string>());
-    EXPECT_EQ(warningsOf({"A", "B", "G", "R", "Z"}),
+    EXPECT_EQ(getWarnings({"A", "B", "G", "R"}), std::vector<std::string>());
+    EXPECT_EQ(getWarnings({"A", "B", "G", "R", "Z"}),
               std::vector<std::string>{at("a.exr") + ": holds channels beyond RGBA, which cannot be carried over"});
 }
 
@@ -356,7 +356,7 @@ TEST_F(ProbeTest, DamagedFilesDoNoHarm) {
                 file[random() % std::min<std::size_t>(file.size(), 400)] = static_cast<char>(random());
             }
             img::test::writeFile(at(name), file);
-            const HeaderInfo info = headerOf(name).info;
+            const HeaderInfo info = getHeader(name).info;
             ASSERT_TRUE(!info.hasSize() || (info.channels >= 1 && info.channels <= 4 && info.bitsPerChannel >= 1 &&
                                             info.bitsPerChannel <= 64))
                 << name << " in round " << round;

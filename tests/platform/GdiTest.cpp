@@ -32,7 +32,7 @@ struct Info {
         : width(w), height(h), bitsPerPixel(static_cast<std::uint16_t>(bits)), coloursUsed(bits == 8 ? 256 : 0) {}
 };
 
-std::size_t pitchOf(const Info& info) {
+std::size_t computePitch(const Info& info) {
     return (static_cast<std::size_t>(info.width) * info.bitsPerPixel / 8 + 3) / 4 * 4;
 }
 
@@ -43,7 +43,7 @@ public:
         void* bits = nullptr;
         mHandle = gdi::CreateDIBSection(nullptr, &info, gdi::RGB_COLORS, &bits, nullptr, 0);
         mBits = static_cast<unsigned char*>(bits);
-        const std::size_t bytes = pitchOf(info) * static_cast<std::size_t>(info.height);
+        const std::size_t bytes = computePitch(info) * static_cast<std::size_t>(info.height);
         for (std::size_t i = 0; i < bytes; ++i) {
             mBits[i] = static_cast<unsigned char>(i + 1);
         }
@@ -66,8 +66,8 @@ protected:
     ~Gdi() override { gdi::ReleaseDC(nullptr, mContext); }
 
     /// All lines of a bitmap, as the header wants them; empty on failure.
-    std::vector<unsigned char> linesOf(gdi::HBITMAP bitmap, Info& info) const {
-        std::vector<unsigned char> lines(pitchOf(info) * static_cast<std::size_t>(info.height), 0xEE);
+    std::vector<unsigned char> getLines(gdi::HBITMAP bitmap, Info& info) const {
+        std::vector<unsigned char> lines(computePitch(info) * static_cast<std::size_t>(info.height), 0xEE);
         const int copied = gdi::GetDIBits(mContext, bitmap, 0, static_cast<unsigned int>(info.height), lines.data(),
                                           &info, gdi::RGB_COLORS);
         return copied == info.height ? lines : std::vector<unsigned char>();
@@ -123,7 +123,7 @@ TEST_F(Gdi, BadHandlesGiveZero) {
     Info info(1, 1, 24);
     for (const gdi::HBITMAP handle : {gdi::HBITMAP(nullptr), badHandle()}) {
         EXPECT_EQ(gdi::GetObjectA(handle, sizeof record, &record), 0);
-        EXPECT_TRUE(linesOf(handle, info).empty());
+        EXPECT_TRUE(getLines(handle, info).empty());
         EXPECT_EQ(gdi::DeleteObject(handle), 0);
     }
 }
@@ -146,7 +146,7 @@ TEST_F(Gdi, NewSectionIsZeroAndWritable) {
     EXPECT_EQ(Bytes(static_cast<unsigned char*>(bits), static_cast<unsigned char*>(bits) + 48), Bytes(48, 0));
     std::memset(bits, 7, 48);
     Info same(5, 3, 24);
-    EXPECT_EQ(linesOf(bitmap, same), Bytes(48, 7));
+    EXPECT_EQ(getLines(bitmap, same), Bytes(48, 7));
     gdi::DeleteObject(bitmap);
 }
 
@@ -179,20 +179,20 @@ TEST_F(Gdi, SameDepthCopiesAllBytes) {
     for (const int bits : {24, 32}) {
         const Section section(Info(3, 2, bits));
         Info info(3, 2, bits);
-        EXPECT_EQ(linesOf(section.handle(), info), Bytes(section.bits(), section.bits() + 24));
+        EXPECT_EQ(getLines(section.handle(), info), Bytes(section.bits(), section.bits() + 24));
     }
 }
 
 TEST_F(Gdi, WideningTo32BitsGivesAlphaZero) {
     const Section section(Info(1, 2, 24));
     Info info(1, 2, 32);
-    EXPECT_EQ(linesOf(section.handle(), info), (Bytes{1, 2, 3, 0, 5, 6, 7, 0}));
+    EXPECT_EQ(getLines(section.handle(), info), (Bytes{1, 2, 3, 0, 5, 6, 7, 0}));
 }
 
 TEST_F(Gdi, NarrowingTo24BitsDropsAlpha) {
     const Section section(Info(1, 2, 32));
     Info info(1, 2, 24);
-    const Bytes lines = linesOf(section.handle(), info);
+    const Bytes lines = getLines(section.handle(), info);
     ASSERT_EQ(lines.size(), 8U);
     EXPECT_EQ(Bytes(lines.begin(), lines.begin() + 3), (Bytes{1, 2, 3}));
     EXPECT_EQ(Bytes(lines.begin() + 4, lines.begin() + 7), (Bytes{5, 6, 7}));
@@ -205,7 +205,7 @@ TEST_F(Gdi, PaletteTravelsWithEightBits) {
     }
     const Section section(source);
     Info info(4, 1, 8);
-    EXPECT_EQ(linesOf(section.handle(), info), (Bytes{1, 2, 3, 4}));
+    EXPECT_EQ(getLines(section.handle(), info), (Bytes{1, 2, 3, 4}));
     EXPECT_EQ(info.palette, source.palette);
 }
 
@@ -215,7 +215,7 @@ TEST_F(Gdi, ShortPaletteIsFilledUpWithBlack) {
     source.palette.fill(0x00FFFFFF);
     const Section section(source);
     Info info(4, 1, 8);
-    linesOf(section.handle(), info);
+    getLines(section.handle(), info);
     EXPECT_EQ(info.palette[1], 0x00FFFFFFU);
     EXPECT_EQ(info.palette[2], 0U);
 }
@@ -225,16 +225,16 @@ TEST_F(Gdi, PaletteColoursWidenTo24And32Bits) {
     source.palette[1] = 0x00112233; // red 11, green 22, blue 33
     const Section section(source);
     Info to24(1, 1, 24);
-    const Bytes narrow = linesOf(section.handle(), to24);
+    const Bytes narrow = getLines(section.handle(), to24);
     EXPECT_EQ(Bytes(narrow.begin(), narrow.begin() + 3), (Bytes{0x33, 0x22, 0x11}));
     Info to32(1, 1, 32);
-    EXPECT_EQ(linesOf(section.handle(), to32), (Bytes{0x33, 0x22, 0x11, 0}));
+    EXPECT_EQ(getLines(section.handle(), to32), (Bytes{0x33, 0x22, 0x11, 0}));
 }
 
 TEST_F(Gdi, ColoursAreNotReducedToAPalette) {
     const Section section(Info(1, 1, 24));
     Info info(1, 1, 8);
-    EXPECT_TRUE(linesOf(section.handle(), info).empty());
+    EXPECT_TRUE(getLines(section.handle(), info).empty());
     EXPECT_EQ(info.coloursUsed, 256U);
 }
 
@@ -242,7 +242,7 @@ TEST_F(Gdi, ColourCountsBecomeZero) {
     const Section section(Info(4, 1, 8));
     Info info(4, 1, 8);
     info.coloursImportant = 256;
-    linesOf(section.handle(), info);
+    getLines(section.handle(), info);
     EXPECT_EQ(info.coloursUsed, 0U);
     EXPECT_EQ(info.coloursImportant, 0U);
     EXPECT_EQ(info.horizontalResolution, 2835);

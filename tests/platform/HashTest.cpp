@@ -8,7 +8,7 @@
 
 namespace {
 
-std::uint32_t hashOf(std::string_view text) {
+std::uint32_t computeHash(std::string_view text) {
     return qutil::superFastHash(text.data(), text.size());
 }
 
@@ -17,28 +17,28 @@ std::uint32_t hashOf(std::string_view text) {
 TEST(SuperFastHash, NothingHashesToZero) {
     EXPECT_EQ(qutil::superFastHash(nullptr, 0), 0U);
     EXPECT_EQ(qutil::superFastHash(nullptr, 5), 0U);
-    EXPECT_EQ(hashOf(""), 0U);
+    EXPECT_EQ(computeHash(""), 0U);
 }
 
 TEST(SuperFastHash, KnownAnswersForEveryRemainder) {
-    EXPECT_EQ(hashOf("a"), 0x115EA782U);
-    EXPECT_EQ(hashOf("ab"), 0x516B8B44U);
-    EXPECT_EQ(hashOf("abc"), 0xD2BE198AU);
-    EXPECT_EQ(hashOf("abcd"), 0xDAD8B8DBU);
-    EXPECT_EQ(hashOf("abcde"), 0x51ED072EU);
-    EXPECT_EQ(hashOf("abcdef"), 0x963B9DDAU);
-    EXPECT_EQ(hashOf("abcdefg"), 0xF071C3EDU);
-    EXPECT_EQ(hashOf("The quick brown fox jumps over the lazy dog"), 0x05BF7CE3U);
+    EXPECT_EQ(computeHash("a"), 0x115EA782U);
+    EXPECT_EQ(computeHash("ab"), 0x516B8B44U);
+    EXPECT_EQ(computeHash("abc"), 0xD2BE198AU);
+    EXPECT_EQ(computeHash("abcd"), 0xDAD8B8DBU);
+    EXPECT_EQ(computeHash("abcde"), 0x51ED072EU);
+    EXPECT_EQ(computeHash("abcdef"), 0x963B9DDAU);
+    EXPECT_EQ(computeHash("abcdefg"), 0xF071C3EDU);
+    EXPECT_EQ(computeHash("The quick brown fox jumps over the lazy dog"), 0x05BF7CE3U);
 }
 
 TEST(SuperFastHash, BytesOf128AndMoreCountAsPublished) {
-    EXPECT_EQ(hashOf("\xFF"), 0U); // the length 1 and the byte -1 cancel out
-    EXPECT_EQ(hashOf("\x80\xFE"), 0x014FADDCU);
-    EXPECT_EQ(hashOf("\x01\x02\xF0"), 0x29941A65U);
+    EXPECT_EQ(computeHash("\xFF"), 0U); // the length 1 and the byte -1 cancel out
+    EXPECT_EQ(computeHash("\x80\xFE"), 0x014FADDCU);
+    EXPECT_EQ(computeHash("\x01\x02\xF0"), 0x29941A65U);
 }
 
 TEST(SuperFastHash, ZeroBytesCount) {
-    EXPECT_EQ(hashOf(std::string_view("\0\0\0\0", 4)), 0x2B21473AU);
+    EXPECT_EQ(computeHash(std::string_view("\0\0\0\0", 4)), 0x2B21473AU);
 }
 
 TEST(SuperFastHash, LongRanges) {
@@ -53,5 +53,5 @@ TEST(SuperFastHash, LongRanges) {
 
 TEST(SuperFastHash, AlignmentDoesNotMatter) {
     alignas(8) char text[] = "xabcdefg";
-    EXPECT_EQ(qutil::superFastHash(text + 1, 7), hashOf("abcdefg"));
+    EXPECT_EQ(qutil::superFastHash(text + 1, 7), computeHash("abcdefg"));
 }

@@ -130,7 +130,7 @@ private:
     struct sigaction mPrevious = {};
 };
 
-void (*handlerOf(int number))(int) {
+void (*getHandler(int number))(int) {
     struct sigaction current = {};
     sigaction(number, nullptr, &current);
     return current.sa_handler;
@@ -291,9 +291,9 @@ TEST_F(Faults, PreviousHandlersComeBackWithTheLastTranslator) {
     {
         const SehTranslator outer;
         { const SehTranslator inner; }
-        EXPECT_NE(handlerOf(SIGSEGV), countSignal);
+        EXPECT_NE(getHandler(SIGSEGV), countSignal);
     }
-    EXPECT_EQ(handlerOf(SIGSEGV), countSignal);
+    EXPECT_EQ(getHandler(SIGSEGV), countSignal);
 }
 
 TEST_F(Faults, SentSignalsGoToThePreviousHandler) {
@@ -316,11 +316,11 @@ TEST_F(Faults, HandlerInstalledOnTopStays) {
         const SehTranslator translator;
         std::signal(SIGILL, countSignal);
     }
-    EXPECT_EQ(handlerOf(SIGILL), countSignal);
+    EXPECT_EQ(getHandler(SIGILL), countSignal);
     // Still so for later translators: theirs may pass signals on to ours.
     {
         const SehTranslator translator;
-        EXPECT_EQ(handlerOf(SIGILL), countSignal);
+        EXPECT_EQ(getHandler(SIGILL), countSignal);
     }
 }
 
@@ -348,7 +348,7 @@ TEST_F(Faults, HandlerOnTopMayPutOursBackLate) {
     std::raise(SIGSEGV);
     EXPECT_EQ(gHandled, 1);
     EXPECT_EQ(guarded(readNowhere), SIGSEGV);
-    EXPECT_EQ(handlerOf(SIGSEGV), countSignal);
+    EXPECT_EQ(getHandler(SIGSEGV), countSignal);
 }
 
 TEST_F(FaultDeathTest, ThreadWithoutTranslatorDiesOfItsFault) {

@@ -37,7 +37,7 @@ tov::Result writeTo(tov::IOutputStream& stream, std::string text) {
     return stream.write({static_cast<std::uint32_t>(text.size()), reinterpret_cast<unsigned char*>(text.data())});
 }
 
-std::string contentsOf(const fs::path& path) {
+std::string getContents(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -185,7 +185,7 @@ TEST_F(FileStreams, OutputAppearsWhenClosed) {
     EXPECT_FALSE(fs::exists(path("out.bin")));
     EXPECT_EQ(writeTo(*stream, "cd"), tov::SUCCESS);
     EXPECT_EQ(stream->close(), tov::SUCCESS);
-    EXPECT_EQ(contentsOf(path("out.bin")), "ab\ncd");
+    EXPECT_EQ(getContents(path("out.bin")), "ab\ncd");
     EXPECT_EQ(fileCount(), 1);
 }
 
@@ -193,9 +193,9 @@ TEST_F(FileStreams, OutputReplacesAnEarlierFile) {
     store(path("out.bin"), "a longer text from before");
     const auto stream = qutil::FileOutputStream::create(utf8("out.bin"));
     EXPECT_EQ(writeTo(*stream, "new"), tov::SUCCESS);
-    EXPECT_EQ(contentsOf(path("out.bin")), "a longer text from before");
+    EXPECT_EQ(getContents(path("out.bin")), "a longer text from before");
     EXPECT_EQ(stream->close(), tov::SUCCESS);
-    EXPECT_EQ(contentsOf(path("out.bin")), "new");
+    EXPECT_EQ(getContents(path("out.bin")), "new");
 }
 
 TEST_F(FileStreams, OutputThatIsNotClosedLeavesNothing) {
@@ -205,7 +205,7 @@ TEST_F(FileStreams, OutputThatIsNotClosedLeavesNothing) {
         EXPECT_EQ(writeTo(*stream, "half"), tov::SUCCESS);
         EXPECT_EQ(fileCount(), 2);
     }
-    EXPECT_EQ(contentsOf(path("out.bin")), "old");
+    EXPECT_EQ(getContents(path("out.bin")), "old");
     EXPECT_EQ(fileCount(), 1);
 }
 
@@ -214,7 +214,7 @@ TEST_F(FileStreams, ClosedOutputTakesNothingMore) {
     EXPECT_EQ(stream->close(), tov::SUCCESS);
     EXPECT_EQ(stream->close(), tov::NOT_READY);
     EXPECT_EQ(writeTo(*stream, "more"), tov::NOT_READY);
-    EXPECT_EQ(contentsOf(path("out.bin")), "");
+    EXPECT_EQ(getContents(path("out.bin")), "");
 }
 
 TEST_F(FileStreams, OutputIntoNowhereIsRefused) {
@@ -253,7 +253,7 @@ TEST_F(FileStreams, FullDiskIsAFailureThatChangesNothing) {
             std::signal(SIGXFSZ, SIG_IGN);
             const bool refused = tov::failed(writeTo(*stream, std::string(100'000, 'a')));
             const bool failed = tov::failed(stream->close());
-            std::_Exit(refused && failed && contentsOf(path("out.bin")) == "old" ? 0 : 1);
+            std::_Exit(refused && failed && getContents(path("out.bin")) == "old" ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }

@@ -12,7 +12,7 @@ using tov::TovRef;
 namespace {
 
 /// The count, by taking and giving back.
-std::uint32_t countOf(Thing* thing) {
+std::uint32_t getCount(Thing* thing) {
     thing->addRef();
     return thing->release();
 }
@@ -29,7 +29,7 @@ TEST(TovRef, TakesAReferenceAndGivesItBack) {
     {
         const TovRef ref(new Thing);
         EXPECT_TRUE(ref);
-        EXPECT_EQ(countOf(ref.get()), 1U);
+        EXPECT_EQ(getCount(ref.get()), 1U);
         EXPECT_EQ(Thing::alive, 1);
     }
     EXPECT_EQ(Thing::alive, 0);
@@ -44,33 +44,33 @@ TEST(TovRef, AdoptTakesOver) {
     auto* thing = new Thing;
     thing->addRef();
     const auto ref = TovRef<Thing>::adopt(thing);
-    EXPECT_EQ(countOf(thing), 1U);
+    EXPECT_EQ(getCount(thing), 1U);
 }
 
 TEST(TovRef, CopiesShare) {
     const TovRef first(new Thing);
     TovRef<Thing> second = first;
-    EXPECT_EQ(countOf(first.get()), 2U);
+    EXPECT_EQ(getCount(first.get()), 2U);
     second = first;
-    EXPECT_EQ(countOf(first.get()), 2U);
+    EXPECT_EQ(getCount(first.get()), 2U);
     second.reset();
-    EXPECT_EQ(countOf(first.get()), 1U);
+    EXPECT_EQ(getCount(first.get()), 1U);
 }
 
 TEST(TovRef, SelfAssignmentChangesNothing) {
     TovRef ref(new Thing);
     const TovRef<Thing>& same = ref;
     ref = same;
-    EXPECT_EQ(countOf(ref.get()), 1U);
+    EXPECT_EQ(getCount(ref.get()), 1U);
 }
 
 TEST(TovRef, MovingEmptiesTheSource) {
     TovRef first(new Thing);
     TovRef<Thing> second = std::move(first);
     EXPECT_FALSE(first); // NOLINT(bugprone-use-after-move): that is the point
-    EXPECT_EQ(countOf(second.get()), 1U);
+    EXPECT_EQ(getCount(second.get()), 1U);
     first = std::move(second);
-    EXPECT_EQ(countOf(first.get()), 1U);
+    EXPECT_EQ(getCount(first.get()), 1U);
 }
 
 TEST(TovRef, DetachHandsTheReferenceOut) {
@@ -89,7 +89,7 @@ TEST(TovRef, ReceiveReleasesWhatWasHeld) {
     EXPECT_EQ(*place, nullptr);
     *place = new Thing;
     (*place)->addRef();
-    EXPECT_EQ(countOf(ref.get()), 1U);
+    EXPECT_EQ(getCount(ref.get()), 1U);
 }
 
 TEST(TovRef, ReachesTheObject) {

@@ -27,7 +27,7 @@ namespace {
 
 /// With this ABI a pointer to a virtual function begins with one more than its offset in the table.
 template <typename Method>
-std::uintptr_t slotOf(Method method) {
+std::uintptr_t getSlot(Method method) {
     std::uintptr_t offset = 0;
     std::memcpy(&offset, &method, sizeof offset);
     return (offset - 1) / sizeof(void*);
@@ -37,23 +37,23 @@ std::uintptr_t slotOf(Method method) {
 
 TEST(Unknown, SlotsAreInTheOrderThatModulesRelyOn) {
     using tov::IUnknown;
-    EXPECT_EQ(slotOf(&IUnknown::plainQueryInterface), 0U);
-    EXPECT_EQ(slotOf(&IUnknown::plainAddRef), 1U);
-    EXPECT_EQ(slotOf(&IUnknown::plainRelease), 2U);
-    EXPECT_EQ(slotOf(&IUnknown::queryInterface), 3U);
-    EXPECT_EQ(slotOf(&IUnknown::addRef), 4U);
-    EXPECT_EQ(slotOf(&IUnknown::release), 5U);
-    EXPECT_EQ(slotOf(&IUnknown::getInterfaceName), 6U);
-    EXPECT_EQ(slotOf(&tov::IObjectFactory::createInstance), 7U);
-    EXPECT_EQ(slotOf(&tov::IObjectFactory::lockServer), 8U);
-    EXPECT_EQ(slotOf(&tov::IOutputStream::write), 7U);
-    EXPECT_EQ(slotOf(&qutil::IIOStream::getSize), 7U);
-    EXPECT_EQ(slotOf(&qutil::IIOStream::read), 8U);
+    EXPECT_EQ(getSlot(&IUnknown::plainQueryInterface), 0U);
+    EXPECT_EQ(getSlot(&IUnknown::plainAddRef), 1U);
+    EXPECT_EQ(getSlot(&IUnknown::plainRelease), 2U);
+    EXPECT_EQ(getSlot(&IUnknown::queryInterface), 3U);
+    EXPECT_EQ(getSlot(&IUnknown::addRef), 4U);
+    EXPECT_EQ(getSlot(&IUnknown::release), 5U);
+    EXPECT_EQ(getSlot(&IUnknown::getInterfaceName), 6U);
+    EXPECT_EQ(getSlot(&tov::IObjectFactory::createInstance), 7U);
+    EXPECT_EQ(getSlot(&tov::IObjectFactory::lockServer), 8U);
+    EXPECT_EQ(getSlot(&tov::IOutputStream::write), 7U);
+    EXPECT_EQ(getSlot(&qutil::IIOStream::getSize), 7U);
+    EXPECT_EQ(getSlot(&qutil::IIOStream::read), 8U);
 }
 
 TEST(Unknown, AdaptersAddNoSlots) {
-    EXPECT_EQ(slotOf(&tov::IObjectFactory_Adapter::plainQueryInterface), 0U);
-    EXPECT_EQ(slotOf(&tov::IObjectFactory_Adapter::lockServer), 8U);
+    EXPECT_EQ(getSlot(&tov::IObjectFactory_Adapter::plainQueryInterface), 0U);
+    EXPECT_EQ(getSlot(&tov::IObjectFactory_Adapter::lockServer), 8U);
 }
 #endif
 

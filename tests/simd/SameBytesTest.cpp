@@ -46,7 +46,7 @@ public:
     PlacedImage& operator=(const PlacedImage&) = delete;
 
     Image& image() { return mImage; }
-    oracle::Surface surface() const { return surfaceOf(mImage); }
+    oracle::Surface surface() const { return getSurface(mImage); }
 
     /// Everything around the pixels is still there.
     bool isIntact() const {
@@ -124,7 +124,7 @@ protected:
     template <typename Work>
     static void expectSamePictures(Image::Format from, const Layout& fromLayout, Image::Format to,
                                    const Layout& toLayout, Work work) {
-        SCOPED_TRACE(nameOf(from, to) + ", " + describe(fromLayout) + " to " + describe(toLayout));
+        SCOPED_TRACE(getName(from, to) + ", " + describe(fromLayout) + " to " + describe(toLayout));
         forEachTarget(
             [&] {
                 PlacedImage source(fromLayout, from);
@@ -142,7 +142,7 @@ protected:
     /// Calls change(image) on a wild picture on each instruction set.
     template <typename Change>
     static void expectSameChange(Image::Format format, const Layout& layout, Change change) {
-        SCOPED_TRACE(nameOf(format) + ", " + describe(layout));
+        SCOPED_TRACE(getName(format) + ", " + describe(layout));
         forEachTarget(
             [&] {
                 auto image = std::make_unique<PlacedImage>(layout, format);
@@ -159,7 +159,7 @@ protected:
     /// Calls turn(image), which makes another one, on each instruction set.
     template <typename Turn>
     static void expectSameTurn(Image::Format format, const Layout& layout, Turn turn) {
-        SCOPED_TRACE(nameOf(format) + ", " + describe(layout));
+        SCOPED_TRACE(getName(format) + ", " + describe(layout));
         PlacedImage image(layout, format);
         fillWild(image.surface(), format + 1000 * layout.width);
         forEachTarget([&] { return turn(image.image()); },
@@ -215,13 +215,13 @@ void filter(Filter filter, const Image& source, const Image& output) {
     filter.execute();
 }
 
-zqx::img::GaussianBlur blurOf(float sigma) {
+zqx::img::GaussianBlur getBlur(float sigma) {
     zqx::img::GaussianBlur blur;
     blur.setSigma(sigma);
     return blur;
 }
 
-zqx::img::Sharpen sharpenOf(float radius) {
+zqx::img::Sharpen getSharpen(float radius) {
     zqx::img::Sharpen sharpen;
     sharpen.setRadius(radius);
     sharpen.setStrength(3.0F);
@@ -289,7 +289,7 @@ TEST_F(SameBytesTest, Turns) {
 }
 
 TEST_F(SameBytesTest, GradingOfAllPairsInEveryWidth) {
-    const zqx::img::ColorGrading grading = gradingOf(curvedSettings().back().settings);
+    const zqx::img::ColorGrading grading = makeGrading(curvedSettings().back().settings);
     const auto grade = [&](Image& source, Image& target) { grading.apply(source, target); };
     forAllPairs([&](Image::Format from, Image::Format to) {
         forAllWidths(
@@ -301,7 +301,7 @@ TEST_F(SameBytesTest, GradingOfAllPairsInEveryWidth) {
 TEST_F(SameBytesTest, GradingOfAllPairsWithEverySetting) {
     for (const NamedSettings& set : allSettings()) {
         SCOPED_TRACE(set.name);
-        const zqx::img::ColorGrading grading = gradingOf(set.settings);
+        const zqx::img::ColorGrading grading = makeGrading(set.settings);
         forAllPairs([&](Image::Format from, Image::Format to) {
             expectSamePictures(from, sourceLayout(67), to, targetLayout(67),
                                [&](Image& source, Image& target) { grading.apply(source, target); });
@@ -312,7 +312,7 @@ TEST_F(SameBytesTest, GradingOfAllPairsWithEverySetting) {
 TEST_F(SameBytesTest, GradingOfManyWildFloats) {
     for (const NamedSettings& set : allSettings()) {
         SCOPED_TRACE(set.name);
-        const zqx::img::ColorGrading grading = gradingOf(set.settings);
+        const zqx::img::ColorGrading grading = makeGrading(set.settings);
         const Layout layout = {2000, 2, 0, 0, 0};
         expectSamePictures(Image::RGB32F, layout, Image::RGB32F, layout,
                            [&](Image& source, Image& target) { grading.apply(source, target); });
@@ -321,7 +321,7 @@ TEST_F(SameBytesTest, GradingOfManyWildFloats) {
 
 TEST_F(SameBytesTest, FloatTables) {
     for (const NamedSettings& set : allSettings()) {
-        const zqx::img::ColorGrading grading = gradingOf(set.settings);
+        const zqx::img::ColorGrading grading = makeGrading(set.settings);
         for (const std::size_t size : {1U, 2U, 5U, 16U, 17U}) {
             SCOPED_TRACE(set.name + ", size " + std::to_string(size));
             forEachTarget(
@@ -341,7 +341,7 @@ TEST_F(SameBytesTest, FloatTables) {
 
 TEST_F(SameBytesTest, ByteTables) {
     for (const NamedSettings& set : allSettings()) {
-        const zqx::img::ColorGrading grading = gradingOf(set.settings);
+        const zqx::img::ColorGrading grading = makeGrading(set.settings);
         for (const std::size_t size : {1U, 2U, 5U, 16U, 17U}) {
             SCOPED_TRACE(set.name + ", size " + std::to_string(size));
             forEachTarget(
@@ -368,7 +368,7 @@ TEST_F(SameBytesTest, BlurOfAllPairs) {
         forAllWidths([&](const Layout& source, const Layout& target) {
             const float sigma = 0.5F * static_cast<float>(1 + source.width % 12);
             expectSamePictures(from, source, to, outputLayout(target, to),
-                               [&](Image& input, Image& output) { filter(blurOf(sigma), input, output); });
+                               [&](Image& input, Image& output) { filter(getBlur(sigma), input, output); });
         });
     });
 }
@@ -378,7 +378,7 @@ TEST_F(SameBytesTest, SharpeningOfAllPairs) {
         forAllWidths([&](const Layout& source, const Layout& target) {
             const float radius = 0.5F * static_cast<float>(1 + source.width % 12);
             expectSamePictures(from, source, to, outputLayout(target, to),
-                               [&](Image& input, Image& output) { filter(sharpenOf(radius), input, output); });
+                               [&](Image& input, Image& output) { filter(getSharpen(radius), input, output); });
         });
     });
 }
@@ -388,9 +388,9 @@ TEST_F(SameBytesTest, FiltersOfTallPictures) {
     for (const Image::Format format : ALL_FORMATS) {
         for (const float sigma : {1.0F, 3.0F}) {
             expectSamePictures(format, tall, format, tall,
-                               [&](Image& input, Image& output) { filter(blurOf(sigma), input, output); });
+                               [&](Image& input, Image& output) { filter(getBlur(sigma), input, output); });
             expectSamePictures(format, tall, format, tall,
-                               [&](Image& input, Image& output) { filter(sharpenOf(sigma), input, output); });
+                               [&](Image& input, Image& output) { filter(getSharpen(sigma), input, output); });
         }
     }
 }

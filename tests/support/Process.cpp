@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string contentOf(std::FILE* file) {
+std::string getContent(std::FILE* file) {
     std::rewind(file);
     std::string content;
     char block[4096];
@@ -56,7 +56,7 @@ Outcome BackgroundCommand::wait() {
     int status = 0;
     waitpid(mProcess, &status, 0);
     const int exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return {exitCode, contentOf(mOut), contentOf(mErr)};
+    return {exitCode, getContent(mOut), getContent(mErr)};
 }
 
 Outcome runCommand(const std::vector<std::string>& command) {

@@ -10,7 +10,7 @@ namespace zqx::text {
 
 namespace {
 
-std::vector<char32_t> codesOf(std::string_view text) {
+std::vector<char32_t> getCodes(std::string_view text) {
     std::vector<char32_t> codes;
     while (!text.empty()) {
         codes.push_back(takeCharacter(text).code);
@@ -29,7 +29,7 @@ std::string replacements(std::size_t count) {
 } // namespace
 
 TEST(Utf8Test, CharactersOfEachLengthAreDecoded) {
-    EXPECT_EQ(codesOf("aé日📷"), (std::vector<char32_t>{U'a', 0xE9, 0x65E5, 0x1F4F7}));
+    EXPECT_EQ(getCodes("aé日📷"), (std::vector<char32_t>{U'a', 0xE9, 0x65E5, 0x1F4F7}));
 }
 
 TEST(Utf8Test, TakingACharacterGivesItsBytesAndLeavesTheRest) {

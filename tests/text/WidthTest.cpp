@@ -20,8 +20,8 @@ TEST(WidthTest, EastAsianScriptsAndPictogramsTakeTwo) {
 
 TEST(WidthTest, CombiningMarksAndJoinersTakeNone) {
     EXPECT_EQ(displayWidth("e\xCC\x81"), 1U);
-    EXPECT_EQ(columnsOf(0x200D), 0U);
-    EXPECT_EQ(columnsOf(0xFE0F), 0U);
+    EXPECT_EQ(getColumns(0x200D), 0U);
+    EXPECT_EQ(getColumns(0xFE0F), 0U);
 }
 
 TEST(WidthTest, PaddingFillsUpToColumns) {
@@ -35,28 +35,28 @@ TEST(WidthTest, PaddingFillsUpToColumns) {
 }
 
 TEST(WidthTest, EndOfAShortTextIsAllOfIt) {
-    EXPECT_EQ(endOf("name.jpg", 8), "name.jpg");
-    EXPECT_EQ(endOf("", 0), "");
+    EXPECT_EQ(getEnd("name.jpg", 8), "name.jpg");
+    EXPECT_EQ(getEnd("", 0), "");
 }
 
 TEST(WidthTest, EndOfALongTextFollowsDots) {
-    EXPECT_EQ(endOf("folder/name.jpg", 11), "...name.jpg");
-    EXPECT_EQ(endOf("日本日本日本", 9), "...本日本");
-    EXPECT_EQ(endOf("日本日本日本", 10), "...本日本"); // half of a character does not show
+    EXPECT_EQ(getEnd("folder/name.jpg", 11), "...name.jpg");
+    EXPECT_EQ(getEnd("日本日本日本", 9), "...本日本");
+    EXPECT_EQ(getEnd("日本日本日本", 10), "...本日本"); // half of a character does not show
 }
 
 TEST(WidthTest, EndDoesNotBeginWithAMarkOverNothing) {
-    EXPECT_EQ(endOf("abcdefghe\xCC\x81wxyz1", 8), "...wxyz1");
+    EXPECT_EQ(getEnd("abcdefghe\xCC\x81wxyz1", 8), "...wxyz1");
 }
 
 TEST(WidthTest, EndFitsEveryWidth) {
     for (std::size_t columns = 0; columns < 30; ++columns) {
-        EXPECT_LE(displayWidth(endOf("photos/日本/été/📷.jpg", columns)), columns);
+        EXPECT_LE(displayWidth(getEnd("photos/日本/été/📷.jpg", columns)), columns);
     }
 }
 
 TEST(WidthTest, ThereIsNoEndWithoutRoom) {
-    EXPECT_EQ(endOf("folder/name.jpg", 7), "");
+    EXPECT_EQ(getEnd("folder/name.jpg", 7), "");
 }
 
 TEST(WidthTest, WordsAreWrappedBeforeTheColumn) {

@@ -16,7 +16,7 @@ namespace {
 
 class CubeFileTest : public img::test::DirectoryTest {
 protected:
-    std::vector<std::string> linesOf(const std::string& name) const {
+    std::vector<std::string> getLines(const std::string& name) const {
         std::vector<std::string> lines;
         std::istringstream text(img::test::readFile(at(name)));
         for (std::string line; std::getline(text, line);) {
@@ -32,13 +32,13 @@ using Lines = std::vector<std::string>;
 
 TEST_F(CubeFileTest, HeadAndPointsWithRedTheFastest) {
     writeCubeFile(at("look.cube"), img::ColorGrading(), {2, true, ""});
-    EXPECT_EQ(linesOf("look.cube"), (Lines{"TITLE \"look\"", "LUT_3D_SIZE 2", "DOMAIN_MIN 0 0 0", "DOMAIN_MAX 1 1 1",
-                                           "0 0 0", "1 0 0", "0 1 0", "1 1 0", "0 0 1", "1 0 1", "0 1 1", "1 1 1"}));
+    EXPECT_EQ(getLines("look.cube"), (Lines{"TITLE \"look\"", "LUT_3D_SIZE 2", "DOMAIN_MIN 0 0 0", "DOMAIN_MAX 1 1 1",
+                                            "0 0 0", "1 0 0", "0 1 0", "1 1 0", "0 0 1", "1 0 1", "0 1 1", "1 1 1"}));
 }
 
 TEST_F(CubeFileTest, TitleStaysOnItsLineAndInItsQuotes) {
     writeCubeFile(at("a.cube"), img::ColorGrading(), {2, false, "one \"two\"\nthree"});
-    EXPECT_EQ(linesOf("a.cube").front(), "TITLE \"one 'two' three\"");
+    EXPECT_EQ(getLines("a.cube").front(), "TITLE \"one 'two' three\"");
 }
 
 TEST_F(CubeFileTest, NumbersReadBackAsTheSameFloats) {

@@ -189,7 +189,7 @@ private:
     std::size_t below(std::size_t limit) { return mRandom() % limit; }
 
     template <std::size_t COUNT>
-    const std::string& oneOf(const std::array<std::string, COUNT>& choices) {
+    const std::string& requireOneOf(const std::array<std::string, COUNT>& choices) {
         return choices[below(COUNT)];
     }
 
@@ -198,7 +198,7 @@ private:
             "{",       "}",        "[",    "]",       ",",       ":",    "\"",  "\\",
             "null",    "1",        "e9",   "-",       ".",       " ",    "\n",  "\x7F",
             "\x1B[2J", "\xC3\xA4", "\xFF", "\\u0000", "\\ud800", "[[[[", "NaN", std::string(1, '\0')};
-        return oneOf(TOKENS);
+        return requireOneOf(TOKENS);
     }
 
     const std::string& value() {
@@ -218,14 +218,14 @@ private:
                                                            "{}",
                                                            "[0, 0.5, -1, 1]",
                                                            "[1e300, 0, 0, 1]"};
-        return oneOf(VALUES);
+        return requireOneOf(VALUES);
     }
 
     const std::string& member() {
         static const std::array<std::string, 12> MEMBERS = {
             "\"exposure\": ", "\"flipX\": ", "\"black\": ",    "\"white\": ",       "\"hue\": ",      "\"version\": ",
             "\"\": ",         "\"x\\ny\": ", "\"\xC3\xA4\": ", "\"gradientMap\": ", "\"sharpnes\": ", "\"$schema\": "};
-        return oneOf(MEMBERS);
+        return requireOneOf(MEMBERS);
     }
 
     /// The place after one of some characters, from somewhere on.

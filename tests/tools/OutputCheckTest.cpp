@@ -28,7 +28,7 @@ protected:
         return "none";
     }
 
-    std::string complaintOf(const std::string& output) const {
+    std::string getComplaint(const std::string& output) const {
         return complaint({at("other.png"), at("in.png")}, {{"--difference", at(output)}});
     }
 };
@@ -36,33 +36,33 @@ protected:
 } // namespace
 
 TEST_F(OutputCheckTest, OutputThatIsTheInputIsRefused) {
-    EXPECT_EQ(complaintOf("in.png"),
+    EXPECT_EQ(getComplaint("in.png"),
               at("in.png") + ": would replace the input " + at("in.png") + "; choose another name");
-    EXPECT_EQ(complaintOf("out.png"), "none");
+    EXPECT_EQ(getComplaint("out.png"), "none");
 }
 
 TEST_F(OutputCheckTest, DetoursLeadToTheSameFile) {
     fs::create_directory(at("sub"));
-    EXPECT_EQ(complaintOf("sub/../in.png"),
+    EXPECT_EQ(getComplaint("sub/../in.png"),
               at("sub/../in.png") + ": would replace the input " + at("in.png") + "; choose another name");
 }
 
 TEST_F(OutputCheckTest, LinksLeadToTheSameFile) {
     fs::create_symlink("in.png", at("link.png"));
     fs::create_directory_symlink(".", at("here"));
-    EXPECT_NE(complaintOf("link.png"), "none");
-    EXPECT_NE(complaintOf("here/in.png"), "none");
+    EXPECT_NE(getComplaint("link.png"), "none");
+    EXPECT_NE(getComplaint("here/in.png"), "none");
     EXPECT_NE(complaint({at("link.png")}, {{"--output", at("in.png")}}), "none");
 }
 
 TEST_F(OutputCheckTest, HardLinksAreTheSameFile) {
     fs::create_hard_link(at("in.png"), at("hard.png"));
-    EXPECT_NE(complaintOf("hard.png"), "none");
+    EXPECT_NE(getComplaint("hard.png"), "none");
 }
 
 TEST_F(OutputCheckTest, CopiesAreOtherFiles) {
     fs::copy_file(at("in.png"), at("copy.png"));
-    EXPECT_EQ(complaintOf("copy.png"), "none");
+    EXPECT_EQ(getComplaint("copy.png"), "none");
 }
 
 TEST_F(OutputCheckTest, ReplaceableInputMayBeReplacedAndNoOther) {

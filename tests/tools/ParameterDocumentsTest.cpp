@@ -22,7 +22,7 @@ std::string document(const std::string& members) {
     return R"({"imageProcessing": {"version": 1, )" + members + "}}";
 }
 
-float sharpnessOf(img::ImageProcessingPipeline pipeline) {
+float measureSharpness(img::ImageProcessingPipeline pipeline) {
     float sharpness = 0.0F;
     pipeline.getSharpness(&sharpness);
     return sharpness;
@@ -41,7 +41,7 @@ TEST_F(ParameterDocumentsTest, LaterDocumentsGoOverEarlierOnes) {
     const img::ImageProcessingPipeline pipeline = documents.makePipeline();
     EXPECT_EQ(pipeline.getColorGrading().getExposure(), 2.0F);
     EXPECT_EQ(pipeline.getColorGrading().getContrast(), 0.75F);
-    EXPECT_EQ(sharpnessOf(pipeline), 0.5F);
+    EXPECT_EQ(measureSharpness(pipeline), 0.5F);
 }
 
 TEST_F(ParameterDocumentsTest, SettingsGoOverDocumentsWhereverTheyAreAdded) {

@@ -17,7 +17,7 @@ std::string guide() {
 }
 
 /// The guide's table is about the members of one object, so it leaves that object's name out.
-std::string rowOf(const Parameter& parameter) {
+std::string pickRow(const Parameter& parameter) {
     constexpr std::string_view OBJECT = "imageProcessing.";
     EXPECT_TRUE(parameter.path.starts_with(OBJECT)) << parameter.path;
     const std::string range = parameter.kind == Parameter::Kind::COLOR ? "r, g, b, a" : describeRange(parameter);
@@ -29,7 +29,7 @@ std::string rowOf(const Parameter& parameter) {
 TEST(ParameterGuideTest, EveryParameterHasARowWithItsRange) {
     const std::string text = guide();
     for (const Parameter& parameter : parameters()) {
-        EXPECT_NE(text.find(rowOf(parameter)), std::string::npos) << rowOf(parameter);
+        EXPECT_NE(text.find(pickRow(parameter)), std::string::npos) << pickRow(parameter);
     }
 }
 

@@ -18,7 +18,7 @@ namespace {
 
 constexpr double GAMMA = 2.2;
 
-std::size_t channelsOf(SampleLayout layout) {
+std::size_t getChannels(SampleLayout layout) {
     return channelCount(layout);
 }
 
@@ -52,7 +52,7 @@ PixelBuffer motley(SampleLayout layout, Size size) {
     unsigned number = 17;
     for (unsigned y = 0; y < size.height; ++y) {
         for (unsigned x = 0; x < size.width; ++x) {
-            for (std::size_t channel = 0; channel < channelsOf(layout); ++channel) {
+            for (std::size_t channel = 0; channel < getChannels(layout); ++channel) {
                 number = number * 1664525U + 1013904223U;
                 setSample(pixels, layout, x, y, channel, isAlpha(layout, channel) && number % 3 == 0 ? 0 : number >> 8);
             }
@@ -119,12 +119,12 @@ void expectMean(const PixelBuffer& result, SampleLayout layout, unsigned x, unsi
 }
 
 void expectOracle(SampleLayout layout, Size from, Size to) {
-    SCOPED_TRACE(std::string(nameOf(layout)) + " to " + std::to_string(to.width) + " x " + std::to_string(to.height));
+    SCOPED_TRACE(std::string(getName(layout)) + " to " + std::to_string(to.width) + " x " + std::to_string(to.height));
     PixelBuffer source = motley(layout, from);
     PixelBuffer result = areaAverage(source.image(), to);
     for (unsigned y = 0; y < to.height; ++y) {
         for (unsigned x = 0; x < to.width; ++x) {
-            for (std::size_t channel = 0; channel < channelsOf(layout); ++channel) {
+            for (std::size_t channel = 0; channel < getChannels(layout); ++channel) {
                 expectMean(result, layout, x, y, channel, meanUnder(source, layout, to, x, y, channel));
             }
         }
@@ -161,7 +161,7 @@ TEST(AreaAverageTest, TheOwnSizeGivesTheSamePixels) {
         EXPECT_EQ(std::memcmp(source.image().getDataPtr(), result.image().getDataPtr(),
                               source.image().getByteRowStride() * 9),
                   0)
-            << nameOf(layout);
+            << getName(layout);
     }
 }
 

@@ -65,7 +65,7 @@ void expectNothingHappens(Conversion convert) {
             fillRandom(image.surface(), 1);
             const std::vector<unsigned char> before = image.memory();
             convert(image.image());
-            EXPECT_EQ(before, image.memory()) << nameOf(format);
+            EXPECT_EQ(before, image.memory()) << getName(format);
         }
     }
     for (const Image::Format format : UNKNOWN_FORMATS) {
@@ -86,21 +86,21 @@ void expectNothingHappens(Conversion convert) {
 TEST(AlphaTest, DividingLimitsAndTruncatesBytes) {
     BytePicture picture(Image::RGBA8, 1, {64, 32, 200, 128});
     premultiplied2StraightAlpha(picture.image());
-    EXPECT_EQ((Bytes{127, 63, 255, 128}), bytesOf(picture.image()));
+    EXPECT_EQ((Bytes{127, 63, 255, 128}), getBytes(picture.image()));
 }
 
 TEST(AlphaTest, DividingTakesEncodedBytesAsStored) {
     for (const Image::Format format : {Image::SRGBA8, Image::SBGRA8}) {
         BytePicture picture(format, 1, {64, 32, 200, 128});
         premultiplied2StraightAlpha(picture.image());
-        EXPECT_EQ((Bytes{127, 63, 255, 128}), bytesOf(picture.image())) << nameOf(format);
+        EXPECT_EQ((Bytes{127, 63, 255, 128}), getBytes(picture.image())) << getName(format);
     }
 }
 
 TEST(AlphaTest, DividingKeepsTheColoursOfTransparentPixels) {
     BytePicture picture(Image::RGBA8, 1, {1, 128, 255, 0});
     premultiplied2StraightAlpha(picture.image());
-    EXPECT_EQ((Bytes{1, 128, 255, 0}), bytesOf(picture.image()));
+    EXPECT_EQ((Bytes{1, 128, 255, 0}), getBytes(picture.image()));
 }
 
 TEST(AlphaTest, DividingStartsAboveOneTenThousandth) {
@@ -116,28 +116,28 @@ TEST(AlphaTest, DividingStartsAboveOneTenThousandth) {
 TEST(AlphaTest, DividingDoesNotLimitFloats) {
     FloatPicture picture(Image::RGBA32F, 1, {0.5F, -1.0F, 3.0F, 0.5F});
     premultiplied2StraightAlpha(picture.image());
-    EXPECT_EQ((std::vector<float>{1.0F, -2.0F, 6.0F, 0.5F}), floatsOf(picture.image()));
+    EXPECT_EQ((std::vector<float>{1.0F, -2.0F, 6.0F, 0.5F}), getFloats(picture.image()));
 }
 
 TEST(AlphaTest, MultiplyingFloats) {
     FloatPicture picture(Image::RGBA32F, 1, {0.5F, 1.0F, 2.0F, 0.5F});
     straight2PremultipliedAlpha(picture.image());
-    EXPECT_EQ((std::vector<float>{0.25F, 0.5F, 1.0F, 0.5F}), floatsOf(picture.image()));
+    EXPECT_EQ((std::vector<float>{0.25F, 0.5F, 1.0F, 0.5F}), getFloats(picture.image()));
 }
 
 TEST(AlphaTest, MultiplyingByZeroAlphaGivesBlack) {
     BytePicture picture(Image::SRGBA8, 1, {255, 128, 1, 0});
     straight2PremultipliedAlpha(picture.image());
-    EXPECT_EQ((Bytes{0, 0, 0, 0}), bytesOf(picture.image()));
+    EXPECT_EQ((Bytes{0, 0, 0, 0}), getBytes(picture.image()));
 }
 
 TEST(AlphaTest, MultiplyingDecodesEncodedBytes) {
     BytePicture linear(Image::RGBA8, 1, {255, 255, 255, 128});
     straight2PremultipliedAlpha(linear.image());
-    EXPECT_EQ((Bytes{128, 128, 128, 128}), bytesOf(linear.image()));
+    EXPECT_EQ((Bytes{128, 128, 128, 128}), getBytes(linear.image()));
     BytePicture encoded(Image::SBGRA8, 1, {255, 255, 255, 128});
     straight2PremultipliedAlpha(encoded.image());
-    EXPECT_EQ((Bytes{186, 186, 186, 128}), bytesOf(encoded.image())); // 255 * (128 / 255)^(1/2.2) = 186.4
+    EXPECT_EQ((Bytes{186, 186, 186, 128}), getBytes(encoded.image())); // 255 * (128 / 255)^(1/2.2) = 186.4
 }
 
 TEST(AlphaTest, DividingAllBytesAndSpecialFloats) {

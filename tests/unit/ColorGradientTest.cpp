@@ -100,11 +100,11 @@ TEST(ColorGradientTest, AnyNumberOfStopsUpTo256GivesTheTable) {
         for (std::size_t i = 0; i < count; ++i) {
             stops.push_back({random.between(-1, 2), random.unit(), random.unit(), random.unit()});
         }
-        const ColorGradient gradient = gradientOf(stops);
+        const ColorGradient gradient = getGradient(stops);
         const std::vector<oracle::Values> table = oracle::gradientTable(stops);
         for (int i = 0; i < 256; ++i) {
             SCOPED_TRACE(std::to_string(count) + " stops, entry " + std::to_string(i));
-            expectColor(colorOf(table[i]), gradient.getColorAt(static_cast<unsigned char>(i)));
+            expectColor(getColor(table[i]), gradient.getColorAt(static_cast<unsigned char>(i)));
         }
     }
 }

@@ -26,7 +26,7 @@ using Floats = std::vector<float>;
 /// Converts into a fresh image and into a guarded one with strides of its own, and compares both with the oracle.
 void expectConversion(const GuardedImage& source, Image::Format target, Gaps targetGaps) {
     const Image& from = source.image();
-    SCOPED_TRACE(nameOf(from.getFormat(), target) + ", " + std::to_string(from.getWidth()) + " x " +
+    SCOPED_TRACE(getName(from.getFormat(), target) + ", " + std::to_string(from.getWidth()) + " x " +
                  std::to_string(from.getHeight()));
     oracle::Picture expected(from.getWidth(), from.getHeight(), target);
     oracle::convert(source.surface(), expected.surface);
@@ -34,7 +34,7 @@ void expectConversion(const GuardedImage& source, Image::Format target, Gaps tar
     const std::shared_ptr<Image> converted = from.convertTo(target);
     ASSERT_NE(nullptr, converted);
     EXPECT_EQ(from.getWidth() * oracle::pixelSize(target), converted->getByteRowStride());
-    EXPECT_TRUE(samePixels(surfaceOf(*converted), expected.surface));
+    EXPECT_TRUE(samePixels(getSurface(*converted), expected.surface));
 
     if (target != from.getFormat()) { // equal formats are copied instead of converted
         GuardedImage written(from.getWidth(), from.getHeight(), target, targetGaps);
@@ -45,11 +45,11 @@ void expectConversion(const GuardedImage& source, Image::Format target, Gaps tar
 }
 
 Bytes convertedBytes(Image& source, Image::Format target) {
-    return bytesOf(*source.convertTo(target));
+    return getBytes(*source.convertTo(target));
 }
 
 Floats convertedFloats(Image& source, Image::Format target) {
-    return floatsOf(*source.convertTo(target));
+    return getFloats(*source.convertTo(target));
 }
 
 TEST(ConvertTest, LinearFloatsAreLimitedAndTruncated) {
@@ -127,7 +127,7 @@ TEST(ConvertTest, FloatsAreCopiedWithTheirExtremes) {
     for (const Image::Format format : FLOAT_FORMATS) {
         GuardedImage source(50, 3, format);
         fillSweep(source.surface());
-        EXPECT_TRUE(samePixels(*source.image().convertTo(format), source.image())) << nameOf(format);
+        EXPECT_TRUE(samePixels(*source.image().convertTo(format), source.image())) << getName(format);
     }
 }
 
@@ -138,7 +138,7 @@ TEST(ConvertTest, BytesSurviveConversionToTheirOwnFormat) {
         fillSweep(source.surface());
         const std::shared_ptr<Image> converted = source.image().convertTo(format);
         for (int i = 0; i < 256; ++i) {
-            EXPECT_EQ(i, *static_cast<unsigned char*>(converted->getPixelPtr(i, 0))) << nameOf(format);
+            EXPECT_EQ(i, *static_cast<unsigned char*>(converted->getPixelPtr(i, 0))) << getName(format);
         }
     }
 }
@@ -216,12 +216,12 @@ TEST(ConvertTest, AllPairsFromTheMiddleOfALargerPicture) {
                 std::memcpy(expectedWindow.getRowPtr(y), window.getRowPtr(y), 21 * oracle::pixelSize(to));
             }
         } else {
-            oracle::convert(surfaceOf(window), surfaceOf(expectedWindow));
+            oracle::convert(getSurface(window), getSurface(expectedWindow));
         }
 
         targetWindow.convertFrom(window);
 
-        EXPECT_TRUE(samePixels(target.image(), expected.image())) << nameOf(from, to);
+        EXPECT_TRUE(samePixels(target.image(), expected.image())) << getName(from, to);
     });
 }
 
@@ -253,8 +253,8 @@ TEST(ConvertTest, CodesChangeAtTheExactFloats) {
         floats.resize(floats.size() / 3 * 3);
         FloatPicture picture(Image::RGB32F, 1, floats);
         oracle::Picture expected(floats.size() / 3, 1, target);
-        oracle::convert(surfaceOf(picture.image()), expected.surface);
-        EXPECT_TRUE(samePixels(surfaceOf(*picture.image().convertTo(target)), expected.surface));
+        oracle::convert(getSurface(picture.image()), expected.surface);
+        EXPECT_TRUE(samePixels(getSurface(*picture.image().convertTo(target)), expected.surface));
     }
 }
 
@@ -262,7 +262,7 @@ TEST(ConvertTest, NotANumberBecomesZeroInBytes) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     FloatPicture picture(Image::RGBA32F, 1, {nan, -nan, nan, nan});
     for (const Image::Format target : {Image::RGBA8, Image::SRGBA8, Image::SBGRA8}) {
-        EXPECT_EQ((Bytes{0, 0, 0, 0}), convertedBytes(picture.image(), target)) << nameOf(target);
+        EXPECT_EQ((Bytes{0, 0, 0, 0}), convertedBytes(picture.image(), target)) << getName(target);
     }
     EXPECT_EQ((Bytes{0}), convertedBytes(picture.image(), Image::GRAY8));
 }
@@ -278,7 +278,7 @@ TEST(ConvertTest, SubImageIsWrittenAsGreyThroughItsOwnStrides) {
     FloatPicture grey(Image::GRAY32F, 1, {1.0F, 0.2F});
     Image sub = parent.image().getSubImage(0, 0, 2, 1);
     sub.convertFrom(grey.image());
-    EXPECT_EQ((Bytes{255, 9, 9, 9, 51, 9, 9, 9}), bytesOf(parent.image()));
+    EXPECT_EQ((Bytes{255, 9, 9, 9, 51, 9, 9, 9}), getBytes(parent.image()));
 }
 
 TEST(ConvertTest, BytesOfTheSameLayoutConvertInPlace) {
@@ -296,7 +296,7 @@ TEST(ConvertTest, BytesOfTheSameLayoutConvertInPlace) {
             const Image source = memory.image();
             Image target(source.getDataPtr(), width, 3, to, source.getByteRowStride());
             target.convertFrom(source);
-            EXPECT_TRUE(samePixels(surfaceOf(target), expected.surface)) << nameOf(from, to) << ", width " << width;
+            EXPECT_TRUE(samePixels(getSurface(target), expected.surface)) << getName(from, to) << ", width " << width;
             EXPECT_TRUE(memory.guardsIntact());
         }
     }
@@ -311,7 +311,7 @@ TEST(ConvertTest, LinearFloatKeepsTheChannels) {
         fillRandom(source.surface(), 12);
         const std::shared_ptr<Image> converted = source.image().convertToLinearFloat();
         ASSERT_NE(nullptr, converted);
-        EXPECT_EQ(floats[format], converted->getFormat()) << nameOf(format);
+        EXPECT_EQ(floats[format], converted->getFormat()) << getName(format);
         EXPECT_TRUE(samePixels(*converted, *source.image().convertTo(floats[format])));
         EXPECT_NE(source.image().getDataPtr(), converted->getDataPtr());
     }

@@ -68,7 +68,7 @@ constexpr std::uint64_t SEED = 90;
 
 void expectSameInPlace(FilterFunction filter, std::size_t radius, Image::Format format, std::size_t width,
                        std::size_t height) {
-    SCOPED_TRACE(nameOf(format) + ", radius " + std::to_string(radius) + ", height " + std::to_string(height));
+    SCOPED_TRACE(getName(format) + ", radius " + std::to_string(radius) + ", height " + std::to_string(height));
     GuardedImage source(width, height, format);
     fillPhoto(source.surface(), SEED);
     omp_set_num_threads(1);
@@ -147,16 +147,16 @@ void expectLikeACopy(FilterFunction filter, const Overlap& overlap, int threads)
     SCOPED_TRACE(std::string(overlap.name) + ", threads " + std::to_string(threads));
     omp_set_num_threads(threads);
     std::vector<unsigned char> memory(2 * 16 * WIDTH * HEIGHT);
-    const auto viewOf = [](std::vector<unsigned char>& bytes, Image::Format format, std::size_t offset,
-                           std::size_t stride) { return Image(bytes.data() + offset, WIDTH, HEIGHT, format, stride); };
-    const Image source = viewOf(memory, overlap.source, overlap.sourceOffset, overlap.sourceStride);
-    fillPhoto(surfaceOf(source), SEED);
+    const auto getView = [](std::vector<unsigned char>& bytes, Image::Format format, std::size_t offset,
+                            std::size_t stride) { return Image(bytes.data() + offset, WIDTH, HEIGHT, format, stride); };
+    const Image source = getView(memory, overlap.source, overlap.sourceOffset, overlap.sourceStride);
+    fillPhoto(getSurface(source), SEED);
     std::vector<unsigned char> copy = memory;
     std::vector<unsigned char> expected = memory;
-    filter(3, viewOf(copy, overlap.source, overlap.sourceOffset, overlap.sourceStride),
-           viewOf(expected, overlap.output, overlap.outputOffset, overlap.outputStride));
+    filter(3, getView(copy, overlap.source, overlap.sourceOffset, overlap.sourceStride),
+           getView(expected, overlap.output, overlap.outputOffset, overlap.outputStride));
 
-    filter(3, source, viewOf(memory, overlap.output, overlap.outputOffset, overlap.outputStride));
+    filter(3, source, getView(memory, overlap.output, overlap.outputOffset, overlap.outputStride));
 
     EXPECT_TRUE(memory != copy) << "nothing was done";
     EXPECT_TRUE(memory == expected);

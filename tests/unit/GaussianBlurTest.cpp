@@ -38,7 +38,7 @@ Gaps gapsFor(Image::Format output) {
 
 void expectBlur(const GuardedImage& source, Image::Format to, float sigma, ByteTally& tally) {
     const Image& from = source.image();
-    SCOPED_TRACE(nameOf(from.getFormat(), to) + ", " + std::to_string(from.getWidth()) + " x " +
+    SCOPED_TRACE(getName(from.getFormat(), to) + ", " + std::to_string(from.getWidth()) + " x " +
                  std::to_string(from.getHeight()) + ", sigma " + std::to_string(sigma));
     oracle::Picture expected(from.getWidth(), from.getHeight(), to);
     oracle::blur(source.surface(), expected.surface, sigma);
@@ -146,14 +146,14 @@ TEST(GaussianBlurTest, UniformImageStaysUniformAtItsBorders) {
     FloatPicture source(Image::GRAY32F, 7, Floats(7 * 9, 0.7F));
     FloatPicture output(Image::GRAY32F, 7, Floats(7 * 9));
     blur(source.image(), output.image(), 3.0F);
-    for (const float value : floatsOf(output.image())) {
+    for (const float value : getFloats(output.image())) {
         EXPECT_NEAR(0.7F, value, 2e-6);
     }
 }
 
 TEST(GaussianBlurTest, PointSpreadsIntoTheKernelInBothDirections) {
     FloatPicture source(Image::GRAY32F, 7, Floats(7 * 9));
-    oracle::storeFloat(surfaceOf(source.image()).at(4, 3), 1.0F);
+    oracle::storeFloat(getSurface(source.image()).at(4, 3), 1.0F);
     FloatPicture output(Image::GRAY32F, 7, Floats(7 * 9));
     blur(source.image(), output.image(), 1.0F);
     const Floats kernel = GaussianBlur::computeKernel(1.0);
@@ -177,7 +177,7 @@ TEST(GaussianBlurTest, AlphaIsBlurredLikeColour) {
 
 TEST(GaussianBlurTest, NotANumberSpreadsAsFarAsTheKernel) {
     FloatPicture source(Image::GRAY32F, 9, Floats(81, 0.5F));
-    oracle::storeFloat(surfaceOf(source.image()).at(4, 4), std::numeric_limits<float>::quiet_NaN());
+    oracle::storeFloat(getSurface(source.image()).at(4, 4), std::numeric_limits<float>::quiet_NaN());
     FloatPicture output(Image::GRAY32F, 9, Floats(81));
     blur(source.image(), output.image(), 1.0F);
     for (int y = 0; y < 9; ++y) {
@@ -194,7 +194,7 @@ TEST(GaussianBlurTest, SigmaZeroGivesNotANumber) {
     EXPECT_TRUE(std::isnan(output[0]));
     BytePicture bytes(Image::SGRAY8, 1, {9, 9});
     blur(source.image(), bytes.image(), 0.0F);
-    EXPECT_EQ((std::vector<int>{0, 0}), bytesOf(bytes.image()));
+    EXPECT_EQ((std::vector<int>{0, 0}), getBytes(bytes.image()));
 }
 
 TEST(GaussianBlurTest, AllPairsOfFormats) {
@@ -311,7 +311,7 @@ TEST(GaussianBlurTest, ImagesWithoutPixelsAreLeftAlone) {
             GuardedImage source(width, height, from);
             GuardedImage output(width, height, to);
             blur(source.image(), output.image(), 1.0F);
-            EXPECT_TRUE(output.guardsIntact()) << nameOf(from, to);
+            EXPECT_TRUE(output.guardsIntact()) << getName(from, to);
         }
     });
     GaussianBlur unset;

@@ -31,15 +31,15 @@ constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
 Floats graded(const oracle::Settings& settings, std::initializer_list<float> rgb) {
     FloatPicture source(Image::RGB32F, 1, rgb);
     FloatPicture target(Image::RGB32F, 1, Floats(rgb.size()));
-    gradingOf(settings).apply(source.image(), target.image());
-    return floatsOf(target.image());
+    makeGrading(settings).apply(source.image(), target.image());
+    return getFloats(target.image());
 }
 
 Floats gradedGrey(const oracle::Settings& settings, std::initializer_list<float> greys) {
     FloatPicture source(Image::GRAY32F, 1, greys);
     FloatPicture target(Image::GRAY32F, 1, Floats(greys.size()));
-    gradingOf(settings).apply(source.image(), target.image());
-    return floatsOf(target.image());
+    makeGrading(settings).apply(source.image(), target.image());
+    return getFloats(target.image());
 }
 
 template <typename Change>
@@ -271,8 +271,8 @@ TEST(GradingKernelTest, HueOfBlackIsZeroInBytes) {
     FloatPicture source(Image::RGBA32F, 1, {0.0F, 0.0F, 0.0F, 1.0F});
     for (const Image::Format format : {Image::RGBA8, Image::SRGBA8, Image::SBGRA8}) {
         BytePicture target(format, 1, {9, 9, 9, 9});
-        gradingOf(hue(10.0F)).apply(source.image(), target.image());
-        EXPECT_EQ((Bytes{0, 0, 0, 255}), bytesOf(target.image())) << nameOf(format);
+        makeGrading(hue(10.0F)).apply(source.image(), target.image());
+        EXPECT_EQ((Bytes{0, 0, 0, 255}), getBytes(target.image())) << getName(format);
     }
 }
 
@@ -320,7 +320,7 @@ TEST(GradingKernelTest, AlphaPassesUngraded) {
     FloatPicture target(Image::RGBA32F, 1, Floats(4));
     oracle::Settings settings = contrast(0.9F);
     settings.exposure = 3.0F;
-    gradingOf(settings).apply(source.image(), target.image());
+    makeGrading(settings).apply(source.image(), target.image());
     EXPECT_EQ(7.25F, target[3]);
 }
 
@@ -330,7 +330,7 @@ TEST(GradingKernelTest, MissingAlphaBecomesOpaque) {
     FloatPicture floats(Image::RGBA32F, 1, Floats(4));
     ColorGrading().apply(source.image(), bytes.image());
     ColorGrading().apply(source.image(), floats.image());
-    EXPECT_EQ(255, bytesOf(bytes.image())[3]);
+    EXPECT_EQ(255, getBytes(bytes.image())[3]);
     EXPECT_EQ(1.0F, floats[3]);
 }
 
@@ -338,10 +338,10 @@ TEST(GradingKernelTest, GreyDestinationStoresTheRedChannel) {
     BytePicture source(Image::SBGRA8, 1, {0, 0, 255, 255});
     BytePicture target(Image::GRAY8, 1, {0});
     ColorGrading().apply(source.image(), target.image());
-    EXPECT_EQ((Bytes{255}), bytesOf(target.image())) << "red, from the third byte";
+    EXPECT_EQ((Bytes{255}), getBytes(target.image())) << "red, from the third byte";
     BytePicture blue(Image::SBGRA8, 1, {255, 255, 0, 255});
     ColorGrading().apply(blue.image(), target.image());
-    EXPECT_EQ((Bytes{0}), bytesOf(target.image())) << "no luma";
+    EXPECT_EQ((Bytes{0}), getBytes(target.image())) << "no luma";
 }
 
 TEST(GradingKernelTest, NotANumberSettingsMakeNotANumberPixels) {
@@ -366,10 +366,10 @@ TEST(GradingKernelTest, AllPairsAreExactWithoutContrastAndHue) {
     }
     for (const NamedSettings& set : sets) {
         SCOPED_TRACE(set.name);
-        const ColorGrading grading = gradingOf(set.settings);
+        const ColorGrading grading = makeGrading(set.settings);
         const oracle::Prepared prepared = oracle::prepare(set.settings);
         forAllPairs([&](Image::Format from, Image::Format to) {
-            SCOPED_TRACE(nameOf(from, to));
+            SCOPED_TRACE(getName(from, to));
             GuardedImage sweep(256, 1, from);
             fillSweep(sweep.surface());
             expectExactGrading(sweep, to, {}, prepared, grading);
@@ -383,11 +383,11 @@ TEST(GradingKernelTest, AllPairsAreExactWithoutContrastAndHue) {
 TEST(GradingKernelTest, AllPairsInEveryWidthUpToForty) {
     const std::vector<NamedSettings> sets = exactSettings();
     const NamedSettings& everything = sets.back();
-    const ColorGrading grading = gradingOf(everything.settings);
+    const ColorGrading grading = makeGrading(everything.settings);
     const oracle::Prepared prepared = oracle::prepare(everything.settings);
     forAllPairs([&](Image::Format from, Image::Format to) {
         for (std::size_t width = 1; width <= 40; ++width) {
-            SCOPED_TRACE(nameOf(from, to) + ", width " + std::to_string(width));
+            SCOPED_TRACE(getName(from, to) + ", width " + std::to_string(width));
             GuardedImage source(width, 2, from, {0, width % 3 * 4});
             fillRandom(source.surface(), width);
             expectExactGrading(source, to, {0, width % 4 * 4}, prepared, grading);
@@ -397,10 +397,10 @@ TEST(GradingKernelTest, AllPairsInEveryWidthUpToForty) {
 
 TEST(GradingKernelTest, AllPairsBetweenFreePixelStrides) {
     const NamedSettings everything = exactSettings().back();
-    const ColorGrading grading = gradingOf(everything.settings);
+    const ColorGrading grading = makeGrading(everything.settings);
     const oracle::Prepared prepared = oracle::prepare(everything.settings);
     forAllPairs([&](Image::Format from, Image::Format to) {
-        SCOPED_TRACE(nameOf(from, to));
+        SCOPED_TRACE(getName(from, to));
         GuardedImage source(37, 3, from, {4, 8});
         fillRandom(source.surface(), 7);
         expectExactGrading(source, to, {8, 4}, prepared, grading);
@@ -410,10 +410,10 @@ TEST(GradingKernelTest, AllPairsBetweenFreePixelStrides) {
 /// Calls visit(prepared, source, graded, expected) for a photograph in all pairs of formats.
 template <typename Visit>
 void gradePhotographs(const NamedSettings& set, Visit visit) {
-    const ColorGrading grading = gradingOf(set.settings);
+    const ColorGrading grading = makeGrading(set.settings);
     const oracle::Prepared prepared = oracle::prepare(set.settings);
     forAllPairs([&](Image::Format from, Image::Format to) {
-        SCOPED_TRACE(set.name + ", " + nameOf(from, to));
+        SCOPED_TRACE(set.name + ", " + getName(from, to));
         GuardedImage source(43, 11, from, {0, 4});
         fillPhoto(source.surface(), from * 16 + to);
         oracle::Picture expected(43, 11, to);
@@ -459,11 +459,11 @@ TEST(GradingKernelTest, AllPairsTakeAGradientEntryWithinReachOnAPhotographWithCo
 TEST(GradingKernelTest, AllPairsStayInRangeOnAnyPixelWithContrastOrHue) {
     for (const NamedSettings& set : curvedSettings()) {
         SCOPED_TRACE(set.name);
-        const ColorGrading grading = gradingOf(set.settings);
+        const ColorGrading grading = makeGrading(set.settings);
         const oracle::Prepared prepared = oracle::prepare(set.settings);
         RangeTally tally;
         forAllPairs([&](Image::Format from, Image::Format to) {
-            SCOPED_TRACE(nameOf(from, to));
+            SCOPED_TRACE(getName(from, to));
             GuardedImage source(29, 2, from);
             fillRandom(source.surface(), from * 16 + to);
             gradeGuarded(source, to, {}, grading, [&](const GuardedImage& target) {
@@ -476,7 +476,7 @@ TEST(GradingKernelTest, AllPairsStayInRangeOnAnyPixelWithContrastOrHue) {
 
 TEST(GradingKernelTest, GradesAnImageInPlace) {
     const NamedSettings everything = exactSettings().back();
-    const ColorGrading grading = gradingOf(everything.settings);
+    const ColorGrading grading = makeGrading(everything.settings);
     const oracle::Prepared prepared = oracle::prepare(everything.settings);
     for (const Image::Format format : ALL_FORMATS) {
         for (const std::size_t width : {1U, 7U, 16U, 33U, 259U}) {
@@ -496,8 +496,8 @@ TEST(GradingKernelTest, GradesASubImageAsGreyThroughItsOwnStrides) {
     Image sub = parent.image().getSubImage(0, 0, 2, 1);
     oracle::Settings settings;
     settings.exposure = 1.0F;
-    gradingOf(settings).apply(sub, sub);
-    EXPECT_EQ((Bytes{102, 1, 2, 3, 204, 4, 5, 6}), bytesOf(parent.image()));
+    makeGrading(settings).apply(sub, sub);
+    EXPECT_EQ((Bytes{102, 1, 2, 3, 204, 4, 5, 6}), getBytes(parent.image()));
 }
 
 TEST(GradingKernelTest, ImagesWithoutPixelsAreLeftAlone) {
@@ -517,7 +517,7 @@ TEST(GradingKernelTest, UnknownFormatsAreLeftAlone) {
             GuardedImage strange(4, 3, unknown, {4, 16});
             ColorGrading().apply(strange.image(), known.image());
             ColorGrading().apply(known.image(), strange.image());
-            EXPECT_EQ(GuardedImage(4, 3, format).memory(), known.memory()) << nameOf(format);
+            EXPECT_EQ(GuardedImage(4, 3, format).memory(), known.memory()) << getName(format);
             EXPECT_TRUE(strange.guardsIntact());
         }
     }

@@ -66,8 +66,8 @@ TEST(ImageTest, FormatNumbersAreFixed) {
 TEST(ImageTest, PixelStrideFollowsTheFormat) {
     const std::size_t strides[] = {1, 1, 4, 3, 3, 12, 3, 4, 4, 16, 4};
     for (const Image::Format format : ALL_FORMATS) {
-        EXPECT_EQ(strides[format], Image(2, 2, format, 1).getBytePixelStride()) << nameOf(format);
-        EXPECT_EQ(strides[format], Image(nullptr, 2, 2, format, 0).getBytePixelStride()) << nameOf(format);
+        EXPECT_EQ(strides[format], Image(2, 2, format, 1).getBytePixelStride()) << getName(format);
+        EXPECT_EQ(strides[format], Image(nullptr, 2, 2, format, 0).getBytePixelStride()) << getName(format);
     }
 }
 
@@ -85,7 +85,7 @@ TEST(ImageTest, UnknownFormatHasNoPixelStride) {
 
 TEST(ImageTest, BlueComesFirstInTwoFormats) {
     for (const Image::Format format : ALL_FORMATS) {
-        EXPECT_EQ(format == Image::SBGR8 || format == Image::SBGRA8, Image(1, 1, format, 1).isBGR()) << nameOf(format);
+        EXPECT_EQ(format == Image::SBGR8 || format == Image::SBGRA8, Image(1, 1, format, 1).isBGR()) << getName(format);
     }
     for (const Image::Format format : UNKNOWN_FORMATS) {
         EXPECT_FALSE(Image(1, 1, format, 1).isBGR());
@@ -95,7 +95,7 @@ TEST(ImageTest, BlueComesFirstInTwoFormats) {
 TEST(ImageTest, ThreeFormatsHoldFloats) {
     for (const Image::Format format : ALL_FORMATS) {
         const bool isFloat = format == Image::GRAY32F || format == Image::RGB32F || format == Image::RGBA32F;
-        EXPECT_EQ(isFloat, Image(1, 1, format, 1).hasFloatFormat()) << nameOf(format);
+        EXPECT_EQ(isFloat, Image(1, 1, format, 1).hasFloatFormat()) << getName(format);
     }
     for (const Image::Format format : UNKNOWN_FORMATS) {
         EXPECT_FALSE(Image(1, 1, format, 1).hasFloatFormat());
@@ -161,7 +161,7 @@ TEST(ImageTest, AddressesFollowTheStrides) {
 TEST(ImageTest, OwnedPixelsAreWritable) {
     for (const Image::Format format : ALL_FORMATS) {
         const Image image(7, 5, format, 16);
-        fillRandom(surfaceOf(image), 1);
+        fillRandom(getSurface(image), 1);
         EXPECT_EQ(0U, image.getByteRowStride() % 16);
     }
 }
@@ -186,7 +186,7 @@ TEST(ImageTest, EmptySizesKeepTheirOtherSide) {
 
 TEST(ImageTest, CopyIsAViewOfTheSamePixels) {
     const Image original(3, 2, Image::RGB8, 4);
-    fillRandom(surfaceOf(original), 2);
+    fillRandom(getSurface(original), 2);
     const auto* first = static_cast<const unsigned char*>(original.getDataPtr());
     const unsigned char before = *first;
     {
@@ -281,7 +281,7 @@ TEST(ImageTest, CopyFromMovesPixelsBetweenRowStrides) {
         fillRandom(source.surface(), 3);
         target.image().copyFrom(source.image());
         EXPECT_TRUE(samePixels(target.image(), source.image()));
-        EXPECT_TRUE(target.guardsIntact()) << nameOf(format);
+        EXPECT_TRUE(target.guardsIntact()) << getName(format);
     }
 }
 
@@ -293,7 +293,7 @@ TEST(ImageTest, CopyFromAnotherFormatOrSizeLeavesTheTargetUnchanged) {
         if (format != Image::SRGB8) {
             GuardedImage other(4, 3, format);
             target.image().copyFrom(other.image());
-            EXPECT_EQ(before, target.memory()) << nameOf(format);
+            EXPECT_EQ(before, target.memory()) << getName(format);
         }
     }
     GuardedImage wider(5, 3, Image::SRGB8);

@@ -26,7 +26,7 @@ void forPaddedImages(Visit visit) {
     for (const Image::Format format : ALL_FORMATS) {
         for (const std::size_t width : SIDES) {
             for (const std::size_t height : SIDES) {
-                SCOPED_TRACE(nameOf(format) + " " + std::to_string(width) + " x " + std::to_string(height));
+                SCOPED_TRACE(getName(format) + " " + std::to_string(width) + " x " + std::to_string(height));
                 GuardedImage image(width, height, format, {0, 12});
                 fillRandom(image.surface(), width * 100 + height);
                 visit(image);
@@ -50,7 +50,7 @@ void expectTurn(Turn turn, Rule rule, bool swapsSides) {
 
         ASSERT_NE(nullptr, turned);
         EXPECT_EQ(width * oracle::pixelSize(image.image().getFormat()), turned->getByteRowStride());
-        EXPECT_TRUE(samePixels(surfaceOf(*turned), expected.surface));
+        EXPECT_TRUE(samePixels(getSurface(*turned), expected.surface));
         EXPECT_EQ(before, image.memory()) << "the source changed";
     });
 }
@@ -73,19 +73,19 @@ void expectFlip(void (Image::*flip)(), Rule rule) {
 TEST(ImageTurnTest, FlipHorizontalSwapsLeftAndRight) {
     BytePicture picture(Image::GRAY8, 2, {1, 2, 3, 4, 5, 6});
     picture.image().flipHorizontal();
-    EXPECT_EQ((Bytes{3, 2, 1, 6, 5, 4}), bytesOf(picture.image()));
+    EXPECT_EQ((Bytes{3, 2, 1, 6, 5, 4}), getBytes(picture.image()));
 }
 
 TEST(ImageTurnTest, FlipVerticalSwapsTopAndBottom) {
     BytePicture picture(Image::GRAY8, 3, {1, 2, 3, 4, 5, 6});
     picture.image().flipVertical();
-    EXPECT_EQ((Bytes{5, 6, 3, 4, 1, 2}), bytesOf(picture.image()));
+    EXPECT_EQ((Bytes{5, 6, 3, 4, 1, 2}), getBytes(picture.image()));
 }
 
 TEST(ImageTurnTest, FlipHorizontalKeepsTheBytesOfAPixelInOrder) {
     BytePicture picture(Image::SBGR8, 1, {1, 2, 3, 4, 5, 6});
     picture.image().flipHorizontal();
-    EXPECT_EQ((Bytes{4, 5, 6, 1, 2, 3}), bytesOf(picture.image()));
+    EXPECT_EQ((Bytes{4, 5, 6, 1, 2, 3}), getBytes(picture.image()));
 }
 
 TEST(ImageTurnTest, RotateClockwiseMovesTopLeftToTopRight) {
@@ -93,17 +93,17 @@ TEST(ImageTurnTest, RotateClockwiseMovesTopLeftToTopRight) {
     const std::shared_ptr<Image> turned = picture.image().rotate90();
     EXPECT_EQ(2U, turned->getWidth());
     EXPECT_EQ(3U, turned->getHeight());
-    EXPECT_EQ((Bytes{4, 1, 5, 2, 6, 3}), bytesOf(*turned));
+    EXPECT_EQ((Bytes{4, 1, 5, 2, 6, 3}), getBytes(*turned));
 }
 
 TEST(ImageTurnTest, RotateCounterClockwiseMovesTopLeftToBottomLeft) {
     BytePicture picture(Image::GRAY8, 2, {1, 2, 3, 4, 5, 6});
-    EXPECT_EQ((Bytes{3, 6, 2, 5, 1, 4}), bytesOf(*picture.image().rotate270()));
+    EXPECT_EQ((Bytes{3, 6, 2, 5, 1, 4}), getBytes(*picture.image().rotate270()));
 }
 
 TEST(ImageTurnTest, RotateByHalfMovesTopLeftToBottomRight) {
     BytePicture picture(Image::GRAY8, 2, {1, 2, 3, 4, 5, 6});
-    EXPECT_EQ((Bytes{6, 5, 4, 3, 2, 1}), bytesOf(*picture.image().rotate180()));
+    EXPECT_EQ((Bytes{6, 5, 4, 3, 2, 1}), getBytes(*picture.image().rotate180()));
 }
 
 TEST(ImageTurnTest, FlipHorizontalInEveryFormatAndSize) {
@@ -141,9 +141,9 @@ TEST(ImageTurnTest, LargePicturesTurnAcrossAllTheirBlocks) {
         fillRandom(image.surface(), 10);
         oracle::Picture expected(203, 301, format);
         oracle::turnClockwise(image.surface(), expected.surface);
-        EXPECT_TRUE(samePixels(surfaceOf(*image.image().rotate90()), expected.surface));
+        EXPECT_TRUE(samePixels(getSurface(*image.image().rotate90()), expected.surface));
         oracle::turnCounterClockwise(image.surface(), expected.surface);
-        EXPECT_TRUE(samePixels(surfaceOf(*image.image().rotate270()), expected.surface));
+        EXPECT_TRUE(samePixels(getSurface(*image.image().rotate270()), expected.surface));
     }
 }
 
@@ -151,7 +151,7 @@ TEST(ImageTurnTest, SubImageFlipsStepByThePixelSizeNotTheStride) {
     BytePicture parent(Image::RGBA8, 1, {1, 2, 3, 4, 5, 6, 7, 8});
     Image sub = parent.image().getSubImage(0, 0, 2, 1); // reports one-byte pixels, four bytes apart
     sub.flipHorizontal();
-    EXPECT_EQ((Bytes{2, 1, 3, 4, 5, 6, 7, 8}), bytesOf(parent.image()));
+    EXPECT_EQ((Bytes{2, 1, 3, 4, 5, 6, 7, 8}), getBytes(parent.image()));
 }
 
 TEST(ImageTurnTest, SubImageRotationsReadPackedPixels) {
@@ -159,7 +159,7 @@ TEST(ImageTurnTest, SubImageRotationsReadPackedPixels) {
     const Image sub = parent.image().getSubImage(0, 0, 2, 2);
     const std::shared_ptr<Image> turned = sub.rotate90();
     EXPECT_EQ(Image::GRAY8, turned->getFormat());
-    EXPECT_EQ((Bytes{11, 1, 12, 2}), bytesOf(*turned));
+    EXPECT_EQ((Bytes{11, 1, 12, 2}), getBytes(*turned));
 }
 
 TEST(ImageTurnTest, UnknownFormatsAreNotFlipped) {

@@ -31,47 +31,47 @@ void expectInversion(GuardedImage& image, unsigned mask) {
     oracle::invert(expected.surface(), mask);
     image.image().invert(static_cast<Channel>(mask));
     EXPECT_TRUE(samePixels(image.image(), expected.image())) << "mask " << mask;
-    EXPECT_TRUE(image.guardsIntact()) << nameOf(image.image().getFormat()) << " mask " << mask;
+    EXPECT_TRUE(image.guardsIntact()) << getName(image.image().getFormat()) << " mask " << mask;
 }
 
 TEST(InvertTest, RedChangesOnlyTheFirstByteOfRgba) {
     BytePicture picture(Image::RGBA8, 1, {10, 20, 30, 40});
     picture.image().invert(zqx::img::Red);
-    EXPECT_EQ((Bytes{245, 20, 30, 40}), bytesOf(picture.image()));
+    EXPECT_EQ((Bytes{245, 20, 30, 40}), getBytes(picture.image()));
 }
 
 TEST(InvertTest, RedIsTheThirdByteOfBgra) {
     BytePicture picture(Image::SBGRA8, 1, {10, 20, 0, 40});
     picture.image().invert(zqx::img::Red);
-    EXPECT_EQ((Bytes{10, 20, 255, 40}), bytesOf(picture.image()));
+    EXPECT_EQ((Bytes{10, 20, 255, 40}), getBytes(picture.image()));
 }
 
 TEST(InvertTest, BlueIsTheFirstByteOfBgr) {
     BytePicture picture(Image::SBGR8, 1, {255, 20, 30});
     picture.image().invert(zqx::img::Blue);
-    EXPECT_EQ((Bytes{0, 20, 30}), bytesOf(picture.image()));
+    EXPECT_EQ((Bytes{0, 20, 30}), getBytes(picture.image()));
 }
 
 TEST(InvertTest, FloatsAreNotLimited) {
     FloatPicture picture(Image::RGBA32F, 1, {1.5F, -0.5F, 0.25F, 0.75F});
     picture.image().invert(zqx::img::Red);
-    EXPECT_EQ((std::vector<float>{-0.5F, -0.5F, 0.25F, 0.75F}), floatsOf(picture.image()));
+    EXPECT_EQ((std::vector<float>{-0.5F, -0.5F, 0.25F, 0.75F}), getFloats(picture.image()));
 }
 
 TEST(InvertTest, EncodedMidGreyIsNotTheComplementOfItsByte) {
     BytePicture picture(Image::SGRAY8, 1, {128});
     picture.image().invert(zqx::img::Red);
     // 1 - 0.21952 = 0.78048, encoded: 255 * 0.78048^(1/2.2) = 227.8
-    EXPECT_EQ((Bytes{227}), bytesOf(picture.image()));
+    EXPECT_EQ((Bytes{227}), getBytes(picture.image()));
 }
 
 TEST(InvertTest, AlphaIsInvertedOnlyWhenAskedAndIsLinear) {
     BytePicture kept(Image::SRGBA8, 1, {0, 0, 0, 100});
     kept.image().invert(COLOURS);
-    EXPECT_EQ((Bytes{255, 255, 255, 100}), bytesOf(kept.image()));
+    EXPECT_EQ((Bytes{255, 255, 255, 100}), getBytes(kept.image()));
     BytePicture inverted(Image::SRGBA8, 1, {9, 8, 7, 100});
     inverted.image().invert(zqx::img::Alpha);
-    EXPECT_EQ((Bytes{9, 8, 7, 155}), bytesOf(inverted.image()));
+    EXPECT_EQ((Bytes{9, 8, 7, 155}), getBytes(inverted.image()));
 }
 
 TEST(InvertTest, EveryFormatUnderEveryMask) {
@@ -108,7 +108,7 @@ TEST(InvertTest, StepsByTheStridesOfTheImage) {
 TEST(InvertTest, SubImageInvertsTheFirstByteOfEachPixel) {
     BytePicture parent(Image::RGBA8, 1, {1, 2, 3, 4, 5, 6, 7, 8});
     parent.image().getSubImage(0, 0, 2, 1).invert(static_cast<Channel>(15));
-    EXPECT_EQ((Bytes{254, 2, 3, 4, 250, 6, 7, 8}), bytesOf(parent.image()));
+    EXPECT_EQ((Bytes{254, 2, 3, 4, 250, 6, 7, 8}), getBytes(parent.image()));
 }
 
 TEST(InvertTest, ImagesWithoutPixelsAreLeftAlone) {

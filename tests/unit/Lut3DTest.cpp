@@ -45,7 +45,7 @@ std::vector<unsigned char> byteTable(const ColorGrading& grading, std::size_t si
 
 void expectExactTables(const NamedSettings& set, std::size_t size) {
     SCOPED_TRACE(set.name + ", size " + std::to_string(size));
-    const ColorGrading grading = gradingOf(set.settings);
+    const ColorGrading grading = makeGrading(set.settings);
     const oracle::Prepared prepared = oracle::prepare(set.settings);
     const std::vector<float> floats = floatTable(grading, size);
     const std::vector<float> expected = oracle::floatTable(prepared, size);
@@ -124,7 +124,7 @@ TEST(Lut3DTest, FloatTablesWithContrastOrHueStayInRange) {
     for (const NamedSettings& set : curvedSettings()) {
         SCOPED_TRACE(set.name);
         const oracle::Prepared prepared = oracle::prepare(set.settings);
-        const std::vector<float> table = floatTable(gradingOf(set.settings), 9);
+        const std::vector<float> table = floatTable(makeGrading(set.settings), 9);
         oracle::forLattice(9, [&](std::size_t entry, float r, float g, float b) {
             const std::array<ChannelRange, 3> ranges = gradeRanges(prepared, {r, g, b, 1.0F});
             for (std::size_t i = 0; i < 3; ++i) {
@@ -140,7 +140,7 @@ TEST(Lut3DTest, ByteTablesWithContrastOrHueStayInRange) {
     for (const NamedSettings& set : curvedSettings()) {
         SCOPED_TRACE(set.name);
         const oracle::Prepared prepared = oracle::prepare(set.settings);
-        const std::vector<unsigned char> table = byteTable(gradingOf(set.settings), 17);
+        const std::vector<unsigned char> table = byteTable(makeGrading(set.settings), 17);
         const std::vector<unsigned char> expected = oracle::byteTable(prepared, 17);
         ByteTally tally;
         oracle::forLattice(17, [&](std::size_t entry, float r, float g, float b) {

@@ -54,19 +54,19 @@ std::string caseName(const testing::TestParamInfo<Parameter>& tested) {
 
 INSTANTIATE_TEST_SUITE_P(Table, EveryParameterTest, testing::ValuesIn(PARAMETERS), caseName);
 
-std::vector<Parameter> parametersOf(Kind kind) {
+std::vector<Parameter> getParameters(Kind kind) {
     std::vector<Parameter> found;
     std::ranges::copy_if(PARAMETERS, std::back_inserter(found), [kind](const Parameter& p) { return p.kind == kind; });
     return found;
 }
 
 using EveryNumberTest = EveryParameterTest;
-INSTANTIATE_TEST_SUITE_P(Table, EveryNumberTest, testing::ValuesIn(parametersOf(Kind::NUMBER)), caseName);
+INSTANTIATE_TEST_SUITE_P(Table, EveryNumberTest, testing::ValuesIn(getParameters(Kind::NUMBER)), caseName);
 
 using EverySwitchTest = EveryParameterTest;
-INSTANTIATE_TEST_SUITE_P(Table, EverySwitchTest, testing::ValuesIn(parametersOf(Kind::SWITCH)), caseName);
+INSTANTIATE_TEST_SUITE_P(Table, EverySwitchTest, testing::ValuesIn(getParameters(Kind::SWITCH)), caseName);
 
-std::string contentOf(const char* path) {
+std::string getContent(const char* path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
@@ -77,7 +77,7 @@ std::string number(float value) {
 }
 
 /// "-5 to 5 stops"
-std::string rangeOf(const Parameter& parameter) {
+std::string formatRange(const Parameter& parameter) {
     return number(parameter.minimum) + " to " + number(parameter.maximum) +
            (parameter.unit.empty() ? "" : " " + std::string(parameter.unit));
 }
@@ -181,7 +181,7 @@ TEST(ParametersTest, TableIsKnownToTheCompiler) {
 }
 
 TEST(ParametersTest, GuideNamesRangesAndNeutralValuesAsTheyAre) {
-    const std::string guide = contentOf(ZQX_GUIDE);
+    const std::string guide = getContent(ZQX_GUIDE);
     ASSERT_FALSE(guide.empty());
     std::size_t named = 0;
     for (const Parameter& parameter : PARAMETERS) {
@@ -191,18 +191,18 @@ TEST(ParametersTest, GuideNamesRangesAndNeutralValuesAsTheyAre) {
         }
         ++named;
         const std::string said = guide.substr(place, 100);
-        EXPECT_NE(said.find("`, " + rangeOf(parameter) + ","), std::string::npos) << said;
+        EXPECT_NE(said.find("`, " + formatRange(parameter) + ","), std::string::npos) << said;
         EXPECT_NE(said.find("neutral " + number(parameter.neutral[0])), std::string::npos) << said;
     }
     EXPECT_EQ(named, 9U);
 }
 
 TEST(ParametersTest, DocumentGuideHasARowForEveryNumber) {
-    const std::string guide = contentOf(ZQX_PARAMETER_GUIDE);
+    const std::string guide = getContent(ZQX_PARAMETER_GUIDE);
     for (const Parameter& parameter : PARAMETERS) {
         if (parameter.kind == Kind::NUMBER) {
-            const std::string row = "." + std::string(parameter.member()) + "` | " + rangeOf(parameter) + " |";
-            const std::string bare = "| `" + std::string(parameter.member()) + "` | " + rangeOf(parameter) + " |";
+            const std::string row = "." + std::string(parameter.member()) + "` | " + formatRange(parameter) + " |";
+            const std::string bare = "| `" + std::string(parameter.member()) + "` | " + formatRange(parameter) + " |";
             EXPECT_TRUE(guide.find(row) != std::string::npos || guide.find(bare) != std::string::npos) << row;
         }
     }

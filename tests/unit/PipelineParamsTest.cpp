@@ -60,7 +60,7 @@ Pipeline colourful() {
     pipeline.setSharpness(-0.3F);
     pipeline.setFlipHorizontal(1);
     pipeline.setFlipVertical(1);
-    pipeline.setColorGrading(gradingOf(
+    pipeline.setColorGrading(makeGrading(
         {0.1F, 0.6F, -0.7F, 0.9F, 4321.0F, -33.3F, 1.7F, 0.2F, {{0.1F, -0.2F, 0.3F, 0.4F}, {5.5F, 0.6F, 0.7F, 0.8F}}}));
     return pipeline;
 }
@@ -80,7 +80,7 @@ Pipeline loaded(const std::string& text) {
     return pipeline;
 }
 
-float sharpnessOf(Pipeline pipeline) {
+float measureSharpness(Pipeline pipeline) {
     float sharpness = 99.0F;
     pipeline.getSharpness(&sharpness);
     return sharpness;
@@ -161,7 +161,7 @@ TEST(PipelineParamsTest, SavedParametersAreRestoredExactly) {
     Pipeline restored(65535);
     EXPECT_TRUE(restored.loadParams(colourful().saveParams()));
     EXPECT_EQ(0, restored.getColorGrading().compare(colourful().getColorGrading()));
-    EXPECT_EQ(-0.3F, sharpnessOf(restored));
+    EXPECT_EQ(-0.3F, measureSharpness(restored));
     EXPECT_TRUE(isInverting(restored));
     EXPECT_TRUE(flipsX(restored));
     EXPECT_TRUE(flipsY(restored));
@@ -172,22 +172,22 @@ TEST(PipelineParamsTest, RandomParametersAreRestoredExactly) {
     Random random(60);
     for (int round = 0; round < 300; ++round) {
         Pipeline pipeline(0);
-        pipeline.setColorGrading(gradingOf({random.between(-5, 5),
-                                            random.unit(),
-                                            random.between(-1, 8),
-                                            random.between(-8, 1),
-                                            random.between(2500, 10500),
-                                            random.between(-180, 180),
-                                            random.between(0, 2),
-                                            random.unit(),
-                                            {{random.unit(), random.between(-9, 9), random.unit() * 1e-30F, 1.0F},
-                                             {random.unit(), random.between(-1e30F, 1e30F), random.unit(), 0.5F}}}));
+        pipeline.setColorGrading(makeGrading({random.between(-5, 5),
+                                              random.unit(),
+                                              random.between(-1, 8),
+                                              random.between(-8, 1),
+                                              random.between(2500, 10500),
+                                              random.between(-180, 180),
+                                              random.between(0, 2),
+                                              random.unit(),
+                                              {{random.unit(), random.between(-9, 9), random.unit() * 1e-30F, 1.0F},
+                                               {random.unit(), random.between(-1e30F, 1e30F), random.unit(), 0.5F}}}));
         pipeline.setSharpness(random.between(-1, 1));
         pipeline.setFlipVertical(round % 2);
         Pipeline restored = colourful();
         ASSERT_TRUE(restored.loadParams(pipeline.saveParams()));
         EXPECT_EQ(0, restored.getColorGrading().compare(pipeline.getColorGrading())) << pipeline.saveParams();
-        EXPECT_EQ(sharpnessOf(pipeline), sharpnessOf(restored));
+        EXPECT_EQ(measureSharpness(pipeline), measureSharpness(restored));
         EXPECT_EQ(flipsY(pipeline), flipsY(restored));
         EXPECT_FALSE(flipsX(restored));
     }
@@ -228,7 +228,7 @@ TEST(PipelineParamsTest, MissingMembersBecomeDefaultsNotPreviousValues) {
     EXPECT_TRUE(flipsX(pipeline));
     EXPECT_FALSE(flipsY(pipeline));
     EXPECT_FALSE(isInverting(pipeline));
-    EXPECT_EQ(0.0F, sharpnessOf(pipeline));
+    EXPECT_EQ(0.0F, measureSharpness(pipeline));
     EXPECT_EQ(0, pipeline.getColorGrading().compare(ColorGrading()));
 }
 
@@ -242,7 +242,7 @@ TEST(PipelineParamsTest, MissingGradingMembersBecomeDefaults) {
 TEST(PipelineParamsTest, IntegersAreNumbersToo) {
     const Pipeline pipeline = loaded(document(R"("sharpness": -1, "colorGrading": {"exposure": 2, "temperature": 7000,
                     "gradientMap": {"intensity": 1, "black": [1, 0, 0, 1], "white": [0, 2, 0, 1]}})"));
-    EXPECT_EQ(-1.0F, sharpnessOf(pipeline));
+    EXPECT_EQ(-1.0F, measureSharpness(pipeline));
     EXPECT_EQ(2.0F, pipeline.getColorGrading().getExposure());
     EXPECT_EQ(7000.0F, pipeline.getColorGrading().getTemperature());
     EXPECT_EQ(1.0F, pipeline.getColorGrading().getGradientMapIntensity());
@@ -251,8 +251,8 @@ TEST(PipelineParamsTest, IntegersAreNumbersToo) {
 }
 
 TEST(PipelineParamsTest, SharpnessOutsideItsRangeIsLimited) {
-    EXPECT_EQ(1.0F, sharpnessOf(loaded(document(R"("sharpness": 4)"))));
-    EXPECT_EQ(-1.0F, sharpnessOf(loaded(document(R"("sharpness": -1.5)"))));
+    EXPECT_EQ(1.0F, measureSharpness(loaded(document(R"("sharpness": 4)"))));
+    EXPECT_EQ(-1.0F, measureSharpness(loaded(document(R"("sharpness": -1.5)"))));
 }
 
 TEST(PipelineParamsTest, ValuesBelowTheirRangeAreLimited) {
@@ -342,7 +342,7 @@ TEST(PipelineParamsTest, UnknownMembersAreIgnored) {
 TEST(PipelineParamsTest, OrderOfMembersDoesNotMatter) {
     const Pipeline pipeline = loaded(R"({"imageProcessing": {"flipY": true, "sharpness": 0.5, "version": 1}})");
     EXPECT_TRUE(flipsY(pipeline));
-    EXPECT_EQ(0.5F, sharpnessOf(pipeline));
+    EXPECT_EQ(0.5F, measureSharpness(pipeline));
 }
 
 TEST(PipelineParamsTest, OtherVersionsAreRejected) {

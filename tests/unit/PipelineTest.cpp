@@ -43,12 +43,12 @@ struct Look {
     bool flipY = false;
 };
 
-Pipeline pipelineOf(const Look& look, const Image& source) {
+Pipeline getPipeline(const Look& look, const Image& source) {
     Pipeline pipeline(look.stages);
     pipeline.setInputImage(std::make_shared<Image>(source));
     pipeline.setInversionEnabled(look.invert ? 1 : 0);
     pipeline.setInversionChannels(static_cast<Channel>(look.channels));
-    pipeline.setColorGrading(gradingOf(look.grading));
+    pipeline.setColorGrading(makeGrading(look.grading));
     pipeline.setSharpness(look.sharpness);
     pipeline.setFlipHorizontal(look.flipX ? 1 : 0);
     pipeline.setFlipVertical(look.flipY ? 1 : 0);
@@ -114,7 +114,7 @@ void renderLiterally(const Look& look, oracle::Surface current, const oracle::Su
 void expectLook(const Look& look) {
     ByteTally tally;
     forAllPairs([&](Image::Format from, Image::Format to) {
-        SCOPED_TRACE(nameOf(from, to));
+        SCOPED_TRACE(getName(from, to));
         GuardedImage source(35, 14, from, {0, 8});
         fillPhoto(source.surface(), from * 16 + to);
         const std::vector<unsigned char> before = source.memory();
@@ -122,7 +122,7 @@ void expectLook(const Look& look) {
         renderLiterally(look, source.surface(), expected.surface);
         GuardedImage out(35, 14, to, {0, oracle::facts(to).isFloat ? 0U : 6U});
 
-        pipelineOf(look, source.image()).execute(out.image());
+        getPipeline(look, source.image()).execute(out.image());
 
         if (look.sharpness == 0.0F) {
             EXPECT_TRUE(samePixels(out.surface(), expected.surface));
@@ -151,8 +151,8 @@ Bytes rendered(const Look& look, std::initializer_list<unsigned char> greys) {
     BytePicture source(Image::GRAY8, 1, greys);
     const Image out(greys.size(), 1, Image::GRAY8, 1);
     Image view(out);
-    pipelineOf(look, source.image()).execute(view);
-    return bytesOf(out);
+    getPipeline(look, source.image()).execute(view);
+    return getBytes(out);
 }
 
 TEST(PipelineTest, StageBitsAreFixed) {
@@ -249,7 +249,7 @@ TEST(PipelineTest, EachParameterMakesItNotDefault) {
     pipeline.setFlipVertical(1);
     EXPECT_FALSE(pipeline.hasDefaultParams());
     pipeline.resetParams();
-    pipeline.setColorGrading(gradingOf(warmGrading()));
+    pipeline.setColorGrading(makeGrading(warmGrading()));
     EXPECT_FALSE(pipeline.hasDefaultParams());
     pipeline.resetParams();
     EXPECT_TRUE(pipeline.hasDefaultParams());
@@ -263,10 +263,10 @@ TEST(PipelineTest, ChannelsAndStagesDoNotMakeItNotDefault) {
 
 TEST(PipelineTest, ResetKeepsChannelsStagesAndSource) {
     BytePicture source(Image::GRAY8, 1, {7});
-    Pipeline pipeline = pipelineOf({}, source.image());
+    Pipeline pipeline = getPipeline({}, source.image());
     pipeline.setInversionChannels(static_cast<Channel>(9));
     pipeline.setActiveStages(3);
-    pipeline.setColorGrading(gradingOf(warmGrading()));
+    pipeline.setColorGrading(makeGrading(warmGrading()));
     pipeline.resetParams();
     int stages = 0;
     pipeline.getActiveStages(&stages);
@@ -275,7 +275,7 @@ TEST(PipelineTest, ResetKeepsChannelsStagesAndSource) {
     EXPECT_EQ(0, pipeline.getColorGrading().compare(zqx::img::ColorGrading()));
     BytePicture out(Image::GRAY8, 1, {0});
     pipeline.execute(out.image());
-    EXPECT_EQ((Bytes{7}), bytesOf(out.image()));
+    EXPECT_EQ((Bytes{7}), getBytes(out.image()));
 }
 
 TEST(PipelineTest, CopiesShareTheSource) {
@@ -310,7 +310,7 @@ TEST(PipelineTest, AnotherSizeLeavesTheDestinationUntouched) {
         for (const float sharpness : {-1.0F, 0.0F, 1.0F}) {
             look.sharpness = sharpness;
             GuardedImage out(width, height, Image::RGB8);
-            pipelineOf(look, source.image()).execute(out.image());
+            getPipeline(look, source.image()).execute(out.image());
             EXPECT_EQ(GuardedImage(width, height, Image::RGB8).memory(), out.memory());
         }
     }
@@ -331,7 +331,7 @@ TEST(PipelineTest, WithoutStagesAnEncodedPictureIsCopiedExactly) {
     GuardedImage source(256, 1, Image::SRGB8);
     fillSweep(source.surface());
     GuardedImage out(256, 1, Image::SRGB8);
-    pipelineOf({0, false, 7, {}, 0.0F, false, false}, source.image()).execute(out.image());
+    getPipeline({0, false, 7, {}, 0.0F, false, false}, source.image()).execute(out.image());
     EXPECT_TRUE(samePixels(out.image(), source.image()));
 }
 
@@ -344,8 +344,8 @@ TEST(PipelineTest, InversionNeedsItsBitAndItsSwitch) {
 TEST(PipelineTest, InversionActsOnItsChannels) {
     BytePicture source(Image::RGBA8, 1, {10, 20, 30, 40});
     BytePicture out(Image::RGBA8, 1, {0, 0, 0, 0});
-    pipelineOf({1, true, 9, {}, 0.0F, false, false}, source.image()).execute(out.image());
-    EXPECT_EQ((Bytes{245, 20, 30, 215}), bytesOf(out.image()));
+    getPipeline({1, true, 9, {}, 0.0F, false, false}, source.image()).execute(out.image());
+    EXPECT_EQ((Bytes{245, 20, 30, 215}), getBytes(out.image()));
 }
 
 TEST(PipelineTest, InversionInEveryPairOfFormats) {
@@ -362,7 +362,7 @@ TEST(PipelineTest, NeutralGradingRunsAllTheSame) {
     GuardedImage source(256, 1, Image::SRGB8);
     fillSweep(source.surface());
     GuardedImage out(256, 1, Image::SRGB8);
-    pipelineOf({2, false, 7, {}, 0.0F, false, false}, source.image()).execute(out.image());
+    getPipeline({2, false, 7, {}, 0.0F, false, false}, source.image()).execute(out.image());
     EXPECT_FALSE(samePixels(out.image(), source.image())) << "the way over luma and back truncates some codes";
 }
 
@@ -396,7 +396,7 @@ TEST(PipelineTest, BothFlipsTurnByHalf) {
     GuardedImage source(9, 5, Image::SBGR8);
     fillRandom(source.surface(), 50);
     GuardedImage out(9, 5, Image::SBGR8);
-    pipelineOf({16, false, 7, {}, 0.0F, true, true}, source.image()).execute(out.image());
+    getPipeline({16, false, 7, {}, 0.0F, true, true}, source.image()).execute(out.image());
     EXPECT_TRUE(samePixels(out.image(), *source.image().rotate180()));
 }
 
@@ -416,7 +416,7 @@ TEST(PipelineTest, ExecutionChangesNothingInThePipeline) {
     GuardedImage source(9, 5, Image::RGB8);
     fillPhoto(source.surface(), 51);
     Look look{ALL_STAGES, true, 7, warmGrading(), 0.5F, true, true};
-    const Pipeline pipeline = pipelineOf(look, source.image());
+    const Pipeline pipeline = getPipeline(look, source.image());
     GuardedImage first(9, 5, Image::SRGB8);
     GuardedImage second(9, 5, Image::SRGB8);
     pipeline.execute(first.image());
@@ -426,12 +426,12 @@ TEST(PipelineTest, ExecutionChangesNothingInThePipeline) {
 
 TEST(PipelineTest, ChangedSourcePixelsAreSeenByTheNextExecution) {
     BytePicture source(Image::GRAY8, 1, {10});
-    const Pipeline pipeline = pipelineOf({0, false, 7, {}, 0.0F, false, false}, source.image());
+    const Pipeline pipeline = getPipeline({0, false, 7, {}, 0.0F, false, false}, source.image());
     BytePicture out(Image::GRAY8, 1, {0});
     pipeline.execute(out.image());
     *static_cast<unsigned char*>(source.image().getDataPtr()) = 20;
     pipeline.execute(out.image());
-    EXPECT_EQ((Bytes{20}), bytesOf(out.image()));
+    EXPECT_EQ((Bytes{20}), getBytes(out.image()));
 }
 
 TEST(PipelineTest, ImagesWithoutPixelsAreLeftAlone) {
@@ -440,7 +440,7 @@ TEST(PipelineTest, ImagesWithoutPixelsAreLeftAlone) {
         for (const auto& [width, height] : {std::pair<std::size_t, std::size_t>{0, 3}, {3, 0}, {0, 0}}) {
             GuardedImage source(width, height, Image::SRGBA8);
             GuardedImage out(width, height, format);
-            pipelineOf(look, source.image()).execute(out.image());
+            getPipeline(look, source.image()).execute(out.image());
             EXPECT_TRUE(out.guardsIntact());
         }
     }
@@ -452,7 +452,7 @@ TEST(PipelineTest, UnknownFormatsWriteNothing) {
         GuardedImage strange(4, 3, unknown, {4, 16});
         GuardedImage known(4, 3, Image::RGB8);
         fillPhoto(known.surface(), 52);
-        pipelineOf(look, known.image()).execute(strange.image());
+        getPipeline(look, known.image()).execute(strange.image());
         EXPECT_TRUE(strange.guardsIntact());
     }
 }

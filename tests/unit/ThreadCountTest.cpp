@@ -42,7 +42,7 @@ private:
 constexpr std::size_t WIDTH = 61;
 constexpr std::size_t HEIGHT = 47;
 
-Memory memoryOf(const Image& image) {
+Memory getMemory(const Image& image) {
     const auto* bytes = static_cast<const unsigned char*>(image.getDataPtr());
     return Memory(bytes, bytes + image.getHeight() * image.getByteRowStride());
 }
@@ -71,16 +71,16 @@ oracle::Settings everything() {
 
 TEST_F(ThreadCountTest, Conversion) {
     forAllPairs([](Image::Format from, Image::Format to) {
-        SCOPED_TRACE(nameOf(from, to));
+        SCOPED_TRACE(getName(from, to));
         expectSameBytes(
             [=] { return targetAfter(from, to, [](Image& source, Image& target) { target.convertFrom(source); }); });
     });
 }
 
 TEST_F(ThreadCountTest, Grading) {
-    const zqx::img::ColorGrading grading = gradingOf(everything());
+    const zqx::img::ColorGrading grading = makeGrading(everything());
     forAllPairs([&](Image::Format from, Image::Format to) {
-        SCOPED_TRACE(nameOf(from, to));
+        SCOPED_TRACE(getName(from, to));
         expectSameBytes([&] {
             return targetAfter(from, to, [&](Image& source, Image& target) { grading.apply(source, target); });
         });
@@ -90,7 +90,7 @@ TEST_F(ThreadCountTest, Grading) {
 TEST_F(ThreadCountTest, FloatTable) {
     expectSameBytes([] {
         std::vector<float> table(3 * 9 * 9 * 9);
-        gradingOf(everything()).generate3DLUT_RGB32F(9, table.data());
+        makeGrading(everything()).generate3DLUT_RGB32F(9, table.data());
         Memory bytes(table.size() * sizeof(float));
         std::memcpy(bytes.data(), table.data(), bytes.size());
         return bytes;
@@ -100,7 +100,7 @@ TEST_F(ThreadCountTest, FloatTable) {
 TEST_F(ThreadCountTest, ByteTable) {
     expectSameBytes([] {
         Memory table(3 * 9 * 9 * 9);
-        gradingOf(everything()).generate3DLUT_SRGB8(9, table.data());
+        makeGrading(everything()).generate3DLUT_SRGB8(9, table.data());
         return table;
     });
 }
@@ -118,9 +118,9 @@ TEST_F(ThreadCountTest, Turns) {
     for (const Image::Format format : ALL_FORMATS) {
         GuardedImage image(WIDTH, HEIGHT, format);
         fillRandom(image.surface(), 72);
-        expectSameBytes([&] { return memoryOf(*image.image().rotate90()); });
-        expectSameBytes([&] { return memoryOf(*image.image().rotate180()); });
-        expectSameBytes([&] { return memoryOf(*image.image().rotate270()); });
+        expectSameBytes([&] { return getMemory(*image.image().rotate90()); });
+        expectSameBytes([&] { return getMemory(*image.image().rotate180()); });
+        expectSameBytes([&] { return getMemory(*image.image().rotate270()); });
         expectSameBytes([=] { return imageAfter(format, [](Image& turned) { turned.flipHorizontal(); }); });
         expectSameBytes([=] { return imageAfter(format, [](Image& turned) { turned.flipVertical(); }); });
     }
@@ -128,7 +128,7 @@ TEST_F(ThreadCountTest, Turns) {
 
 TEST_F(ThreadCountTest, Blur) {
     forAllPairs([](Image::Format from, Image::Format to) {
-        SCOPED_TRACE(nameOf(from, to));
+        SCOPED_TRACE(getName(from, to));
         expectSameBytes([=] {
             return targetAfter(from, to, [](Image& source, Image& target) {
                 zqx::img::GaussianBlur blur;
@@ -143,7 +143,7 @@ TEST_F(ThreadCountTest, Blur) {
 
 TEST_F(ThreadCountTest, Sharpening) {
     forAllPairs([](Image::Format from, Image::Format to) {
-        SCOPED_TRACE(nameOf(from, to));
+        SCOPED_TRACE(getName(from, to));
         expectSameBytes([=] {
             return targetAfter(from, to, [](Image& source, Image& target) {
                 zqx::img::Sharpen sharpen;
@@ -159,7 +159,7 @@ TEST_F(ThreadCountTest, Sharpening) {
 TEST_F(ThreadCountTest, Pipeline) {
     for (const float sharpness : {-0.5F, 0.0F, 0.5F}) {
         forAllPairs([=](Image::Format from, Image::Format to) {
-            SCOPED_TRACE(nameOf(from, to));
+            SCOPED_TRACE(getName(from, to));
             expectSameBytes([=] {
                 return targetAfter(from, to, [=](Image& source, Image& target) {
                     zqx::img::ImageProcessingPipeline pipeline(65535);
@@ -168,7 +168,7 @@ TEST_F(ThreadCountTest, Pipeline) {
                     pipeline.setSharpness(sharpness);
                     pipeline.setFlipHorizontal(1);
                     pipeline.setFlipVertical(1);
-                    pipeline.setColorGrading(gradingOf(everything()));
+                    pipeline.setColorGrading(makeGrading(everything()));
                     pipeline.execute(target);
                 });
             });

@@ -23,7 +23,7 @@ using zqx::img::Tile;
 
 using Pieces = std::vector<Piece>;
 
-Pieces columnsOf(const std::vector<Tile>& tiles) {
+Pieces getColumns(const std::vector<Tile>& tiles) {
     Pieces pieces;
     for (const Tile& tile : tiles) {
         pieces.push_back({tile.x, tile.width});
@@ -31,7 +31,7 @@ Pieces columnsOf(const std::vector<Tile>& tiles) {
     return pieces;
 }
 
-Pieces rowsOf(const std::vector<Tile>& tiles) {
+Pieces getRows(const std::vector<Tile>& tiles) {
     Pieces pieces;
     for (const Tile& tile : tiles) {
         pieces.push_back({tile.y, tile.height});
@@ -40,11 +40,11 @@ Pieces rowsOf(const std::vector<Tile>& tiles) {
 }
 
 Pieces splitWidth(std::size_t width, std::size_t size, std::size_t overlap) {
-    return columnsOf(Tile{0, 0, width, 1}.splitHorizontal(size, overlap));
+    return getColumns(Tile{0, 0, width, 1}.splitHorizontal(size, overlap));
 }
 
 Pieces splitHeight(std::size_t height, std::size_t size, std::size_t overlap) {
-    return rowsOf(Tile{0, 0, 1, height}.splitVertical(size, overlap));
+    return getRows(Tile{0, 0, 1, height}.splitVertical(size, overlap));
 }
 
 /// Both axes follow the same rule.

@@ -102,8 +102,8 @@ bool succeed(std::size_t, const Inputs&, Image&) {
 constexpr int KEY = 4;
 
 /// A surface with the pixel format of the whole picture, which the view of a region does not tell.
-Surface regionOf(const Image& view, Image::Format format) {
-    Surface surface = surfaceOf(view);
+Surface getRegion(const Image& view, Image::Format format) {
+    Surface surface = getSurface(view);
     surface.format = format;
     return surface;
 }
@@ -128,7 +128,7 @@ void shift(const Surface& source, const Surface& target, std::size_t number) {
 
 ProbeFilter::Operation shifting(Image::Format format) {
     return [format](std::size_t number, const Inputs& inputs, Image& output) {
-        shift(regionOf(inputs.at(KEY), format), regionOf(output, format), number);
+        shift(getRegion(inputs.at(KEY), format), getRegion(output, format), number);
         return true;
     };
 }
@@ -195,7 +195,7 @@ std::string describe(std::size_t width, std::size_t height, const Tiling& tiling
 }
 
 void expectLiteralRun(std::size_t width, std::size_t height, const Tiling& tiling, Image::Format format, Gaps gaps) {
-    SCOPED_TRACE(nameOf(format) + " " + describe(width, height, tiling));
+    SCOPED_TRACE(getName(format) + " " + describe(width, height, tiling));
     Scene scene(width, height, format, gaps);
     scene.expect(tiling);
     EXPECT_TRUE(scene.run(tiling));
@@ -219,7 +219,7 @@ std::vector<float> mergedRow(std::size_t width, std::size_t height, const Tiling
     FloatPicture picture(Image::RGB32F, height, std::vector<float>(3 * width * height, before));
     ProbeFilter filter(tiling, [&](std::size_t number, const Inputs&, Image& output) {
         fillElements(
-            surfaceOf(output), [](auto, auto, auto) { return static_cast<unsigned char>(0); },
+            getSurface(output), [](auto, auto, auto) { return static_cast<unsigned char>(0); },
             [&](auto, auto, auto) { return values.at(number); });
         return true;
     });
@@ -369,10 +369,10 @@ TEST(TiledFilterTest, InputsAreViewsOfTheTileUnderTheirKeys) {
         filter.setInput(0, albedo.image());
         filter.setOutput(output.image());
         EXPECT_TRUE(filter.execute());
-        const std::vector<Rectangle> tiles = oracle::tilesOf(13, 11, tiling);
+        const std::vector<Rectangle> tiles = oracle::getTiles(13, 11, tiling);
         ASSERT_EQ(tiles.size(), filter.calls.size());
         for (std::size_t i = 0; i < tiles.size(); ++i) {
-            const auto viewOf = [&](const Image& image) {
+            const auto getView = [&](const Image& image) {
                 return Seen{image.getPixelPtr(tiles[i].x, tiles[i].y),
                             tiles[i].width,
                             tiles[i].height,
@@ -381,9 +381,9 @@ TEST(TiledFilterTest, InputsAreViewsOfTheTileUnderTheirKeys) {
                             image.getByteRowStride()};
             };
             ASSERT_EQ(3U, filter.calls[i].inputs.size());
-            EXPECT_EQ(viewOf(photo.image()), filter.calls[i].inputs.at(-3));
-            EXPECT_EQ(viewOf(albedo.image()), filter.calls[i].inputs.at(0));
-            EXPECT_EQ(viewOf(depth.image()), filter.calls[i].inputs.at(7));
+            EXPECT_EQ(getView(photo.image()), filter.calls[i].inputs.at(-3));
+            EXPECT_EQ(getView(albedo.image()), filter.calls[i].inputs.at(0));
+            EXPECT_EQ(getView(depth.image()), filter.calls[i].inputs.at(7));
         }
     }
 }
@@ -396,7 +396,7 @@ TEST(TiledFilterTest, WithoutOverlapTheOutputIsAViewOfTheTile) {
         ProbeFilter filter(tiling, succeed);
         scene.give(filter);
         EXPECT_TRUE(filter.execute());
-        const std::vector<Rectangle> tiles = oracle::tilesOf(13, 11, tiling);
+        const std::vector<Rectangle> tiles = oracle::getTiles(13, 11, tiling);
         ASSERT_EQ(9U, tiles.size());
         ASSERT_EQ(9U, filter.calls.size());
         for (std::size_t i = 0; i < tiles.size(); ++i) {
@@ -415,13 +415,13 @@ TEST(TiledFilterTest, WithOverlapTheOutputIsOneBufferForAllTiles) {
     const std::pair<std::size_t, std::size_t> sizes[] = {{13, 11}, {13, 3}, {3, 11}};
     for (const auto& [width, height] : sizes) {
         for (const Image::Format format : ALL_FORMATS) {
-            SCOPED_TRACE(nameOf(format));
+            SCOPED_TRACE(getName(format));
             Scene scene(width, height, format, {0, 12});
             const Tiling tiling{5, 2, 1};
             ProbeFilter filter(tiling, succeed);
             scene.give(filter);
             EXPECT_TRUE(filter.execute());
-            const std::vector<Rectangle> tiles = oracle::tilesOf(width, height, tiling);
+            const std::vector<Rectangle> tiles = oracle::getTiles(width, height, tiling);
             ASSERT_EQ(tiles.size(), filter.calls.size());
             const void* const buffer = filter.calls[0].output.data;
             ASSERT_NE(nullptr, buffer);
@@ -436,17 +436,17 @@ TEST(TiledFilterTest, WithOverlapTheOutputIsOneBufferForAllTiles) {
 }
 
 TEST(TiledFilterTest, BufferStartsZeroedAndKeepsWhatItHeld) {
-    const auto sumOf = [](const Image& image) {
+    const auto getSum = [](const Image& image) {
         const auto* bytes = static_cast<const unsigned char*>(image.getDataPtr());
         return std::accumulate(bytes, bytes + image.getByteRowStride() * image.getHeight(), std::size_t{0});
     };
     std::vector<std::size_t> sums;
     ProbeFilter filter({4, 1, 0}, [&](std::size_t number, const Inputs&, Image& output) {
         if (number == 0) {
-            sums.push_back(sumOf(output));
+            sums.push_back(getSum(output));
         }
         fillElements(
-            surfaceOf(output), [](auto, auto, auto) { return static_cast<unsigned char>(1); },
+            getSurface(output), [](auto, auto, auto) { return static_cast<unsigned char>(1); },
             [](auto, auto, auto) { return 0.0F; });
         return true;
     });
@@ -537,7 +537,7 @@ TEST(TiledFilterTest, DefaultsFadeOverSixteenPixels) {
     FloatPicture picture(Image::RGB32F, 1, std::vector<float>(3 * 1500, -1.0F));
     ProbeFilter filter([](std::size_t number, const Inputs&, Image& output) {
         fillElements(
-            surfaceOf(output), [](auto, auto, auto) { return static_cast<unsigned char>(0); },
+            getSurface(output), [](auto, auto, auto) { return static_cast<unsigned char>(0); },
             [&](auto, auto, auto) { return 17.0F * static_cast<float>(number); });
         return true;
     });
@@ -685,7 +685,7 @@ TEST(TiledFilterTest, FadeOfFourFloatsLeavesTheFourth) {
     FloatPicture picture(Image::RGBA32F, 1, std::vector<float>(4 * 8, -1.0F));
     ProbeFilter filter({6, 4, 1}, [](std::size_t number, const Inputs&, Image& output) {
         fillElements(
-            surfaceOf(output), [](auto, auto, auto) { return static_cast<unsigned char>(0); },
+            getSurface(output), [](auto, auto, auto) { return static_cast<unsigned char>(0); },
             [&](auto, auto, int e) { return (e == 3 ? 7.0F : 30.0F) * static_cast<float>(number); });
         return true;
     });
@@ -712,7 +712,7 @@ TEST(TiledFilterTest, NarrowPixelsAreFadedWithinTheRow) {
 TEST(TiledFilterTest, NoFormatIsWrittenOutsideItsRows) {
     for (const Image::Format format : ALL_FORMATS) {
         forAllTilings([=](const Tiling& tiling) {
-            SCOPED_TRACE(nameOf(format) + " " + describe(11, 7, tiling));
+            SCOPED_TRACE(getName(format) + " " + describe(11, 7, tiling));
             for (const Gaps gaps : {Gaps{}, Gaps{0, 5}}) {
                 Scene scene(11, 7, format, gaps);
                 EXPECT_TRUE(scene.run(tiling));
@@ -756,7 +756,7 @@ TEST(TiledFilterTest, UnknownFormatRunsAndWritesNothing) {
 
 TEST(TiledFilterTest, FailureEndsTheRunAndKeepsEarlierTiles) {
     const Tiling tiling{8, 4, 1};
-    const std::size_t count = oracle::tilesOf(19, 15, tiling).size();
+    const std::size_t count = oracle::getTiles(19, 15, tiling).size();
     ASSERT_EQ(12U, count);
     for (std::size_t last = 0; last < count; ++last) {
         SCOPED_TRACE("failure of tile " + std::to_string(last));
@@ -912,7 +912,7 @@ private:
 TEST_F(TiledFilterThreadTest, EveryFormatHasTheSameBytesOnEveryThreadCount) {
     for (const Image::Format format : ALL_FORMATS) {
         for (const Tiling& tiling : {Tiling{16, 9, 0}, Tiling{16, 9, 2}, Tiling{16, 0, 0}}) {
-            SCOPED_TRACE(nameOf(format) + " " + describe(37, 29, tiling));
+            SCOPED_TRACE(getName(format) + " " + describe(37, 29, tiling));
             const auto bytesWith = [&](int threads) {
                 omp_set_num_threads(threads);
                 Scene scene(37, 29, format, {0, 4});

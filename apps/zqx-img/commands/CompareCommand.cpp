@@ -46,7 +46,7 @@ struct CompareOptions {
     bool json = false;
 };
 
-std::size_t channelsOf(const Picture& picture) {
+std::size_t getChannels(const Picture& picture) {
     return channelCount(picture.pixels.layout());
 }
 
@@ -92,7 +92,7 @@ std::optional<std::string> obstacle(const CompareOptions& options, const Picture
     if (formatSize(a) != formatSize(b)) {
         return sentence(formatSize(a), formatSize(b));
     }
-    if (channelsOf(a) != channelsOf(b)) {
+    if (getChannels(a) != getChannels(b)) {
         return sentence(channelsInWords(a), channelsInWords(b));
     }
     return std::nullopt;
@@ -131,12 +131,12 @@ void printText(const CompareOptions& options, const Report& report) {
     for (const auto& [file, picture] :
          {std::pair(options.files[0], &report.a), std::pair(options.files[1], &report.b)}) {
         line(picture == &report.a ? "first" : "second",
-             file + ", " + formatSize(*picture) + ", " + nameOf(picture->stored));
+             file + ", " + formatSize(*picture) + ", " + getName(picture->stored));
     }
     line("compared as", report.found.scale.encoded ? "stored numbers, white is 1" : "linear light, white is 1");
     std::string largest = inSteps(report.largest(), report.found.scale);
     if (found.largest > 0.0) {
-        largest += std::string(", ") + channelName(found.channel, channelsOf(report.a)) + " of pixel " +
+        largest += std::string(", ") + channelName(found.channel, getChannels(report.a)) + " of pixel " +
                    std::to_string(found.x) + ", " + std::to_string(found.y);
     }
     line("largest difference", largest);
@@ -153,7 +153,7 @@ void describe(text::JsonWriter& json, const char* name, const std::string& file,
     json.member("file", file);
     json.member("width", picture.width());
     json.member("height", picture.height());
-    json.member("form", nameOf(picture.stored));
+    json.member("form", getName(picture.stored));
     json.endObject();
 }
 
@@ -166,7 +166,7 @@ void writeFindings(text::JsonWriter& json, const Report& report) {
         json.beginObject();
         json.member("x", report.found.x);
         json.member("y", report.found.y);
-        json.member("channel", channelName(report.found.channel, channelsOf(report.a)));
+        json.member("channel", channelName(report.found.channel, getChannels(report.a)));
         json.endObject();
     } else {
         json.null();

@@ -37,7 +37,7 @@ void addHelpCommand(CLI::App& program) {
     }
     CLI::App& command = *program.add_subcommand("help", "Explain the program or one of its commands");
     const auto name = std::make_shared<std::string>();
-    command.add_option("COMMAND", *name, "The command to explain [the program]")->check(oneOf(names));
+    command.add_option("COMMAND", *name, "The command to explain [the program]")->check(requireOneOf(names));
     command.footer("\nExit codes: 0 success, 1 standard output could not be written, 2 there is no such command.\n");
     command.callback([&program, name] { print(helpText(program, *name)); });
 }

@@ -46,7 +46,7 @@ struct HistogramOptions {
 };
 
 std::string makeSubtitle(const Picture& picture) {
-    return std::to_string(picture.width()) + " x " + std::to_string(picture.height()) + ", " + nameOf(picture.stored);
+    return std::to_string(picture.width()) + " x " + std::to_string(picture.height()) + ", " + getName(picture.stored);
 }
 
 std::string toJson(const Histogram& histogram, const std::string& name, const Picture& picture) {

@@ -65,7 +65,7 @@ void printMetadata(const Metadata& metadata) {
 void printText(const std::string& name, const PictureFacts& facts) {
     const PixelDescription& pixels = facts.pixels;
     printValue("file", name);
-    printValue("format", std::string(nameOf(facts.format)) + " (" + descriptionOf(facts.format) + ")");
+    printValue("format", std::string(getName(facts.format)) + " (" + getDescription(facts.format) + ")");
     printValue("size", std::to_string(pixels.width) + " x " + std::to_string(pixels.height));
     printValue("bits per pixel", std::to_string(pixels.bitsPerPixel));
     printValue("samples", pixels.samples);
@@ -118,7 +118,7 @@ void printJson(const std::string& name, const PictureFacts& facts) {
     text::JsonWriter json({.indent = 4});
     json.beginObject();
     json.member("file", name);
-    json.member("format", nameOf(facts.format));
+    json.member("format", getName(facts.format));
     json.member("width", pixels.width);
     json.member("height", pixels.height);
     json.member("bitsPerPixel", pixels.bitsPerPixel);

@@ -80,13 +80,13 @@ void drawScales(Canvas& canvas) {
 
 std::vector<Point> makeCurve(const std::vector<double>& bins, double limit) {
     std::vector<Point> curve;
-    const auto heightOf = [&](double count) { return BOTTOM - std::min(count / limit, 1.0) * (BOTTOM - TOP - 8.0); };
+    const auto readHeight = [&](double count) { return BOTTOM - std::min(count / limit, 1.0) * (BOTTOM - TOP - 8.0); };
     // The curve covers the whole of the outer bins, which hold the clipped values.
-    curve.push_back({LEFT, heightOf(bins.front())});
+    curve.push_back({LEFT, readHeight(bins.front())});
     for (std::size_t code = 0; code < bins.size(); ++code) {
-        curve.push_back({binCenter(static_cast<double>(code)), heightOf(bins[code])});
+        curve.push_back({binCenter(static_cast<double>(code)), readHeight(bins[code])});
     }
-    curve.push_back({RIGHT, heightOf(bins.back())});
+    curve.push_back({RIGHT, readHeight(bins.back())});
     return curve;
 }
 

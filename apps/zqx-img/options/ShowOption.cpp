@@ -42,7 +42,7 @@ void ShowOption::addTo(CLI::App& command) {
         .add_flag("--show{best}", protocol,
                   "Show the result in the terminal, in the best way it supports, or with --show=kitty, --show=iterm, "
                   "--show=sixel or --show=symbols")
-        ->check(oneOf({BEST, "kitty", "iterm", "sixel", "symbols"}));
+        ->check(requireOneOf({BEST, "kitty", "iterm", "sixel", "symbols"}));
 }
 
 void ShowOption::check() const {

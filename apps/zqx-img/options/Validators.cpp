@@ -57,7 +57,7 @@ CLI::Validator seconds(double least, double most) {
             ""};
 }
 
-CLI::Validator oneOf(const std::vector<std::string>& words) {
+CLI::Validator requireOneOf(const std::vector<std::string>& words) {
     return {[=](const std::string& text) -> std::string {
                 return std::ranges::find(words, text) != words.end()
                            ? ""

@@ -16,6 +16,6 @@ CLI::Validator wholeNumber(std::uint32_t least, std::uint32_t most);
 CLI::Validator seconds(double least, double most);
 
 /// One of a few words, which help and completions list.
-CLI::Validator oneOf(const std::vector<std::string>& words);
+CLI::Validator requireOneOf(const std::vector<std::string>& words);
 
 } // namespace zqx::app

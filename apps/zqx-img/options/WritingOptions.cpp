@@ -22,7 +22,7 @@ void addWritingOptions(CLI::App& command, pictures::WriteOptions& options) {
                     "Leave out the colour profile (icc), exif, xmp or iptc metadata, or all of these and comments")
         ->delimiter(',')
         ->allow_extra_args(false) // otherwise a following INPUT would be taken as another class
-        ->check(oneOf({"icc", "exif", "xmp", "iptc", "all"}))
+        ->check(requireOneOf({"icc", "exif", "xmp", "iptc", "all"}))
         ->type_name("CLASS,...");
 }
 

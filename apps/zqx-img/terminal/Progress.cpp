@@ -65,7 +65,7 @@ std::string progressLine(const ProgressState& state, std::size_t columns, bool u
     }
     line += figures;
     const text::Charset charset = unicode ? text::Charset::UNICODE : text::Charset::ASCII;
-    const std::string name = room > 2 ? text::endOf(text::printable(state.current, charset), room - 2) : "";
+    const std::string name = room > 2 ? text::getEnd(text::printable(state.current, charset), room - 2) : "";
     return name.empty() ? line : line + "  " + name;
 }
 

@@ -61,15 +61,15 @@ constexpr std::size_t FILE_FORMAT_COUNT = static_cast<std::size_t>(FileFormat::U
 
 /// The short name of a format, such as "PNG"; "unknown" for UNKNOWN.
 /// @ingroup pictures
-ZQX_PICTURES_EXPORT const char* nameOf(FileFormat format);
+ZQX_PICTURES_EXPORT const char* getName(FileFormat format);
 
 /// The full name of a format, such as "Portable Network Graphics"; "unknown" for UNKNOWN.
 /// @ingroup pictures
-ZQX_PICTURES_EXPORT const char* descriptionOf(FileFormat format);
+ZQX_PICTURES_EXPORT const char* getDescription(FileFormat format);
 
 /// The file name extensions of a format, in lower case and without the dot.
 /// @ingroup pictures
-ZQX_PICTURES_EXPORT std::vector<std::string> extensionsOf(FileFormat format);
+ZQX_PICTURES_EXPORT std::vector<std::string> getExtensions(FileFormat format);
 
 /// Whether this library can decode files of a format.
 /// @ingroup pictures

@@ -57,7 +57,7 @@ public:
     /// Height in pixels.
     unsigned height() const { return static_cast<unsigned>(mImage.getHeight()); }
     /// The sample layout of the pixels.
-    SampleLayout layout() const { return layoutOf(mImage); }
+    SampleLayout layout() const { return getLayout(mImage); }
 
     /// Releases the memory; the buffer is empty afterwards.
     void reset();

@@ -43,7 +43,7 @@ ZQX_PICTURES_EXPORT img::Image::Format workingFormat(SampleLayout layout);
 
 /// The working layout of an image. Linear 8-bit formats count as their gamma-encoded counterparts.
 /// @ingroup pictures
-ZQX_PICTURES_EXPORT SampleLayout layoutOf(const img::Image& image);
+ZQX_PICTURES_EXPORT SampleLayout getLayout(const img::Image& image);
 
 /// Whether a layout has red, green and blue channels.
 /// @ingroup pictures
@@ -62,6 +62,6 @@ ZQX_PICTURES_EXPORT std::size_t channelCount(SampleLayout layout);
 ZQX_PICTURES_EXPORT int bitsPerChannel(SampleLayout layout);
 /// A description for people, such as "8-bit grey".
 /// @ingroup pictures
-ZQX_PICTURES_EXPORT const char* nameOf(SampleLayout layout);
+ZQX_PICTURES_EXPORT const char* getName(SampleLayout layout);
 
 } // namespace zqx::pictures

@@ -30,7 +30,7 @@ private:
     static constexpr std::uint32_t REPLACEMENT = 0xFFFD;
 
     /// Length of a sequence and the payload of its first byte; length 0 for a byte that cannot start one.
-    static std::pair<std::size_t, std::uint32_t> leadOf(unsigned char byte) {
+    static std::pair<std::size_t, std::uint32_t> decodeLead(unsigned char byte) {
         if (byte < 0x80) {
             return {1, byte};
         }
@@ -48,7 +48,7 @@ private:
 
     /// Decodes the code point at a position and moves behind it.
     std::uint32_t decodeAt(std::size_t& position) const {
-        const auto [length, lead] = leadOf(static_cast<unsigned char>(mText[position++]));
+        const auto [length, lead] = decodeLead(static_cast<unsigned char>(mText[position++]));
         if (length == 0) {
             return REPLACEMENT;
         }

@@ -64,7 +64,7 @@ Registry& registry() {
     return instance;
 }
 
-std::uintptr_t keyOf(const void* handle) {
+std::uintptr_t getKey(const void* handle) {
     return reinterpret_cast<std::uintptr_t>(handle);
 }
 
@@ -72,18 +72,18 @@ std::uintptr_t keyOf(const void* handle) {
 std::shared_ptr<Bitmap> find(const void* handle) {
     Registry& live = registry();
     const std::scoped_lock lock(live.mutex);
-    const auto entry = live.bitmaps.find(keyOf(handle));
+    const auto entry = live.bitmaps.find(getKey(handle));
     return entry == live.bitmaps.end() ? nullptr : entry->second;
 }
 
 bool isLiveContext(HDC context) {
     Registry& live = registry();
     const std::scoped_lock lock(live.mutex);
-    return live.contexts.contains(keyOf(context));
+    return live.contexts.contains(getKey(context));
 }
 
 /// Bytes from one scan line to the next.
-std::size_t pitchOf(std::int32_t width, std::uint16_t bitsPerPixel) {
+std::size_t computePitch(std::int32_t width, std::uint16_t bitsPerPixel) {
     return (static_cast<std::size_t>(width) * bitsPerPixel / 8 + 3) / 4 * 4;
 }
 
@@ -101,7 +101,7 @@ bool isUnderstood(const InfoHeader& header) {
         return false;
     }
     const std::size_t most = std::numeric_limits<std::int32_t>::max();
-    return pitchOf(header.width, header.bitsPerPixel) <= most / static_cast<std::size_t>(header.height);
+    return computePitch(header.width, header.bitsPerPixel) <= most / static_cast<std::size_t>(header.height);
 }
 
 Colour colourAt(const Bitmap& bitmap, const unsigned char* line, std::int32_t x) {
@@ -115,7 +115,7 @@ Colour colourAt(const Bitmap& bitmap, const unsigned char* line, std::int32_t x)
 
 void copyLine(const Bitmap& bitmap, const unsigned char* source, std::uint16_t bitsPerPixel, unsigned char* target) {
     if (bitsPerPixel == bitmap.bitsPerPixel) {
-        std::memcpy(target, source, pitchOf(bitmap.width, bitsPerPixel));
+        std::memcpy(target, source, computePitch(bitmap.width, bitsPerPixel));
         return;
     }
     const std::size_t pixelBytes = bitsPerPixel / 8;
@@ -148,7 +148,7 @@ int GetObjectA(void* handle, int size, void* pOut) {
         return 0;
     }
     if (pOut != nullptr) {
-        const auto pitch = static_cast<std::int32_t>(pitchOf(bitmap->width, bitmap->bitsPerPixel));
+        const auto pitch = static_cast<std::int32_t>(computePitch(bitmap->width, bitmap->bitsPerPixel));
         const BITMAP record = {0, bitmap->width, bitmap->height, pitch, 1, bitmap->bitsPerPixel, bitmap->bits.data()};
         std::memcpy(pOut, &record, sizeof record);
     }
@@ -167,7 +167,7 @@ HDC GetDC(void* window) {
 int ReleaseDC(void* /*window*/, HDC context) {
     Registry& live = registry();
     const std::scoped_lock lock(live.mutex);
-    return static_cast<int>(live.contexts.erase(keyOf(context)));
+    return static_cast<int>(live.contexts.erase(getKey(context)));
 }
 
 int GetDIBits(HDC context, HBITMAP handle, unsigned int start, unsigned int lines, void* pBits, void* pInfo,
@@ -184,8 +184,8 @@ int GetDIBits(HDC context, HBITMAP handle, unsigned int start, unsigned int line
     }
     const auto height = static_cast<unsigned int>(bitmap->height);
     const unsigned int count = start < height ? std::min(lines, height - start) : 0;
-    const std::size_t sourcePitch = pitchOf(bitmap->width, bitmap->bitsPerPixel);
-    const std::size_t targetPitch = pitchOf(bitmap->width, header.bitsPerPixel);
+    const std::size_t sourcePitch = computePitch(bitmap->width, bitmap->bitsPerPixel);
+    const std::size_t targetPitch = computePitch(bitmap->width, header.bitsPerPixel);
     for (std::size_t i = 0; i < count; ++i) {
         copyLine(*bitmap, bitmap->bits.data() + (start + i) * sourcePitch, header.bitsPerPixel,
                  static_cast<unsigned char*>(pBits) + i * targetPitch);
@@ -217,7 +217,7 @@ HBITMAP CreateDIBSection(HDC /*context*/, const void* pInfo, unsigned int usage,
         bitmap->width = header.width;
         bitmap->height = header.height;
         bitmap->bitsPerPixel = header.bitsPerPixel;
-        bitmap->bits.resize(pitchOf(header.width, header.bitsPerPixel) * static_cast<std::size_t>(header.height));
+        bitmap->bits.resize(computePitch(header.width, header.bitsPerPixel) * static_cast<std::size_t>(header.height));
         if (header.bitsPerPixel == 8) {
             fillPalette(bitmap->palette, header, pInfo);
         }
@@ -235,7 +235,7 @@ HBITMAP CreateDIBSection(HDC /*context*/, const void* pInfo, unsigned int usage,
 int DeleteObject(void* handle) {
     Registry& live = registry();
     const std::scoped_lock lock(live.mutex);
-    return static_cast<int>(live.bitmaps.erase(keyOf(handle)));
+    return static_cast<int>(live.bitmaps.erase(getKey(handle)));
 }
 
 } // namespace gdi

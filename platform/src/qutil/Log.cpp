@@ -34,7 +34,7 @@ void writeLine(const LogRecord& record) {
     std::fputs(line.str().c_str(), stderr);
 }
 
-std::string textOf(const char* text) {
+std::string getText(const char* text) {
     return text != nullptr ? text : "";
 }
 
@@ -72,7 +72,7 @@ Log::Sink Log::setSink(Sink sink) {
 }
 
 LogStream Log::get(const char* category, const char* file, int line, const char* function, int level) {
-    return LogStream({textOf(category), textOf(file), line, textOf(function), level, {}});
+    return LogStream({getText(category), getText(file), line, getText(function), level, {}});
 }
 
 void Log::logFatalException(const char* category, const char* file, int line, const SehException& exception) {
@@ -84,7 +84,7 @@ void Log::logFatalException(const char* category, const char* file, int line, co
 }
 
 void Log::logFatalException(const char* category, const char* file, int line, const char* text) {
-    get(category, file, line, "", 0) << textOf(text);
+    get(category, file, line, "", 0) << getText(text);
 }
 
 } // namespace qutil

@@ -48,7 +48,7 @@ thread_local void* tSpare = nullptr;
 thread_local bool tHandling = false;
 
 #if defined(__x86_64__)
-std::uintptr_t instructionOf(const mcontext_t& context) {
+std::uintptr_t getInstruction(const mcontext_t& context) {
     return static_cast<std::uintptr_t>(context.gregs[REG_RIP]);
 }
 
@@ -58,7 +58,7 @@ void stepBackToCaller(mcontext_t& context) {
     context.gregs[REG_RSP] += static_cast<greg_t>(sizeof(greg_t));
 }
 #else
-std::uintptr_t instructionOf(const mcontext_t& context) {
+std::uintptr_t getInstruction(const mcontext_t& context) {
     return context.pc;
 }
 
@@ -69,7 +69,7 @@ void stepBackToCaller(mcontext_t& context) {
 }
 #endif
 
-const struct sigaction& previousOf(int number) {
+const struct sigaction& getPrevious(int number) {
     const FaultSignal* pSignal = sSignals;
     while (pSignal->number != number) {
         ++pSignal;
@@ -79,7 +79,7 @@ const struct sigaction& previousOf(int number) {
 
 /// Does what would have happened without us.
 void passOn(int number, siginfo_t* pInfo, void* pContext) {
-    const struct sigaction& previous = previousOf(number);
+    const struct sigaction& previous = getPrevious(number);
     const bool sent = pInfo->si_code <= 0;
     if ((previous.sa_flags & SA_SIGINFO) != 0) {
         previous.sa_sigaction(number, pInfo, pContext);
@@ -138,7 +138,7 @@ void onFault(int number, siginfo_t* pInfo, void* pContext) {
     const HandlingScope handling;
     mcontext_t& context = static_cast<ucontext_t*>(pContext)->uc_mcontext;
     const mcontext_t before = context;
-    const auto* address = reinterpret_cast<const void*>(instructionOf(context));
+    const auto* address = reinterpret_cast<const void*>(getInstruction(context));
     if (number == SIGSEGV && pInfo->si_addr == address) {
         stepBackToCaller(context);
     }
@@ -152,16 +152,16 @@ void onFault(int number, siginfo_t* pInfo, void* pContext) {
 }
 
 /// The address of a handler, in whichever of the two forms it was given.
-void* handlerOf(const struct sigaction& action) {
+void* getHandler(const struct sigaction& action) {
     return (action.sa_flags & SA_SIGINFO) != 0 ? reinterpret_cast<void*>(action.sa_sigaction)
                                                : reinterpret_cast<void*>(action.sa_handler);
 }
 
 bool isOurs(const struct sigaction& action) {
-    return handlerOf(action) == reinterpret_cast<void*>(onFault);
+    return getHandler(action) == reinterpret_cast<void*>(onFault);
 }
 
-struct sigaction currentOf(const FaultSignal& signal) {
+struct sigaction getCurrent(const FaultSignal& signal) {
     struct sigaction current = {};
     sigaction(signal.number, nullptr, &current);
     return current;
@@ -169,12 +169,12 @@ struct sigaction currentOf(const FaultSignal& signal) {
 
 /// Whether a handler is known not to lead to ours: it was there before, or is none.
 bool isBelow(const FaultSignal& signal, const struct sigaction& action) {
-    return handlerOf(action) == handlerOf(signal.previous) || action.sa_handler == SIG_DFL ||
+    return getHandler(action) == getHandler(signal.previous) || action.sa_handler == SIG_DFL ||
            action.sa_handler == SIG_IGN;
 }
 
 void install(FaultSignal& signal) {
-    const struct sigaction current = currentOf(signal);
+    const struct sigaction current = getCurrent(signal);
     // A handler from above ours stays there: with ours on top as well, the two would call each other for ever. It may
     // also have gone and left ours behind.
     if (isOurs(current) || (signal.covered && !isBelow(signal, current))) {
@@ -192,7 +192,7 @@ void install(FaultSignal& signal) {
 }
 
 void restore(FaultSignal& signal) {
-    const struct sigaction current = currentOf(signal);
+    const struct sigaction current = getCurrent(signal);
     if (isOurs(current)) {
         sigaction(signal.number, &signal.previous, nullptr);
         signal.covered = false;

@@ -19,7 +19,7 @@ namespace {
 constexpr std::uint64_t MAX_SIZE = std::numeric_limits<std::uint32_t>::max();
 
 /// The marked type makes the conversion from UTF-8 explicit; plain char would mean the code page on some systems.
-fs::path pathOf(std::string_view name) {
+fs::path getPath(std::string_view name) {
     return std::u8string(name.begin(), name.end());
 }
 
@@ -99,7 +99,7 @@ tov::Result MemoryInputStream::read(std::uint32_t count, unsigned char** pBuffer
 
 tov::TovRef<FileInputStream> FileInputStream::create(std::string_view path) {
     return createGuarded<FileInputStream>([&] {
-        const fs::path source = pathOf(path);
+        const fs::path source = getPath(path);
         const std::uint64_t size = fs::file_size(source);
         std::ifstream file(source, std::ios::binary);
         if (size > MAX_SIZE || !file) {
@@ -144,7 +144,7 @@ tov::Result MemoryOutputStream::write(const tov::Sequence<unsigned char>& bytes)
 
 tov::TovRef<FileOutputStream> FileOutputStream::create(std::string_view path) {
     return createGuarded<FileOutputStream>([&] {
-        const fs::path target = pathOf(path);
+        const fs::path target = getPath(path);
         // Found out now rather than after all the writing.
         if (target.empty() || fs::is_directory(target)) {
             return tov::TovRef<FileOutputStream>();

@@ -10,7 +10,7 @@ namespace {
 
 namespace maths = kernels::maths;
 
-Color powerOf(const Color& color, float exponent) {
+Color raiseToPower(const Color& color, float exponent) {
     return {maths::pow(color.r, exponent), maths::pow(color.g, exponent), maths::pow(color.b, exponent), color.a};
 }
 
@@ -27,11 +27,11 @@ int Color::compare(const Color& other) const {
 }
 
 Color Color::toSrgb() const {
-    return powerOf(*this, kernels::ENCODING_EXPONENT);
+    return raiseToPower(*this, kernels::ENCODING_EXPONENT);
 }
 
 Color Color::toLinear() const {
-    return powerOf(*this, kernels::DECODING_EXPONENT);
+    return raiseToPower(*this, kernels::DECODING_EXPONENT);
 }
 
 float srgb2linear(const unsigned char& v) {

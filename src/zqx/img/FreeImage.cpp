@@ -280,7 +280,7 @@ tov::Result FreeImage::setMetaData(const char* pXmp) {
         if (!tag || mBitmap == nullptr) {
             return tov::FAILURE;
         }
-        const std::size_t size = lengthOf(packet) + 1; // with the terminating zero
+        const std::size_t size = getLength(packet) + 1; // with the terminating zero
         if (size > std::numeric_limits<DWORD>::max()) {
             return tov::FAILURE;
         }

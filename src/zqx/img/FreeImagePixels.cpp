@@ -15,7 +15,7 @@ namespace {
 /// The layouts that are read and written as floats.
 enum class Layout { NONE, BGR_BYTES, BGRA_BYTES, RGB_FLOATS, RGBA_FLOATS };
 
-Layout layoutOf(FIBITMAP* bitmap) {
+Layout getLayout(FIBITMAP* bitmap) {
     const unsigned bitsPerPixel = FreeImage_GetBPP(bitmap);
     switch (FreeImage_GetImageType(bitmap)) {
     case FIT_BITMAP:
@@ -65,14 +65,14 @@ BYTE* pixelAddress(FIBITMAP* bitmap, int x, int y) {
 class WrappingSampler {
 public:
     explicit WrappingSampler(FIBITMAP* bitmap)
-        : mBitmap(bitmap), mLayout(layoutOf(bitmap)), mWidth(static_cast<int>(FreeImage_GetWidth(bitmap))),
+        : mBitmap(bitmap), mLayout(getLayout(bitmap)), mWidth(static_cast<int>(FreeImage_GetWidth(bitmap))),
           mHeight(static_cast<int>(FreeImage_GetHeight(bitmap))) {}
 
     qutil::EColor4f nearest(float u, float v) const { return fetch(nearestIndex(u, mWidth), nearestIndex(v, mHeight)); }
 
     qutil::EColor4f bilinear(float u, float v) const {
-        const Position x = positionOf(u, mWidth);
-        const Position y = positionOf(v, mHeight);
+        const Position x = getPosition(u, mWidth);
+        const Position y = getPosition(v, mHeight);
         const qutil::EColor4f upper = blend(fetch(x.index, y.index), fetch(x.index + 1, y.index), x.fraction);
         const qutil::EColor4f lower = blend(fetch(x.index, y.index + 1), fetch(x.index + 1, y.index + 1), x.fraction);
         return blend(upper, lower, y.fraction);
@@ -92,7 +92,7 @@ private:
         return position < static_cast<float>(count) ? std::min(static_cast<int>(position), count - 1) : count - 1;
     }
 
-    static Position positionOf(float t, int count) {
+    static Position getPosition(float t, int count) {
         const auto size = static_cast<float>(count);
         const float centred = t - 0.5F / size;
         const float limited = centred > 0.0F ? std::min(centred, 1.0F) : 0.0F; // also NaN
@@ -134,7 +134,7 @@ tov::Result FreeImage::getPixelF(int x, int y, float* r, float* g, float* b, flo
     if (mBitmap == nullptr) {
         return tov::NOT_READY;
     }
-    const Layout layout = layoutOf(mBitmap);
+    const Layout layout = getLayout(mBitmap);
     if (layout == Layout::NONE) {
         return tov::NOT_SUPPORTED;
     }
@@ -150,7 +150,7 @@ tov::Result FreeImage::setPixelF(int x, int y, float r, float g, float b, float 
     if (mBitmap == nullptr) {
         return tov::NOT_READY;
     }
-    const Layout layout = layoutOf(mBitmap);
+    const Layout layout = getLayout(mBitmap);
     if (layout == Layout::NONE) {
         return tov::NOT_SUPPORTED;
     }
@@ -200,7 +200,7 @@ tov::Result FreeImage::setScanlineF(int line, const tov::Sequence<float>& values
         return detail::reported(site, tov::NOT_READY);
     }
     return detail::guarded(site, [&]() -> tov::Result {
-        const Layout layout = layoutOf(mBitmap);
+        const Layout layout = getLayout(mBitmap);
         if (layout == Layout::NONE) {
             return tov::NOT_SUPPORTED;
         }

@@ -25,7 +25,7 @@ inline void copyBytes(void* target, const void* source, std::size_t size) {
     copy(target, source, size);
 }
 
-inline std::size_t lengthOf(const char* text) {
+inline std::size_t getLength(const char* text) {
     static std::size_t (*const volatile length)(const char*) = std::strlen;
     return length(text);
 }

@@ -19,7 +19,7 @@ tov::Result transformed(const detail::MethodSite& site, FIBITMAP* bitmap, qfreei
 }
 
 /// The bitmap of a component of this module; null for any other implementation of the interface.
-FIBITMAP* bitmapOf(qfreeimage::IFreeImage* component) {
+FIBITMAP* toBitmap(qfreeimage::IFreeImage* component) {
     const auto* own = dynamic_cast<FreeImage*>(component);
     return own == nullptr ? nullptr : own->getBitmap();
 }
@@ -68,7 +68,7 @@ tov::Result FreeImage::paste(IFreeImage* pSource, int left, int top, int alpha) 
         if (mBitmap == nullptr) {
             return tov::NOT_READY;
         }
-        FIBITMAP* source = bitmapOf(pSource);
+        FIBITMAP* source = toBitmap(pSource);
         if (source == nullptr) {
             return tov::INVALID_ARGUMENT;
         }
@@ -93,7 +93,7 @@ tov::Result FreeImage::compositeBackgroundImage(IFreeImage* pBackground, IFreeIm
         if (mBitmap == nullptr) {
             return tov::NOT_READY;
         }
-        FIBITMAP* background = bitmapOf(pBackground);
+        FIBITMAP* background = toBitmap(pBackground);
         if (background == nullptr) {
             return tov::INVALID_ARGUMENT;
         }

@@ -21,7 +21,7 @@ double normalDensity(double x, double sigma) {
 }
 
 /// ceil(2 sigma); 0 for what has no radius (negative, NaN).
-std::size_t radiusOf(double sigma) {
+std::size_t computeRadius(double sigma) {
     const double radius = std::ceil(2.0 * sigma);
     if (!(radius > 0.0)) {
         return 0;
@@ -59,7 +59,7 @@ double GaussianBlur::radius2sigma(const std::size_t& radius) {
 }
 
 std::vector<float> GaussianBlur::computeKernel(double sigma) {
-    const std::size_t radius = radiusOf(sigma);
+    const std::size_t radius = computeRadius(sigma);
     const std::size_t tapCount = 2 * radius + 1;
     const std::size_t samples = samplesPerTap(tapCount);
 

@@ -1,7 +1,7 @@
 // What the image library says about a file: gathered for the thread that it is said on, and kept off the terminal.
 //
-// There is one of this in a process, since FreeImage has one place to be listened to: zqx_pictures, which uses FreeImage
-// too, finds it here. It is exported for that library alone, and no interface for others.
+// There is one of this in a process, since FreeImage has one place to be listened to: zqx_pictures, which uses
+// FreeImage too, finds it here. It is exported for that library alone, and no interface for others.
 #pragma once
 
 #include <string>

@@ -146,13 +146,13 @@ const rapidjson::Value& memberAt(const rapidjson::Value& root, const Path& path)
     return *value;
 }
 
-const rapidjson::Value& valueOf(const rapidjson::Value& root, const Parameter& member) {
+const rapidjson::Value& findValue(const rapidjson::Value& root, const Parameter& member) {
     return memberAt(root, splitPath(member.path));
 }
 
 bool readColor(const rapidjson::Value& root, const Parameter& member, Color& color) {
     qutil::EColor4f read{};
-    if (!qutil::jsonReadValue(valueOf(root, member), read)) {
+    if (!qutil::jsonReadValue(findValue(root, member), read)) {
         return false;
     }
     color = {read.r, read.g, read.b, read.a};
@@ -172,7 +172,7 @@ void readGradient(const rapidjson::Value& root, ImageProcessingPipeline& pipelin
 
 /// Sets what is there and of the wanted type.
 void readMember(const rapidjson::Value& root, const Parameter& member, ImageProcessingPipeline& pipeline) {
-    const rapidjson::Value& value = valueOf(root, member);
+    const rapidjson::Value& value = findValue(root, member);
     double number = 0.0;
     bool isOn = false;
     switch (member.kind) {

@@ -8,7 +8,7 @@
 
 namespace zqx::text {
 
-std::size_t columnsOf(char32_t code) {
+std::size_t getColumns(char32_t code) {
     struct Range {
         char32_t first;
         char32_t last;
@@ -27,7 +27,7 @@ std::size_t columnsOf(char32_t code) {
 std::size_t displayWidth(std::string_view text) {
     std::size_t width = 0;
     while (!text.empty()) {
-        width += columnsOf(takeCharacter(text).code);
+        width += getColumns(takeCharacter(text).code);
     }
     return width;
 }
@@ -39,7 +39,7 @@ std::string padded(std::string_view text, std::size_t columns, Align align, char
     return result;
 }
 
-std::string endOf(std::string_view text, std::size_t columns) {
+std::string getEnd(std::string_view text, std::size_t columns) {
     constexpr std::string_view ELLIPSIS = "...";
     constexpr std::size_t LEAST = 8;
     std::size_t width = displayWidth(text);
@@ -50,11 +50,11 @@ std::string endOf(std::string_view text, std::size_t columns) {
         return {};
     }
     while (width + ELLIPSIS.size() > columns) {
-        width -= columnsOf(takeCharacter(text).code);
+        width -= getColumns(takeCharacter(text).code);
     }
     while (!text.empty()) { // a combining mark would be drawn over the dots
         std::string_view rest = text;
-        if (columnsOf(takeCharacter(rest).code) > 0) {
+        if (getColumns(takeCharacter(rest).code) > 0) {
             break;
         }
         text = rest;

@@ -9,7 +9,7 @@ namespace zqx::text {
 
 /// The number of terminal columns of a character: 2 for East Asian scripts and pictographs, 0 for combining marks and
 /// joiners, 1 for all others (Unicode Standard Annex 11, simplified).
-std::size_t columnsOf(char32_t code);
+std::size_t getColumns(char32_t code);
 
 /// The number of columns of a text in one line.
 std::size_t displayWidth(std::string_view text);
@@ -21,7 +21,7 @@ std::string padded(std::string_view text, std::size_t columns, Align align = Ali
 
 /// The end of a text in at most a number of columns, after "..." if something is left out: the names of files in a
 /// folder differ at the end. Empty if there is not enough room to be useful.
-std::string endOf(std::string_view text, std::size_t columns);
+std::string getEnd(std::string_view text, std::size_t columns);
 
 /// Wraps the words of a text into lines of at most a number of columns. Longer words are not broken.
 /// @param indent of each line in columns, as spaces on all lines but the first, which the caller has begun

@@ -17,7 +17,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-std::vector<std::string> linesOf(const std::string& text) {
+std::vector<std::string> getLines(const std::string& text) {
     std::vector<std::string> lines;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);) {
@@ -63,9 +63,9 @@ protected:
     }
 
     /// The records of a run, by the input's file name; the summary has the name "summary".
-    static std::map<std::string, rapidjson::Document> recordsOf(const Outcome& outcome) {
+    static std::map<std::string, rapidjson::Document> getRecords(const Outcome& outcome) {
         std::map<std::string, rapidjson::Document> records;
-        for (const std::string& line : linesOf(outcome.out)) {
+        for (const std::string& line : getLines(outcome.out)) {
             rapidjson::Document record;
             record.Parse(line.c_str());
             if (record.HasParseError() || !record.IsObject()) {
@@ -81,8 +81,8 @@ protected:
 };
 
 /// The figures at the end of a run, without the time.
-std::string countsOf(const Outcome& outcome) {
-    const std::vector<std::string> lines = linesOf(outcome.err);
+std::string getCounts(const Outcome& outcome) {
+    const std::vector<std::string> lines = getLines(outcome.err);
     return lines.empty() ? "" : lines.back().substr(0, lines.back().find(" in "));
 }
 
@@ -93,7 +93,7 @@ TEST_F(BatchTest, FolderBecomesAFolder) {
     makePicture("in/b.tif", 2);
     const Outcome outcome = zqxImg({"apply", at("in"), "--output-dir", at("new/out"), "--set", "flipX=true"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-    EXPECT_EQ(countsOf(outcome), "2 written, 0 failed, 0 skipped");
+    EXPECT_EQ(getCounts(outcome), "2 written, 0 failed, 0 skipped");
     EXPECT_EQ(filesBelow("new/out"), (Names{"a.png", "b.tif"}));
     for (const int seed : {1, 2}) {
         const Bitmap expected = paint(
@@ -168,10 +168,10 @@ TEST_F(BatchTest, OneBadFileDoesNotStopTheRest) {
     const Outcome outcome = zqxImg({"apply", at("in"), at("none.png"), "--output-dir", at("out")});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(filesBelow("out"), (Names{"a.png", "c.png"}));
-    EXPECT_EQ(countsOf(outcome), "2 written, 2 failed, 0 skipped");
+    EXPECT_EQ(getCounts(outcome), "2 written, 2 failed, 0 skipped");
     EXPECT_NE(outcome.err.find("zqx-img: " + at("in/b.png") + ": cannot be read as PNG"), std::string::npos);
     EXPECT_NE(outcome.err.find("zqx-img: " + at("none.png") + ": there is no such file"), std::string::npos);
-    EXPECT_EQ(linesOf(outcome.err).size(), 3U) << outcome.err;
+    EXPECT_EQ(getLines(outcome.err).size(), 3U) << outcome.err;
 }
 
 TEST_F(BatchTest, ReasonsAreTheDecodersOwnForEveryPicture) {
@@ -265,7 +265,7 @@ TEST_F(BatchTest, NoClobberKeepsWhatIsThere) {
     writeFile(at("out/a.png"), "precious");
     const Outcome outcome = zqxImg({"apply", at("in"), "--output-dir", at("out"), "--no-clobber"});
     EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(countsOf(outcome), "1 written, 0 failed, 1 skipped");
+    EXPECT_EQ(getCounts(outcome), "1 written, 0 failed, 1 skipped");
     EXPECT_EQ(readFile(at("out/a.png")), "precious");
     EXPECT_EQ(filesBelow("out"), (Names{"a.png", "b.png"}));
 }
@@ -285,13 +285,13 @@ TEST_F(BatchTest, UpdateWritesOnlyWhatIsOutOfDate) {
     }
     succeed({"params", "--set", "exposure=1", "-o", at("look.json")});
     const Names command{"apply", at("in"), "--output-dir", at("out"), "--update", "--params", at("look.json")};
-    EXPECT_EQ(countsOf(zqxImg(command)), "3 written, 0 failed, 0 skipped");
-    EXPECT_EQ(countsOf(zqxImg(command)), "0 written, 0 failed, 3 skipped");
+    EXPECT_EQ(getCounts(zqxImg(command)), "3 written, 0 failed, 0 skipped");
+    EXPECT_EQ(getCounts(zqxImg(command)), "0 written, 0 failed, 3 skipped");
     fs::remove(at("out/a.png"));
     fs::last_write_time(at("in/b.png"), fs::file_time_type::clock::now() + std::chrono::seconds(5));
-    EXPECT_EQ(countsOf(zqxImg(command)), "2 written, 0 failed, 1 skipped");
+    EXPECT_EQ(getCounts(zqxImg(command)), "2 written, 0 failed, 1 skipped");
     fs::last_write_time(at("look.json"), fs::file_time_type::clock::now() + std::chrono::seconds(5));
-    EXPECT_EQ(countsOf(zqxImg(command)), "3 written, 0 failed, 0 skipped");
+    EXPECT_EQ(getCounts(zqxImg(command)), "3 written, 0 failed, 0 skipped");
 }
 
 TEST_F(BatchTest, QuietRunsSayNothingButErrors) {
@@ -300,7 +300,7 @@ TEST_F(BatchTest, QuietRunsSayNothingButErrors) {
     makeDamaged("in/c.png");
     const Outcome outcome = zqxImg({"apply", at("in"), "--output-dir", at("out"), "--name", "{stem}.jpg", "--quiet"});
     EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(linesOf(outcome.err).size(), 1U) << outcome.err;
+    EXPECT_EQ(getLines(outcome.err).size(), 1U) << outcome.err;
     EXPECT_NE(outcome.err.find(at("in/c.png")), std::string::npos);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(filesBelow("out"), (Names{"a.jpg", "b.jpg"}));
@@ -311,7 +311,7 @@ TEST_F(BatchTest, VerboseRunsTellTimesAndSizes) {
     makePicture("in/b.png");
     const Outcome outcome = zqxImg({"apply", at("in"), "--output-dir", at("out"), "--verbose", "--jobs", "2",
                                     "--threads", "3", "--max-memory", "1G"});
-    const std::vector<std::string> lines = linesOf(outcome.err);
+    const std::vector<std::string> lines = getLines(outcome.err);
     ASSERT_EQ(lines.size(), 4U) << outcome.err;
     EXPECT_NE(lines[0].find(", 2 pictures at once x 3 threads, up to 1.0 GiB of memory"), std::string::npos)
         << lines[0];
@@ -340,8 +340,8 @@ TEST_F(BatchTest, JsonRunsPrintARecordForEachPicture) {
     const Outcome outcome = zqxImg(
         {"apply", at("in"), at("none"), "--output-dir", at("out"), "--name", "{stem}.jpg", "--no-clobber", "--json"});
     EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(linesOf(outcome.err).size(), 2U) << outcome.err; // errors, no warnings
-    auto records = recordsOf(outcome);
+    EXPECT_EQ(getLines(outcome.err).size(), 2U) << outcome.err; // errors, no warnings
+    auto records = getRecords(outcome);
     ASSERT_EQ(records.size(), 6U) << outcome.out;
     EXPECT_STREQ(records["a.png"]["status"].GetString(), "written");
     EXPECT_EQ(records["a.png"]["output"].GetString(), at("out/a.jpg"));
@@ -358,12 +358,12 @@ TEST_F(BatchTest, JsonRunsPrintARecordForEachPicture) {
     EXPECT_EQ(records["summary"]["summary"]["written"].GetUint(), 2U);
     EXPECT_EQ(records["summary"]["summary"]["failed"].GetUint(), 2U);
     EXPECT_EQ(records["summary"]["summary"]["skipped"].GetUint(), 1U);
-    EXPECT_TRUE(linesOf(outcome.out).back().starts_with("{\"summary\""));
+    EXPECT_TRUE(getLines(outcome.out).back().starts_with("{\"summary\""));
 }
 
 TEST_F(BatchTest, JsonOfADryRunIsPlanned) {
     makePicture("in/a.png");
-    auto records = recordsOf(zqxImg({"apply", at("in"), "--output-dir", at("out"), "--json", "--dry-run"}));
+    auto records = getRecords(zqxImg({"apply", at("in"), "--output-dir", at("out"), "--json", "--dry-run"}));
     EXPECT_STREQ(records["a.png"]["status"].GetString(), "planned");
     EXPECT_EQ(records["summary"]["summary"]["planned"].GetUint(), 1U);
 }

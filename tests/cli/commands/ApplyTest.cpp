@@ -26,7 +26,7 @@ Bitmap motleyPicture(int bitsPerPixel = 24) {
     return paint(WIDTH, HEIGHT, bitsPerPixel, motley);
 }
 
-Image viewOf(const Bitmap& bitmap) {
+Image getView(const Bitmap& bitmap) {
     return Image(FreeImage_GetBits(bitmap.get()), FreeImage_GetWidth(bitmap.get()), FreeImage_GetHeight(bitmap.get()),
                  Image::SBGR8, FreeImage_GetPitch(bitmap.get()));
 }
@@ -34,7 +34,7 @@ Image viewOf(const Bitmap& bitmap) {
 /// What the library itself makes of a 24-bit picture, given with its top row first: sums over rows have an order.
 Bitmap rendered(const Bitmap& source, ImageProcessingPipeline pipeline) {
     Bitmap result(FreeImage_Clone(source.get()));
-    Image view = viewOf(result);
+    Image view = getView(result);
     view.flipVertical();
     const std::shared_ptr<Image> upright = view.convertTo(Image::SBGR8);
     upright->copyFrom(view);

@@ -41,10 +41,10 @@ Raster denoisedSample(const Raster& noisy, bool hdr) {
 
 /// The sample's colours as 8-bit pictures store them.
 Raster storedNoisy() {
-    return rasterOf(byteBitmap(changed(sampleRender().noisy, encoded)));
+    return getRaster(byteBitmap(changed(sampleRender().noisy, encoded)));
 }
 Raster storedClean() {
-    return rasterOf(byteBitmap(changed(sampleRender().clean, encoded)));
+    return getRaster(byteBitmap(changed(sampleRender().clean, encoded)));
 }
 
 /// In linear light the denoiser measures the exposure with all threads at once, whose sums differ in their last bits
@@ -132,7 +132,7 @@ TEST_P(DenoisedFloatTest, NoiseFallsAndThePictureStaysFloatAndUpright) {
     succeed(denoise(in, out));
     const Bitmap result = readPicture(at(out));
     EXPECT_EQ(FreeImage_GetImageType(result.get()), FIT_RGBF);
-    EXPECT_LT(distance(rasterOf(result), sampleRender().clean),
+    EXPECT_LT(distance(getRaster(result), sampleRender().clean),
               distance(sampleRender().noisy, sampleRender().clean) / 4.0);
 }
 
@@ -142,7 +142,7 @@ INSTANTIATE_TEST_SUITE_P(EachFormat, DenoisedFloatTest, ::testing::Values("exr",
 TEST_F(DenoisedPictureTest, FloatsAreWhatTheLibraryMakesOfUprightRows) {
     writePicture(at("in.pfm"), floatBitmap(sampleRender().noisy));
     succeed(denoise("in.pfm", "out.pfm"));
-    EXPECT_LT(farthest(rasterOf(readPicture(at("out.pfm"))), denoisedSample(sampleRender().noisy, true)), LAST_BITS);
+    EXPECT_LT(farthest(getRaster(readPicture(at("out.pfm"))), denoisedSample(sampleRender().noisy, true)), LAST_BITS);
 }
 
 TEST_F(DenoisedPictureTest, LinearIsTheDefault) {
@@ -151,14 +151,14 @@ TEST_F(DenoisedPictureTest, LinearIsTheDefault) {
     std::vector<std::string> command = denoise("in.pfm", "linear.pfm");
     command.emplace_back("--hdr");
     succeed(command);
-    EXPECT_LT(farthest(rasterOf(readPicture(at("default.pfm"))), rasterOf(readPicture(at("linear.pfm")))), LAST_BITS);
+    EXPECT_LT(farthest(getRaster(readPicture(at("default.pfm"))), getRaster(readPicture(at("linear.pfm")))), LAST_BITS);
 }
 
 TEST_F(DenoisedPictureTest, DisplayReferredFloatsGoToTheLibraryAsTheyAre) {
     const Raster noisy = storedNoisy();
     writePicture(at("in.pfm"), floatBitmap(noisy));
     succeed(denoiseDisplayed("in.pfm", "out.pfm"));
-    EXPECT_EQ(farthest(rasterOf(readPicture(at("out.pfm"))), denoisedSample(noisy, false)), 0.0);
+    EXPECT_EQ(farthest(getRaster(readPicture(at("out.pfm"))), denoisedSample(noisy, false)), 0.0);
 }
 
 TEST_F(DenoisedPictureTest, BytesAreDenoisedInLinearLightAndRounded) {
@@ -166,7 +166,7 @@ TEST_F(DenoisedPictureTest, BytesAreDenoisedInLinearLightAndRounded) {
     succeed(denoise("in.png", "out.png"));
     const Bitmap out = readPicture(at("out.png"));
     EXPECT_EQ(FreeImage_GetBPP(out.get()), 24U);
-    const Raster result = rasterOf(out);
+    const Raster result = getRaster(out);
     const Raster inFloats = changed(denoisedSample(changed(storedNoisy(), decoded), true), encoded);
     EXPECT_LT(farthest(result, inFloats), 0.51); // half a step, and the rounding of powers
     EXPECT_LT(distance(result, storedClean()), distance(storedNoisy(), storedClean()) / 4.0);
@@ -175,14 +175,14 @@ TEST_F(DenoisedPictureTest, BytesAreDenoisedInLinearLightAndRounded) {
 TEST_F(DenoisedPictureTest, DisplayReferredBytesGoToTheLibraryAsStored) {
     writePicture(at("in.png"), byteBitmap(storedNoisy()));
     succeed(denoiseDisplayed("in.png", "out.png"));
-    EXPECT_LT(farthest(rasterOf(readPicture(at("out.png"))), denoisedSample(storedNoisy(), false)), 0.51);
+    EXPECT_LT(farthest(getRaster(readPicture(at("out.png"))), denoisedSample(storedNoisy(), false)), 0.51);
 }
 
 TEST_F(DenoisedPictureTest, DisplayReferredBytesBecomeLinearFloats) {
     writePicture(at("in.png"), byteBitmap(storedNoisy()));
     succeed(denoiseDisplayed("in.png", "out.exr"));
     const Raster expected = changed(denoisedSample(storedNoisy(), false), decoded);
-    EXPECT_LT(farthest(rasterOf(readPicture(at("out.exr"))), expected), 0.01);
+    EXPECT_LT(farthest(getRaster(readPicture(at("out.exr"))), expected), 0.01);
 }
 
 TEST_F(DenoisedPictureTest, DisplayReferredFloatsBecomeBytesAsTheyAre) {
@@ -190,7 +190,7 @@ TEST_F(DenoisedPictureTest, DisplayReferredFloatsBecomeBytesAsTheyAre) {
     const Outcome outcome = zqxImg(denoiseDisplayed("in.pfm", "out.bmp"));
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_NE(outcome.err.find("this format has 8 bits per channel"), std::string::npos) << outcome.err;
-    EXPECT_LT(farthest(rasterOf(readPicture(at("out.bmp"))), denoisedSample(storedNoisy(), false)), 0.51);
+    EXPECT_LT(farthest(getRaster(readPicture(at("out.bmp"))), denoisedSample(storedNoisy(), false)), 0.51);
 }
 
 TEST_F(DenoisedPictureTest, SixteenBitsStayAndAreRounded) {
@@ -229,7 +229,7 @@ TEST_F(DenoisedPictureTest, SixteenBitsOfNormalsAreExpanded) {
         }
     }
     const Raster expected = denoised(sampleRender().noisy, sampleRender().albedo, normal, true);
-    EXPECT_LT(distance(rasterOf(readPicture(at("out.pfm"))), expected), 0.00001);
+    EXPECT_LT(distance(getRaster(readPicture(at("out.pfm"))), expected), 0.00001);
 }
 
 TEST_F(DenoisedPictureTest, JpegStaysJpegAndObeysTheQuality) {
@@ -239,7 +239,7 @@ TEST_F(DenoisedPictureTest, JpegStaysJpegAndObeysTheQuality) {
         command.insert(command.end(), {"--quality", quality});
         succeed(command);
     }
-    const Raster result = rasterOf(readPicture(at("95.jpg")));
+    const Raster result = getRaster(readPicture(at("95.jpg")));
     EXPECT_LT(distance(result, storedClean()), distance(storedNoisy(), storedClean()) / 4.0);
     EXPECT_LT(readFile(at("10.jpg")).size(), readFile(at("95.jpg")).size());
 }
@@ -253,7 +253,7 @@ TEST_F(DenoisedPictureTest, GreyStaysGrey) {
     succeed(denoise("in.png", "out.png"));
     const Bitmap result = readPicture(at("out.png"));
     EXPECT_EQ(FreeImage_GetColorType(result.get()), FIC_MINISBLACK);
-    EXPECT_LT(distance(rasterOf(result), rasterOf(cleanGrey)), distance(rasterOf(grey), rasterOf(cleanGrey)) / 3.0);
+    EXPECT_LT(distance(getRaster(result), getRaster(cleanGrey)), distance(getRaster(grey), getRaster(cleanGrey)) / 3.0);
 }
 
 TEST_F(DenoisedPictureTest, AlphaOfFloatsIsKeptAndHasNoSay) {
@@ -262,7 +262,7 @@ TEST_F(DenoisedPictureTest, AlphaOfFloatsIsKeptAndHasNoSay) {
     succeed(denoise("in.exr", "out.exr"));
     const Bitmap result = readPicture(at("out.exr"));
     ASSERT_EQ(FreeImage_GetImageType(result.get()), FIT_RGBAF);
-    EXPECT_LT(farthest(rasterOf(result), denoisedSample(sampleRender().noisy, true)), LAST_BITS);
+    EXPECT_LT(farthest(getRaster(result), denoisedSample(sampleRender().noisy, true)), LAST_BITS);
     EXPECT_TRUE(isIdentical(withAlpha(result, motleyAlpha()), result));
 }
 
@@ -294,18 +294,18 @@ TEST_F(DenoisedPictureTest, BytesOfNormalsAreExpandedAndBlackIsNoSurface) {
     writePicture(at("in.pfm"), floatBitmap(sampleRender().noisy));
     succeed(denoise("in.pfm", "out.pfm", "normal.png"));
     // A byte knows a direction to half a percent.
-    EXPECT_LT(distance(rasterOf(readPicture(at("out.pfm"))), denoisedSample(sampleRender().noisy, true)), 0.0005);
+    EXPECT_LT(distance(getRaster(readPicture(at("out.pfm"))), denoisedSample(sampleRender().noisy, true)), 0.0005);
 }
 
 TEST_F(DenoisedPictureTest, BytesOfAlbedoAreDecoded) {
-    const Raster stored = rasterOf(byteBitmap(changed(sampleRender().albedo, encoded)));
+    const Raster stored = getRaster(byteBitmap(changed(sampleRender().albedo, encoded)));
     writePicture(at("albedo.png"), byteBitmap(stored));
     writePicture(at("in.pfm"), floatBitmap(sampleRender().noisy));
     std::vector<std::string> command = denoise("in.pfm", "out.pfm");
     std::ranges::replace(command, at("albedo.exr"), at("albedo.png"));
     succeed(command);
     const Raster expected = denoised(sampleRender().noisy, changed(stored, decoded), sampleRender().normal, true);
-    EXPECT_LT(distance(rasterOf(readPicture(at("out.pfm"))), expected), 0.00001);
+    EXPECT_LT(distance(getRaster(readPicture(at("out.pfm"))), expected), 0.00001);
 }
 
 TEST_F(DenoisedPictureTest, AlphaOfGuidesIsIgnored) {
@@ -314,7 +314,7 @@ TEST_F(DenoisedPictureTest, AlphaOfGuidesIsIgnored) {
     writePicture(at("albedo.exr"), withAlpha(floatBitmap(sampleRender().albedo), motleyAlpha()), EXR_FLOAT);
     writePicture(at("normal.exr"), withAlpha(floatBitmap(sampleRender().normal), motleyAlpha()), EXR_FLOAT);
     succeed(denoise("in.pfm", "out.pfm"));
-    EXPECT_LT(farthest(rasterOf(readPicture(at("out.pfm"))), rasterOf(readPicture(at("plain.pfm")))), LAST_BITS);
+    EXPECT_LT(farthest(getRaster(readPicture(at("out.pfm"))), getRaster(readPicture(at("plain.pfm")))), LAST_BITS);
 }
 
 TEST_F(DenoisedPictureTest, RunTwiceGivesTheSameFile) {
@@ -328,7 +328,7 @@ TEST_F(DenoisedPictureTest, RunTwiceInLinearLightDiffersInTheLastBitsAtMost) {
     writePicture(at("in.exr"), floatBitmap(sampleRender().noisy), EXR_FLOAT);
     succeed(denoise("in.exr", "once.exr"));
     succeed(denoise("in.exr", "twice.exr"));
-    EXPECT_LT(farthest(rasterOf(readPicture(at("once.exr"))), rasterOf(readPicture(at("twice.exr")))), LAST_BITS);
+    EXPECT_LT(farthest(getRaster(readPicture(at("once.exr"))), getRaster(readPicture(at("twice.exr")))), LAST_BITS);
 }
 
 TEST_F(DenoisedPictureTest, InputMayBeTheOutput) {

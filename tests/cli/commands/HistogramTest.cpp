@@ -49,7 +49,7 @@ protected:
         return document;
     }
 
-    static Counts binsOf(const rapidjson::Document& document, const char* channel) {
+    static Counts getBins(const rapidjson::Document& document, const char* channel) {
         Counts counts{};
         const auto bins = document["channels"][channel]["bins"].GetArray();
         EXPECT_EQ(bins.Size(), counts.size());
@@ -68,7 +68,7 @@ double decoded(int code) {
     return std::pow(code / 255.0, 2.2);
 }
 
-std::size_t lumaOf(const Rgba& color) {
+std::size_t getLuma(const Rgba& color) {
     const double luma = 0.2126 * decoded(color.r) + 0.7152 * decoded(color.g) + 0.0722 * decoded(color.b);
     return static_cast<std::size_t>(std::lround(255.0 * std::pow(luma, 1.0 / 2.2)));
 }
@@ -98,17 +98,17 @@ TEST_F(HistogramTest, CountsOfBytesAreExact) {
                 ++red[static_cast<std::size_t>(color.r)];
                 ++green[static_cast<std::size_t>(color.g)];
                 ++blue[static_cast<std::size_t>(color.b)];
-                ++luma[lumaOf(color)];
+                ++luma[getLuma(color)];
             }
         }
         const rapidjson::Document document = count({at("in.png")});
         EXPECT_EQ(document["file"].GetString(), at("in.png"));
         EXPECT_EQ(document["width"].GetInt(), 97);
         EXPECT_EQ(document["height"].GetInt(), 61);
-        EXPECT_EQ(binsOf(document, "red"), red);
-        EXPECT_EQ(binsOf(document, "green"), green);
-        EXPECT_EQ(binsOf(document, "blue"), blue);
-        EXPECT_EQ(binsOf(document, "luma"), luma);
+        EXPECT_EQ(getBins(document, "red"), red);
+        EXPECT_EQ(getBins(document, "green"), green);
+        EXPECT_EQ(getBins(document, "blue"), blue);
+        EXPECT_EQ(getBins(document, "luma"), luma);
     }
 }
 
@@ -119,15 +119,15 @@ TEST_F(HistogramTest, TheLumaOfEveryGreyIsThatGrey) {
                  }));
     Counts ones;
     ones.fill(1);
-    EXPECT_EQ(binsOf(count({at("in.png")}), "luma"), ones);
+    EXPECT_EQ(getBins(count({at("in.png")}), "luma"), ones);
 }
 
 TEST_F(HistogramTest, GreyPicturesHaveLumaAlone) {
     writePicture(at("in.png"), greyRamp());
     const rapidjson::Document document = count({at("in.png")});
     EXPECT_EQ(document["channels"].MemberCount(), 1U);
-    EXPECT_EQ(binsOf(document, "luma")[43], 4U);
-    EXPECT_EQ(binsOf(document, "luma")[44], 2U);
+    EXPECT_EQ(getBins(document, "luma")[43], 4U);
+    EXPECT_EQ(getBins(document, "luma")[44], 2U);
 }
 
 TEST_F(HistogramTest, FloatsGoToTheNearestValueAndWhatIsOutOfRangeIsApart) {
@@ -142,7 +142,7 @@ TEST_F(HistogramTest, FloatsGoToTheNearestValueAndWhatIsOutOfRangeIsApart) {
     expected[0] = 1;
     expected[186] = 1; // 255 * 0.5^(1/2.2) = 186.08
     expected[255] = 1;
-    EXPECT_EQ(binsOf(document, "luma"), expected);
+    EXPECT_EQ(getBins(document, "luma"), expected);
     EXPECT_EQ(outside(document, "luma", "below"), 2U);
     EXPECT_EQ(outside(document, "luma", "above"), 2U);
     EXPECT_EQ(outside(document, "luma", "nan"), 1U);
@@ -155,16 +155,16 @@ TEST_F(HistogramTest, ChannelsOfFloatsAreCountedEachForItself) {
     writePicture(at("in.tif"), source);
     const rapidjson::Document document = count({at("in.tif")});
     EXPECT_EQ(outside(document, "red", "below"), 1U);
-    EXPECT_EQ(binsOf(document, "green")[186], 1U);
+    EXPECT_EQ(getBins(document, "green")[186], 1U);
     EXPECT_EQ(outside(document, "blue", "above"), 1U);
     const double luma = -0.2126 + 0.5 * 0.7152 + 2.0 * 0.0722;
-    EXPECT_EQ(binsOf(document, "luma")[static_cast<std::size_t>(std::lround(255.0 * std::pow(luma, 1.0 / 2.2)))], 1U);
+    EXPECT_EQ(getBins(document, "luma")[static_cast<std::size_t>(std::lround(255.0 * std::pow(luma, 1.0 / 2.2)))], 1U);
 }
 
 TEST_F(HistogramTest, AdjustmentsComeBeforeCounting) {
     writePicture(at("in.png"), paint(4, 1, 24, [](unsigned, unsigned) { return Rgba{0, 255, 255}; }));
-    EXPECT_EQ(binsOf(count({at("in.png"), "--set", "invert=1"}), "red")[255], 4U);
-    EXPECT_EQ(binsOf(count({at("in.png")}), "red")[0], 4U);
+    EXPECT_EQ(getBins(count({at("in.png"), "--set", "invert=1"}), "red")[255], 4U);
+    EXPECT_EQ(getBins(count({at("in.png")}), "red")[0], 4U);
 }
 
 TEST_F(HistogramTest, TheChartIsAPictureOfItsOwn) {

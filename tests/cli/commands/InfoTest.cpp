@@ -12,7 +12,7 @@ namespace {
 using InfoTest = ProgramTest;
 
 /// The value behind a label, or what was said instead.
-std::string valueOf(const Outcome& outcome, const std::string& label) {
+std::string findValue(const Outcome& outcome, const std::string& label) {
     const std::size_t place = ("\n" + outcome.out).find("\n" + label + " ");
     if (outcome.exitCode != 0 || place == std::string::npos) {
         return "nothing in: " + outcome.out + outcome.err;
@@ -25,28 +25,28 @@ std::string valueOf(const Outcome& outcome, const std::string& label) {
 
 TEST_F(InfoTest, TellsOfTheSample) {
     const Outcome outcome = ProgramTest::zqxImg({"info", ZQX_SAMPLE});
-    EXPECT_EQ(valueOf(outcome, "file"), ZQX_SAMPLE);
-    EXPECT_EQ(valueOf(outcome, "format"), "PNG (Portable Network Graphics)");
-    EXPECT_EQ(valueOf(outcome, "size"), "600 x 400");
-    EXPECT_EQ(valueOf(outcome, "bits per pixel"), "24");
-    EXPECT_EQ(valueOf(outcome, "colour"), "RGB");
-    EXPECT_EQ(valueOf(outcome, "transparency"), "no");
+    EXPECT_EQ(findValue(outcome, "file"), ZQX_SAMPLE);
+    EXPECT_EQ(findValue(outcome, "format"), "PNG (Portable Network Graphics)");
+    EXPECT_EQ(findValue(outcome, "size"), "600 x 400");
+    EXPECT_EQ(findValue(outcome, "bits per pixel"), "24");
+    EXPECT_EQ(findValue(outcome, "colour"), "RGB");
+    EXPECT_EQ(findValue(outcome, "transparency"), "no");
 }
 
 TEST_F(InfoTest, TellsOfFloats) {
     writePicture(at("in.exr"), fillSamples(FIT_RGBAF, 128, 7, 5), EXR_FLOAT);
     const Outcome outcome = zqxImg({"info", at("in.exr")});
-    EXPECT_EQ(valueOf(outcome, "size"), "7 x 5");
-    EXPECT_EQ(valueOf(outcome, "bits per pixel"), "128");
-    EXPECT_EQ(valueOf(outcome, "samples"), "32-bit float, four channels");
+    EXPECT_EQ(findValue(outcome, "size"), "7 x 5");
+    EXPECT_EQ(findValue(outcome, "bits per pixel"), "128");
+    EXPECT_EQ(findValue(outcome, "samples"), "32-bit float, four channels");
 }
 
 TEST_F(InfoTest, TellsTheOrientationAndTheStoredSize) {
     writeOrientedJpeg(at("in.jpg"), 40, 20, 6);
     const Outcome outcome = zqxImg({"info", at("in.jpg")});
-    EXPECT_EQ(valueOf(outcome, "size"), "40 x 20");
-    EXPECT_EQ(valueOf(outcome, "orientation"), "6 (to be turned by 90 degrees clockwise)");
-    EXPECT_EQ(valueOf(outcome, "metadata").substr(0, 5), "Exif ");
+    EXPECT_EQ(findValue(outcome, "size"), "40 x 20");
+    EXPECT_EQ(findValue(outcome, "orientation"), "6 (to be turned by 90 degrees clockwise)");
+    EXPECT_EQ(findValue(outcome, "metadata").substr(0, 5), "Exif ");
 }
 
 TEST_F(InfoTest, TellsResolutionAndProfile) {
@@ -57,23 +57,23 @@ TEST_F(InfoTest, TellsResolutionAndProfile) {
     FreeImage_CreateICCProfile(source.get(), profile.data(), 200);
     writePicture(at("in.tif"), source);
     const Outcome outcome = zqxImg({"info", at("in.tif")});
-    EXPECT_EQ(valueOf(outcome, "resolution"), "11811 x 11811 dots per metre (300 x 300 dpi)");
-    EXPECT_EQ(valueOf(outcome, "colour profile"), "200 bytes");
+    EXPECT_EQ(findValue(outcome, "resolution"), "11811 x 11811 dots per metre (300 x 300 dpi)");
+    EXPECT_EQ(findValue(outcome, "colour profile"), "200 bytes");
     EXPECT_EQ(outcome.err, "");
 }
 
 TEST_F(InfoTest, TellsOfMetadataByClass) {
     writePicture(at("in.jpg"), paint(16, 16, 24, motley));
-    EXPECT_EQ(valueOf(zqxImg({"info", at("in.jpg")}), "metadata"), "none");
+    EXPECT_EQ(findValue(zqxImg({"info", at("in.jpg")}), "metadata"), "none");
     writeTags(at("in.jpg"), {"-EXIF:Make=Tester", "-EXIF:DateTimeOriginal=2024:05:06 07:08:09", "-IPTC:City=Example",
                              "-XMP-dc:Title=A title", "-File:Comment=A word"});
     const Outcome outcome = zqxImg({"info", at("in.jpg")});
-    const std::string classes = valueOf(outcome, "metadata");
+    const std::string classes = findValue(outcome, "metadata");
     for (const char* words : {"Exif ", "IPTC 19 bytes", "XMP ", "1 comment"}) { // two datasets of 5 + 7 and 5 + 2 bytes
         EXPECT_NE(classes.find(words), std::string::npos) << words << " is not in " << classes;
     }
-    EXPECT_EQ(valueOf(outcome, "camera make"), "Tester");
-    EXPECT_EQ(valueOf(outcome, "taken"), "2024:05:06 07:08:09");
+    EXPECT_EQ(findValue(outcome, "camera make"), "Tester");
+    EXPECT_EQ(findValue(outcome, "taken"), "2024:05:06 07:08:09");
     EXPECT_EQ(outcome.out.find("GPS"), std::string::npos);
 }
 
@@ -81,7 +81,7 @@ TEST_F(InfoTest, TellsOfThePosition) {
     writePicture(at("in.jpg"), paint(16, 16, 24, motley));
     writeTags(at("in.jpg"),
               {"-GPS:GPSLatitude=48.5", "-GPS:GPSLatitudeRef=N", "-GPS:GPSLongitude=9.25", "-GPS:GPSLongitudeRef=E"});
-    EXPECT_EQ(valueOf(zqxImg({"info", at("in.jpg")}), "GPS position").substr(0, 3), "yes");
+    EXPECT_EQ(findValue(zqxImg({"info", at("in.jpg")}), "GPS position").substr(0, 3), "yes");
 }
 
 TEST_F(InfoTest, JsonIsOneObject) {
@@ -109,7 +109,7 @@ TEST_F(InfoTest, JsonIsOneObject) {
 TEST_F(InfoTest, ContentDecidesOverTheExtension) {
     writePicture(at("in.png"), paint(4, 4, 24, motley));
     writeFile(at("in.tif"), readFile(at("in.png")));
-    EXPECT_EQ(valueOf(zqxImg({"info", at("in.tif")}), "format"), "PNG (Portable Network Graphics)");
+    EXPECT_EQ(findValue(zqxImg({"info", at("in.tif")}), "format"), "PNG (Portable Network Graphics)");
 }
 
 TEST_F(InfoTest, FailuresAreTold) {

@@ -13,12 +13,12 @@ namespace {
 
 using PreviewTest = ProgramTest;
 
-std::pair<unsigned, unsigned> sizeOf(const Bitmap& bitmap) {
+std::pair<unsigned, unsigned> pictureSize(const Bitmap& bitmap) {
     return {FreeImage_GetWidth(bitmap.get()), FreeImage_GetHeight(bitmap.get())};
 }
 
-std::pair<unsigned, unsigned> sizeOf(const std::string& name) {
-    return sizeOf(readPicture(name));
+std::pair<unsigned, unsigned> pictureSize(const std::string& name) {
+    return pictureSize(readPicture(name));
 }
 
 Bitmap flatPicture(unsigned width, unsigned height, const Rgba& color, int bitsPerPixel = 24) {
@@ -82,16 +82,16 @@ KittyPicture readKitty(const std::string& text) {
 TEST_F(PreviewTest, TheLongestSideIsAsAskedFor) {
     writePicture(at("in.png"), paint(300, 200, 24, motley));
     succeed({"preview", at("in.png"), "-o", at("out.png"), "--size", "60"});
-    EXPECT_EQ(sizeOf(at("out.png")), std::pair(60U, 40U));
+    EXPECT_EQ(pictureSize(at("out.png")), std::pair(60U, 40U));
     writePicture(at("tall.png"), paint(20, 300, 24, motley));
     succeed({"preview", at("tall.png"), "-o", at("out.png"), "--size", "100"});
-    EXPECT_EQ(sizeOf(at("out.png")), std::pair(7U, 100U));
+    EXPECT_EQ(pictureSize(at("out.png")), std::pair(7U, 100U));
 }
 
 TEST_F(PreviewTest, TheLongestSideIs1024WhenNothingIsSaid) {
     writePicture(at("in.png"), flatPicture(2048, 10, {1, 2, 3}));
     succeed({"preview", at("in.png"), "-o", at("out.png")});
-    EXPECT_EQ(sizeOf(at("out.png")), std::pair(1024U, 5U));
+    EXPECT_EQ(pictureSize(at("out.png")), std::pair(1024U, 5U));
 }
 
 TEST_F(PreviewTest, SmallPicturesKeepEveryPixel) {
@@ -107,7 +107,7 @@ TEST_F(PreviewTest, ExtremeShapesKeepAPixelInEachDirection) {
     writePicture(at("in.png"), flatPicture(5000, 3, {90, 60, 30}));
     succeed({"preview", at("in.png"), "-o", at("out.png"), "--size", "50"});
     const Bitmap result = readPicture(at("out.png"));
-    EXPECT_EQ(sizeOf(result), std::pair(50U, 1U));
+    EXPECT_EQ(pictureSize(result), std::pair(50U, 1U));
     EXPECT_EQ(pixelAt(result, 25, 0), (Rgba{90, 60, 30}));
 }
 
@@ -183,7 +183,7 @@ TEST_F(PreviewTest, ASheetShowsTheOriginalAndEachDocument) {
     succeed({"preview", at("in.png"), "-o", at("out.png"), "--sheet", at("same.json"), at("negative.json")});
     const Bitmap sheet = readPicture(at("out.png"));
     // Two by two is nearer to 3:2 than three in a row. Spaces follow the letters, which are 13 pixels here.
-    EXPECT_EQ(sizeOf(sheet), std::pair(19U + 2 * (300U + 19), 19U + 2 * (200U + 26 + 19)));
+    EXPECT_EQ(pictureSize(sheet), std::pair(19U + 2 * (300U + 19), 19U + 2 * (200U + 26 + 19)));
     EXPECT_EQ(pixelAt(sheet, 19 + 150, 19 + 100), (Rgba{120, 80, 40}));
     EXPECT_EQ(pixelAt(sheet, 338 + 150, 19 + 100), (Rgba{120, 80, 40}));
     EXPECT_EQ(pixelAt(sheet, 19 + 150, 264 + 100), pixelAt(readPicture(at("negative.png")), 0, 0));
@@ -196,7 +196,7 @@ TEST_F(PreviewTest, PicturesOnSheetsAreOf480PixelsWhenNothingIsSaid) {
     writePicture(at("in.png"), flatPicture(960, 640, {120, 80, 40}));
     succeed({"params", "-o", at("plain.json")});
     succeed({"preview", at("in.png"), "-o", at("out.png"), "--sheet", at("plain.json")});
-    EXPECT_EQ(sizeOf(at("out.png")), std::pair(24U + 480 + 24 + 480 + 24, 24U + 320 + 32 + 24));
+    EXPECT_EQ(pictureSize(at("out.png")), std::pair(24U + 480 + 24 + 480 + 24, 24U + 320 + 32 + 24));
 }
 
 TEST_F(PreviewTest, ThirtyPicturesComeIntoRowsAndColumns) {
@@ -207,7 +207,7 @@ TEST_F(PreviewTest, ThirtyPicturesComeIntoRowsAndColumns) {
         succeed({"params", "--set", "hue=" + std::to_string(5 * i), "-o", command.back()});
     }
     succeed(command);
-    const auto [width, height] = sizeOf(at("out.png"));
+    const auto [width, height] = pictureSize(at("out.png"));
     EXPECT_EQ(width, 19U + 5 * (160U + 19)); // a narrow picture's place is as wide as a label needs
     EXPECT_EQ(height, 19U + 6 * (60U + 26 + 19));
 }

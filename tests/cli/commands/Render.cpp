@@ -131,7 +131,7 @@ Bitmap byteBitmap(const Raster& raster) {
     });
 }
 
-Raster rasterOf(const Bitmap& bitmap) {
+Raster getRaster(const Bitmap& bitmap) {
     Raster raster{FreeImage_GetWidth(bitmap.get()), FreeImage_GetHeight(bitmap.get()), {}};
     const bool isFloat = FreeImage_GetImageType(bitmap.get()) != FIT_BITMAP;
     for (unsigned y = 0; y < raster.height; ++y) {

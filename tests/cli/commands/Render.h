@@ -47,7 +47,7 @@ Bitmap floatBitmap(const Raster& raster);
 Bitmap byteBitmap(const Raster& raster);
 
 /// The colours of a bitmap of either kind; bytes become byte / 255.
-Raster rasterOf(const Bitmap& bitmap);
+Raster getRaster(const Bitmap& bitmap);
 
 /// The root of the mean square difference.
 double distance(const Raster& a, const Raster& b);

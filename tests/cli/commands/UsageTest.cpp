@@ -15,7 +15,7 @@ protected:
     UsageTest() { writePicture(at("in.png"), paint(8, 8, 24, motley)); }
 
     /// The first line of what the program says of an invalid command line, without its name in front.
-    static std::string problemOf(const std::vector<std::string>& arguments) {
+    static std::string getProblem(const std::vector<std::string>& arguments) {
         const Outcome outcome = zqxImg(arguments);
         EXPECT_EQ(outcome.exitCode, 2) << outcome.err;
         EXPECT_EQ(outcome.out, "");
@@ -27,20 +27,20 @@ protected:
 } // namespace
 
 TEST_F(UsageTest, MisspeltCommandGetsTheNearestOne) {
-    EXPECT_EQ(problemOf({"histgram", at("in.png")}), "unknown command \"histgram\"; did you mean \"histogram\"?");
-    EXPECT_EQ(problemOf({"Apply"}), "unknown command \"Apply\"; did you mean \"apply\"?");
-    EXPECT_EQ(problemOf({"hist"}), "unknown command \"hist\"; did you mean \"histogram\"?");
-    EXPECT_EQ(problemOf({"xyzzy"}), "unknown command \"xyzzy\"");
+    EXPECT_EQ(getProblem({"histgram", at("in.png")}), "unknown command \"histgram\"; did you mean \"histogram\"?");
+    EXPECT_EQ(getProblem({"Apply"}), "unknown command \"Apply\"; did you mean \"apply\"?");
+    EXPECT_EQ(getProblem({"hist"}), "unknown command \"hist\"; did you mean \"histogram\"?");
+    EXPECT_EQ(getProblem({"xyzzy"}), "unknown command \"xyzzy\"");
 }
 
 TEST_F(UsageTest, FileOrFolderInPlaceOfACommandHintsAtApply) {
-    EXPECT_EQ(problemOf({at("in.png"), "-o", at("out.png")}),
+    EXPECT_EQ(getProblem({at("in.png"), "-o", at("out.png")}),
               "\"" + at("in.png") + "\" is a file, not a command; did you mean \"zqx-img apply " + at("in.png") +
                   " -o FILE\"?");
     fs::create_directory(at("photos"));
-    EXPECT_EQ(problemOf({at("photos")}), "\"" + at("photos") +
-                                             "\" is a folder, not a command; did you mean \"zqx-img apply " +
-                                             at("photos") + " --output-dir DIR\"?");
+    EXPECT_EQ(getProblem({at("photos")}), "\"" + at("photos") +
+                                              "\" is a folder, not a command; did you mean \"zqx-img apply " +
+                                              at("photos") + " --output-dir DIR\"?");
 }
 
 TEST_F(UsageTest, NoCommandAtAllIsTold) {
@@ -52,17 +52,17 @@ TEST_F(UsageTest, NoCommandAtAllIsTold) {
 TEST_F(UsageTest, AdjustmentAsAnOptionHintsAtSet) {
     const std::string in = at("in.png");
     const std::string out = at("out.png");
-    EXPECT_EQ(problemOf({"apply", in, "-o", out, "--exposure", "1"}),
+    EXPECT_EQ(getProblem({"apply", in, "-o", out, "--exposure", "1"}),
               "apply: unknown option \"--exposure\"; did you mean \"--set exposure=1\"?");
-    EXPECT_EQ(problemOf({"apply", in, "-o", out, "--exposure", "-0.5"}),
+    EXPECT_EQ(getProblem({"apply", in, "-o", out, "--exposure", "-0.5"}),
               "apply: unknown option \"--exposure\"; did you mean \"--set exposure=-0.5\"?");
-    EXPECT_EQ(problemOf({"preview", in, "-o", out, "--gradient.intensity=0.3"}),
+    EXPECT_EQ(getProblem({"preview", in, "-o", out, "--gradient.intensity=0.3"}),
               "preview: unknown option \"--gradient.intensity\"; did you mean \"--set gradient.intensity=0.3\"?");
-    EXPECT_EQ(problemOf({"lut", "-o", at("out.cube"), "--temprature=5000"}),
+    EXPECT_EQ(getProblem({"lut", "-o", at("out.cube"), "--temprature=5000"}),
               "lut: unknown option \"--temprature\"; did you mean \"--set temperature=5000\"?");
-    EXPECT_EQ(problemOf({"histogram", in, "--flipX"}),
+    EXPECT_EQ(getProblem({"histogram", in, "--flipX"}),
               "histogram: unknown option \"--flipX\"; did you mean \"--set flipX=VALUE\"?");
-    EXPECT_EQ(problemOf({"--exposure", "1", in}),
+    EXPECT_EQ(getProblem({"--exposure", "1", in}),
               "unknown option \"--exposure\"; did you mean \"zqx-img apply ... --set exposure=1\"?");
 }
 
@@ -70,47 +70,47 @@ TEST_F(UsageTest, EveryAdjustmentAsAnOptionHintsAtSet) {
     for (const char* name :
          {"invert", "exposure", "contrast", "highlight", "shadow", "temperature", "hue", "saturation",
           "gradient.intensity", "gradient.black", "gradient.white", "sharpness", "flipX", "flipY"}) {
-        EXPECT_EQ(problemOf({"apply", at("in.png"), "-o", at("out.png"), std::string("--") + name, "1"}),
+        EXPECT_EQ(getProblem({"apply", at("in.png"), "-o", at("out.png"), std::string("--") + name, "1"}),
                   std::string("apply: unknown option \"--") + name + "\"; did you mean \"--set " + name + "=1\"?");
     }
 }
 
 TEST_F(UsageTest, UnknownOptionGetsTheNearestOneOfItsCommand) {
     const std::string in = at("in.png");
-    EXPECT_EQ(problemOf({"apply", in, "-o", at("out.png"), "--qualty", "80"}),
+    EXPECT_EQ(getProblem({"apply", in, "-o", at("out.png"), "--qualty", "80"}),
               "apply: unknown option \"--qualty\"; did you mean \"--quality\"?");
-    EXPECT_EQ(problemOf({"apply", in, "--output-directory", at("out")}),
+    EXPECT_EQ(getProblem({"apply", in, "--output-directory", at("out")}),
               "apply: unknown option \"--output-directory\"; did you mean \"--output-dir\"?");
-    EXPECT_EQ(problemOf({"info", in, "--jsn"}), "info: unknown option \"--jsn\"; did you mean \"--json\"?");
-    EXPECT_EQ(problemOf({"info", in, "--xyzzy"}), "info: unknown option \"--xyzzy\"");
+    EXPECT_EQ(getProblem({"info", in, "--jsn"}), "info: unknown option \"--jsn\"; did you mean \"--json\"?");
+    EXPECT_EQ(getProblem({"info", in, "--xyzzy"}), "info: unknown option \"--xyzzy\"");
 }
 
 TEST_F(UsageTest, OptionOfAnotherCommandIsToldToBeOne) {
-    EXPECT_EQ(problemOf({"info", at("in.png"), "--recursive"}),
+    EXPECT_EQ(getProblem({"info", at("in.png"), "--recursive"}),
               "info: unknown option \"--recursive\"; it is an option of \"zqx-img apply\"");
 }
 
 TEST_F(UsageTest, MissingAndSurplusArgumentsShowTheUsage) {
     const std::string in = at("in.png");
-    EXPECT_EQ(problemOf({"compare", in}), "compare: missing B; usage: zqx-img compare [OPTIONS] A B");
-    EXPECT_EQ(problemOf({"compare", in, in, "c.png"}),
+    EXPECT_EQ(getProblem({"compare", in}), "compare: missing B; usage: zqx-img compare [OPTIONS] A B");
+    EXPECT_EQ(getProblem({"compare", in, in, "c.png"}),
               "compare: unexpected argument \"c.png\"; usage: zqx-img compare [OPTIONS] A B");
-    EXPECT_EQ(problemOf({"lut"}), "lut: missing --output; usage: zqx-img lut [OPTIONS] -o FILE.cube");
-    EXPECT_EQ(problemOf({"apply", in, "-o"}), "--output: missing FILE");
-    EXPECT_EQ(problemOf({"apply", in, "-o", at("a.png"), "-o", at("b.png")}), "--output: given more than once");
+    EXPECT_EQ(getProblem({"lut"}), "lut: missing --output; usage: zqx-img lut [OPTIONS] -o FILE.cube");
+    EXPECT_EQ(getProblem({"apply", in, "-o"}), "--output: missing FILE");
+    EXPECT_EQ(getProblem({"apply", in, "-o", at("a.png"), "-o", at("b.png")}), "--output: given more than once");
 }
 
 TEST_F(UsageTest, WhatIsUnknownComesBeforeWhatIsMissing) {
-    EXPECT_EQ(problemOf({"denoise", "--clor", at("in.png")}), "denoise: unknown option \"--clor\"");
+    EXPECT_EQ(getProblem({"denoise", "--clor", at("in.png")}), "denoise: unknown option \"--clor\"");
 }
 
 TEST_F(UsageTest, ValuesAreRefusedWithWhatWouldDo) {
     const std::string in = at("in.png");
-    EXPECT_EQ(problemOf({"apply", in, "-o", at("out.jpg"), "--quality", "101"}),
+    EXPECT_EQ(getProblem({"apply", in, "-o", at("out.jpg"), "--quality", "101"}),
               "--quality: \"101\" is not a whole number from 1 to 100");
-    EXPECT_EQ(problemOf({"apply", in, "--output-dir", at("out"), "--jobs", "many"}),
+    EXPECT_EQ(getProblem({"apply", in, "--output-dir", at("out"), "--jobs", "many"}),
               "--jobs: \"many\" is not a whole number from 1 to 1024");
-    EXPECT_EQ(problemOf({"preview", in, "--show=kity"}),
+    EXPECT_EQ(getProblem({"preview", in, "--show=kity"}),
               "--show: \"kity\" is not one of best, kitty, iterm, sixel, symbols; did you mean \"kitty\"?");
 }
 
@@ -126,7 +126,7 @@ TEST_F(UsageTest, HelpIsACommandToo) {
     const Outcome apply = zqxImg({"help", "apply"});
     EXPECT_EQ(apply.exitCode, 0) << apply.err;
     EXPECT_EQ(apply.out, zqxImg({"apply", "--help"}).out);
-    EXPECT_NE(problemOf({"help", "histgram"}).find("did you mean \"histogram\"?"), std::string::npos);
+    EXPECT_NE(getProblem({"help", "histgram"}).find("did you mean \"histogram\"?"), std::string::npos);
 }
 
 TEST_F(UsageTest, FilesMayBeCalledLikeCommands) {
@@ -151,7 +151,7 @@ TEST_F(UsageTest, DecodingTimeIsAFiniteNumberAboveZero) {
             fail(2, {command, at("in.png"), "-o", at("out.png"), option}, "--decode-time: ");
         }
     }
-    EXPECT_EQ(problemOf({"info", at("in.png"), "--decode-time", "nan"}),
+    EXPECT_EQ(getProblem({"info", at("in.png"), "--decode-time", "nan"}),
               "--decode-time: \"nan\" is not a number of seconds from 0.001 to 1000000");
     EXPECT_EQ(files(), std::vector<std::string>{"in.png"});
 }

@@ -27,7 +27,7 @@ std::ostream& operator<<(std::ostream& stream, const Deep& deep) {
     return stream << deep.type << ' ' << deep.extension;
 }
 
-unsigned channelsOf(FREE_IMAGE_TYPE type) {
+unsigned getChannels(FREE_IMAGE_TYPE type) {
     return type == FIT_UINT16 ? 1 : type == FIT_RGB16 ? 3 : 4;
 }
 
@@ -39,7 +39,7 @@ WORD* wordsAt(const Bitmap& bitmap, unsigned y) {
 /// Every channel holds every code once, each channel at another place.
 Bitmap allCodes(FREE_IMAGE_TYPE type) {
     Bitmap bitmap(FreeImage_AllocateT(type, SIDE, SIDE));
-    const unsigned channels = channelsOf(type);
+    const unsigned channels = getChannels(type);
     for (unsigned y = 0; y < SIDE; ++y) {
         for (unsigned i = 0; i < SIDE * channels; ++i) {
             wordsAt(bitmap, y)[i] = static_cast<WORD>(y * SIDE + i / channels + 4099 * (i % channels));
@@ -69,7 +69,7 @@ std::string samplesFromMagick(const std::string& name, const std::string& channe
     return outcome.out;
 }
 
-std::string samplesOf(const Bitmap& bitmap) {
+std::string getSamples(const Bitmap& bitmap) {
     std::string samples;
     for (unsigned y = 0; y < FreeImage_GetHeight(bitmap.get()); ++y) {
         samples.append(reinterpret_cast<const char*>(wordsAt(bitmap, y)), FreeImage_GetLine(bitmap.get()));
@@ -100,7 +100,7 @@ TEST_P(DeepLosslessTest, AdjustmentsAreAsFineAsTheCodes) {
     succeed({"apply", in, "-o", out, "--set", "exposure=-1"});
     const Bitmap result = readPicture(out);
     ASSERT_EQ(FreeImage_GetImageType(result.get()), type);
-    const unsigned channels = channelsOf(type);
+    const unsigned channels = getChannels(type);
     for (unsigned y = 0; y < SIDE; ++y) {
         for (unsigned i = 0; i < SIDE * channels; ++i) {
             const WORD before = wordsAt(source, y)[i];
@@ -122,7 +122,7 @@ INSTANTIATE_TEST_SUITE_P(EachFormat, DeepLosslessTest,
                                            Deep{FIT_RGB16, "jp2"}, Deep{FIT_RGB16, "j2k"}, Deep{FIT_RGBA16, "png"},
                                            Deep{FIT_RGBA16, "tif"}, Deep{FIT_RGBA16, "psd"}, Deep{FIT_RGBA16, "jp2"}),
                          [](const auto& test) {
-                             return std::to_string(channelsOf(test.param.type)) + "_" + test.param.extension;
+                             return std::to_string(getChannels(test.param.type)) + "_" + test.param.extension;
                          });
 
 TEST_F(DepthTest, AnotherProgramFindsTheSameCodes) {
@@ -137,14 +137,14 @@ TEST_F(DepthTest, AnotherProgramFindsTheSameCodes) {
                 continue; // others take a fourth channel of these files for anything but alpha
             }
             succeed({"apply", at("in.png"), "-o", at(name)});
-            EXPECT_TRUE(samplesFromMagick(at(name), channels) == samplesOf(allCodes(type))) << name << ' ' << channels;
+            EXPECT_TRUE(samplesFromMagick(at(name), channels) == getSamples(allCodes(type))) << name << ' ' << channels;
         }
     }
 }
 
 TEST_F(DepthTest, CodesOfAnotherProgramAreReadAsTheyAre) {
     for (const char* name : {"in.png", "in.tif", "in.psd", "in.ppm"}) {
-        writeFile(at("in.rgb"), samplesOf(allCodes(FIT_RGB16)));
+        writeFile(at("in.rgb"), getSamples(allCodes(FIT_RGB16)));
         ASSERT_EQ(
             runCommand({MAGICK, "-size", "256x256", "-depth", "16", "-endian", "LSB", at("in.rgb"), at(name)}).exitCode,
             0);

@@ -14,7 +14,7 @@ using FormatTest = ProgramTest;
 constexpr unsigned WIDTH = 29;
 constexpr unsigned HEIGHT = 14;
 
-Rgba greyOf(unsigned value) {
+Rgba getGrey(unsigned value) {
     const int v = static_cast<int>(value);
     return {v, v, v};
 }
@@ -24,7 +24,7 @@ unsigned scattered(unsigned x, unsigned y) {
 }
 
 Bitmap greyPicture() {
-    return paintIndexed(WIDTH, HEIGHT, 8, greyOf, [](unsigned x, unsigned y) { return scattered(x, y) % 256; });
+    return paintIndexed(WIDTH, HEIGHT, 8, getGrey, [](unsigned x, unsigned y) { return scattered(x, y) % 256; });
 }
 
 /// A picture of each working form, and the formats that hold it without loss.
@@ -38,7 +38,7 @@ std::ostream& operator<<(std::ostream& stream, const Lossless& lossless) {
     return stream << lossless.form << ' ' << lossless.extension;
 }
 
-Bitmap pictureOf(const std::string& form) {
+Bitmap getPicture(const std::string& form) {
     if (form == "grey") {
         return greyPicture();
     }
@@ -60,7 +60,7 @@ TEST_P(LosslessTest, DefaultDocumentKeepsEveryPixel) {
     succeed({"params", "-o", at("default.json")});
     const std::string in = at(std::string("in.") + extension);
     const std::string out = at(std::string("out.") + extension);
-    writePicture(in, pictureOf(form), saveFlags);
+    writePicture(in, getPicture(form), saveFlags);
     succeed({"apply", in, "-o", out, "--params", at("default.json")});
     EXPECT_TRUE(isIdentical(readPicture(in), readPicture(out)));
 }
@@ -69,7 +69,7 @@ TEST_P(LosslessTest, FlipAloneKeepsEveryPixelOfItsRow) {
     const auto& [form, extension, saveFlags] = GetParam();
     const std::string in = at(std::string("in.") + extension);
     const std::string out = at(std::string("out.") + extension);
-    writePicture(in, pictureOf(form), saveFlags);
+    writePicture(in, getPicture(form), saveFlags);
     succeed({"apply", in, "-o", out, "--set", "flipY=true"});
     const Bitmap expected = readPicture(in);
     FreeImage_FlipVertical(expected.get());
@@ -92,7 +92,7 @@ INSTANTIATE_TEST_SUITE_P(EachForm, LosslessTest,
 
 TEST_F(FormatTest, OneBitPictureBecomesGrey) {
     for (const bool minIsWhite : {false, true}) {
-        const auto palette = [=](unsigned i) { return greyOf((i != 0) != minIsWhite ? 255 : 0); };
+        const auto palette = [=](unsigned i) { return getGrey((i != 0) != minIsWhite ? 255 : 0); };
         const Bitmap source =
             paintIndexed(WIDTH, HEIGHT, 1, palette, [](unsigned x, unsigned y) { return scattered(x, y) % 2; });
         writePicture(at("in.png"), source);
@@ -108,7 +108,7 @@ TEST_F(FormatTest, OneBitPictureBecomesGrey) {
 TEST_F(FormatTest, GreyPalettesOfAnyOrderBecomeGrey) {
     for (const int bits : {4, 8}) {
         const unsigned colors = 1U << bits;
-        const auto palette = [=](unsigned i) { return greyOf(255 - i * 255 / (colors - 1)); };
+        const auto palette = [=](unsigned i) { return getGrey(255 - i * 255 / (colors - 1)); };
         const auto index = [=](unsigned x, unsigned y) { return scattered(x, y) % colors; };
         writePicture(at("in.bmp"), paintIndexed(WIDTH, HEIGHT, bits, palette, index));
         succeed({"apply", at("in.bmp"), "-o", at("out.png")});
@@ -303,7 +303,7 @@ TEST_F(FormatTest, FloatMapIsReadTheRightWayUp) {
 }
 
 TEST_F(FormatTest, FloatMapIsWrittenTheRightWayUp) {
-    writePicture(at("in.png"), paintIndexed(1, 2, 8, greyOf, [](unsigned, unsigned y) { return y == 0 ? 255U : 0U; }));
+    writePicture(at("in.png"), paintIndexed(1, 2, 8, getGrey, [](unsigned, unsigned y) { return y == 0 ? 255U : 0U; }));
     EXPECT_EQ(zqxImg({"apply", at("in.png"), "-o", at("out.pfm")}).exitCode, 0);
     const std::string file = readFile(at("out.pfm"));
     const std::string wanted = floatMapOfTwoRows(1.0F, 0.0F);

@@ -11,7 +11,7 @@ protected:
     LimitsTest() { writePicture(at("in.png"), paint(50, 40, 24, motley)); }
 
     /// The words of a refusal, which must be the same wherever the file is decoded.
-    std::string refusalOf(const std::string& name, const std::vector<std::string>& options) {
+    std::string getRefusal(const std::string& name, const std::vector<std::string>& options) {
         std::vector<std::string> arguments{"apply", at(name), "-o", at("out.png")};
         arguments.insert(arguments.end(), options.begin(), options.end());
         const Outcome here = zqxImg(arguments);
@@ -41,15 +41,15 @@ std::string big(std::uint32_t value, int bytes = 4) {
 } // namespace
 
 TEST_F(LimitsTest, WidthHeightPixelsAndBytes) {
-    EXPECT_EQ(refusalOf("in.png", {"--max-width", "49"}),
+    EXPECT_EQ(getRefusal("in.png", {"--max-width", "49"}),
               line("in.png", "is 50 pixels wide, more than the 49 allowed; --max-width raises that"));
-    EXPECT_EQ(refusalOf("in.png", {"--max-height", "39"}),
+    EXPECT_EQ(getRefusal("in.png", {"--max-height", "39"}),
               line("in.png", "is 40 pixels high, more than the 39 allowed; --max-height raises that"));
-    EXPECT_EQ(refusalOf("in.png", {"--max-pixels", "1999"}),
+    EXPECT_EQ(getRefusal("in.png", {"--max-pixels", "1999"}),
               line("in.png", "has 2000 pixels, more than the 1999 allowed; --max-pixels raises that"));
     writeFile(at("big.png"), readFile(at("in.png")) + std::string(1 << 20U, ' '));
     const std::string size = std::to_string(readFile(at("big.png")).size());
-    EXPECT_EQ(refusalOf("big.png", {"--max-bytes", "1M"}),
+    EXPECT_EQ(getRefusal("big.png", {"--max-bytes", "1M"}),
               line("big.png", "is a file of " + size + " bytes, more than the 1 MiB allowed; --max-bytes raises that"));
 }
 
@@ -67,7 +67,7 @@ TEST_F(LimitsTest, LimitsCanBeRaised) {
                                return Rgba{static_cast<int>(i), 0, 0};
                            },
                            [](unsigned x, unsigned) { return x % 256; }));
-    EXPECT_EQ(refusalOf("wide.png", {}),
+    EXPECT_EQ(getRefusal("wide.png", {}),
               line("wide.png", "is 70000 pixels wide, more than the 65500 allowed; --max-width raises that"));
     succeed({"apply", wide, "-o", at("out.png"), "--max-width", "70K"});
 }
@@ -85,7 +85,7 @@ TEST_F(LimitsTest, HeadersAreEnough) {
                                std::string(16, '\0') + big(3, 2) + std::string(9, '\7'));
     writeFile(at("a.wbmp"), std::string("\0\0\x83\xD4\x60\x01", 6));
     for (const char* name : {"cut.png", "a.gif", "a.sgi", "a.dds", "a.j2k", "a.wbmp"}) {
-        EXPECT_NE(refusalOf(name, {"--max-width", "49"}).find(" pixels wide, more than the 49 allowed"),
+        EXPECT_NE(getRefusal(name, {"--max-width", "49"}).find(" pixels wide, more than the 49 allowed"),
                   std::string::npos)
             << name;
     }
@@ -94,7 +94,7 @@ TEST_F(LimitsTest, HeadersAreEnough) {
 TEST_F(LimitsTest, PicturesWithoutAReadableHeaderAreCheckedAfterwards) {
     writeFile(at("a.xbm"), "#define a_width 16\n#define a_height 1\nstatic char a_bits[] = {\n  0x0F, 0x3C, };\n");
     succeed({"apply", at("a.xbm"), "-o", at("ok.png")});
-    EXPECT_EQ(refusalOf("a.xbm", {"--max-width", "15"}),
+    EXPECT_EQ(getRefusal("a.xbm", {"--max-width", "15"}),
               line("a.xbm", "is 16 pixels wide, more than the 15 allowed; --max-width raises that"));
 }
 

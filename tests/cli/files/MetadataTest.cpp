@@ -81,7 +81,7 @@ protected:
     }
 
     /// Runs the program and answers what it warned of.
-    static std::string warningsOf(const Strings& arguments) {
+    static std::string getWarnings(const Strings& arguments) {
         const Outcome outcome = zqxImg(arguments);
         EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
         return outcome.err;
@@ -100,7 +100,7 @@ TEST_P(MetadataTest, SurvivesIntoEachFormat) {
         if (GetParam() == "webp" || extension == "webp") {
             expected.back() = "-";
         }
-        EXPECT_EQ(tagsOf(out, TAGS), expected) << extension;
+        EXPECT_EQ(getTags(out, TAGS), expected) << extension;
         const std::string warning = "zqx-img: warning: " + out + ": this format cannot hold IPTC, it is left out\n";
         EXPECT_EQ(outcome.err, extension == "webp" && GetParam() != "webp" ? warning : "") << extension;
         EXPECT_EQ(FreeImage_GetWidth(readPicture(out).get()), WIDTH) << extension;
@@ -125,7 +125,7 @@ TEST_F(MetadataTest, MetadataDoesNotTouchPixels) {
             writePicture(in, bitmap);
             writeTags(in, assignments());
             succeed({"apply", in, "-o", out});
-            EXPECT_EQ(tagsOf(out, TAGS), VALUES) << extension;
+            EXPECT_EQ(getTags(out, TAGS), VALUES) << extension;
             EXPECT_TRUE(isIdentical(readPicture(out), bitmap)) << extension << ' ' << FreeImage_GetBPP(bitmap.get());
         }
     }
@@ -137,7 +137,7 @@ TEST_F(MetadataTest, WebpKeepsAlphaBesideMetadata) {
                  }));
     writeTags(at("in.png"), {"-EXIF:Make=Tester", "-XMP-dc:Title=A title"});
     succeed({"apply", at("in.png"), "-o", at("out.webp")});
-    EXPECT_EQ(tagsOf(at("out.webp"), {"EXIF:Make", "XMP-dc:Title"}), (Strings{"Tester", "A title"}));
+    EXPECT_EQ(getTags(at("out.webp"), {"EXIF:Make", "XMP-dc:Title"}), (Strings{"Tester", "A title"}));
     const Bitmap out = readPicture(at("out.webp"));
     ASSERT_EQ(FreeImage_GetBPP(out.get()), 32U);
     EXPECT_EQ(pixelAt(out, 2, 2).a, 255);
@@ -146,7 +146,7 @@ TEST_F(MetadataTest, WebpKeepsAlphaBesideMetadata) {
 
 TEST_F(MetadataTest, WhatAFormatCannotHoldIsToldOnce) {
     const std::string in = taggedPicture("jpg");
-    EXPECT_EQ(warningsOf({"apply", in, "-o", at("out.bmp")}),
+    EXPECT_EQ(getWarnings({"apply", in, "-o", at("out.bmp")}),
               "zqx-img: warning: " + at("out.bmp") + ": this format cannot hold Exif, IPTC, XMP, they are left out\n");
 }
 
@@ -157,7 +157,7 @@ TEST_F(MetadataTest, ExifOfAnOrientationOnlyIsNoLoss) {
 
 TEST_F(MetadataTest, BaselineTagsOfTiffAreNoExif) {
     succeed({"apply", plainPicture("tif"), "-o", at("out.png")});
-    EXPECT_EQ(tagsOf(at("out.png"), {"IFD0:Compression", "IFD0:XResolution"}), (Strings{"-", "-"}));
+    EXPECT_EQ(getTags(at("out.png"), {"IFD0:Compression", "IFD0:XResolution"}), (Strings{"-", "-"}));
     succeed({"apply", at("in.tif"), "-o", at("out.bmp")});
 }
 
@@ -167,9 +167,9 @@ TEST_F(MetadataTest, StructureOfTheSourceStaysBehind) {
     const Strings structure{"IFD0:DNGVersion", "IFD0:StripOffsets", "IFD0:Compression", "IFD0:ImageWidth",
                             "IFD0:SubfileType"};
     succeed({"apply", in, "-o", at("out.jpg")});
-    EXPECT_EQ(tagsOf(at("out.jpg"), structure), (Strings{"-", "-", "-", "-", "-"}));
+    EXPECT_EQ(getTags(at("out.jpg"), structure), (Strings{"-", "-", "-", "-", "-"}));
     succeed({"apply", in, "-o", at("out.tif")});
-    EXPECT_EQ(tagsOf(at("out.tif"), {"IFD0:DNGVersion", "IFD0:SubfileType", "IFD0:Artist"}),
+    EXPECT_EQ(getTags(at("out.tif"), {"IFD0:DNGVersion", "IFD0:SubfileType", "IFD0:Artist"}),
               (Strings{"-", "0", "A maker"}));
 }
 
@@ -180,16 +180,16 @@ TEST_F(MetadataTest, ThumbnailsAreDropped) {
                    "-XMP-xmp:ThumbnailImage=abcd"});
     ASSERT_EQ(bytesOfTag(in, "EXIF:ThumbnailImage"), readFile(at("small.jpg")));
     succeed({"apply", in, "-o", at("out.jpg")});
-    EXPECT_EQ(tagsOf(at("out.jpg"), {"EXIF:ThumbnailOffset", "IFD1:Compression", "XMP-xmp:ThumbnailFormat"}),
+    EXPECT_EQ(getTags(at("out.jpg"), {"EXIF:ThumbnailOffset", "IFD1:Compression", "XMP-xmp:ThumbnailFormat"}),
               (Strings{"-", "-", "-"}));
-    EXPECT_EQ(tagsOf(at("out.jpg"), TAGS), VALUES);
+    EXPECT_EQ(getTags(at("out.jpg"), TAGS), VALUES);
 }
 
 TEST_F(MetadataTest, ByteOrderStays) {
     const std::string in = plainPicture("jpg");
     writeTags(in, {"-ExifByteOrder=MM", "-EXIF:Make=Tester"});
     succeed({"apply", in, "-o", at("out.jpg")});
-    EXPECT_EQ(tagOf(at("out.jpg"), "File:ExifByteOrder"), "MM");
+    EXPECT_EQ(getTag(at("out.jpg"), "File:ExifByteOrder"), "MM");
 }
 
 TEST_F(MetadataTest, ResolutionSurvivesBetweenFormats) {
@@ -197,19 +197,19 @@ TEST_F(MetadataTest, ResolutionSurvivesBetweenFormats) {
         const std::string in = plainPicture(from);
         writeTags(in, {"-IFD0:XResolution=300", "-IFD0:YResolution=300", "-IFD0:ResolutionUnit=2"});
         succeed({"apply", in, "-o", at("out.tif")});
-        EXPECT_EQ(tagsOf(at("out.tif"), {"IFD0:XResolution", "IFD0:ResolutionUnit"}), (Strings{"300", "2"})) << from;
+        EXPECT_EQ(getTags(at("out.tif"), {"IFD0:XResolution", "IFD0:ResolutionUnit"}), (Strings{"300", "2"})) << from;
         succeed({"apply", at("out.tif"), "-o", at("out.png")});
-        EXPECT_EQ(tagOf(at("out.png"), "PNG-pHYs:PixelsPerUnitX"), "11811") << from;
+        EXPECT_EQ(getTag(at("out.png"), "PNG-pHYs:PixelsPerUnitX"), "11811") << from;
     }
 }
 
 TEST_F(MetadataTest, CommentsSurvive) {
     writeTags(plainPicture("png"), {"-PNG:Author=A maker"});
     succeed({"apply", at("in.png"), "-o", at("out.png")});
-    EXPECT_EQ(tagOf(at("out.png"), "PNG:Author"), "A maker");
+    EXPECT_EQ(getTag(at("out.png"), "PNG:Author"), "A maker");
     writeTags(plainPicture("jpg"), {"-File:Comment=A word"});
     succeed({"apply", at("in.jpg"), "-o", at("out.jpg")});
-    EXPECT_EQ(tagOf(at("out.jpg"), "File:Comment"), "A word");
+    EXPECT_EQ(getTag(at("out.jpg"), "File:Comment"), "A word");
 }
 
 TEST_F(MetadataTest, ExifInPngCommentsIsExif) {
@@ -224,7 +224,7 @@ TEST_F(MetadataTest, ExifInPngCommentsIsExif) {
     const std::string all = runCommand({"exiftool", "-a", "-s3", "-n", "-Orientation", at("out.png")}).out;
     EXPECT_EQ(all, "1\n"); // and no second one that was copied as a comment
     succeed({"apply", at("in.png"), "-o", at("stripped.png"), "--strip", "exif"});
-    EXPECT_EQ(tagOf(at("stripped.png"), "EXIF:Orientation"), "-");
+    EXPECT_EQ(getTag(at("stripped.png"), "EXIF:Orientation"), "-");
 }
 
 TEST_F(MetadataTest, StripLeavesOutWhatIsNamed) {
@@ -239,7 +239,7 @@ TEST_F(MetadataTest, StripLeavesOutWhatIsNamed) {
                  {"all", {"-", "-", "-", "-", "-"}}};
     for (const auto& [classes, expected] : cases) {
         succeed({"apply", "--strip", classes, in, "-o", at("out.jpg")});
-        EXPECT_EQ(tagsOf(at("out.jpg"), TAGS), expected) << classes;
+        EXPECT_EQ(getTags(at("out.jpg"), TAGS), expected) << classes;
     }
 }
 
@@ -252,7 +252,7 @@ TEST_F(MetadataTest, StripAllLeavesOutCommentsAndProfile) {
     writeFile(at("profile.icc"), colorProfile(500));
     writeTags(at("in.jpg"), {"-ICC_Profile<=" + at("profile.icc")});
     succeed({"apply", at("in.jpg"), "-o", at("out.jpg"), "--strip", "all"});
-    EXPECT_EQ(tagsOf(at("out.jpg"), {"File:Comment", "ICC_Profile:ProfileClass"}), (Strings{"-", "-"}));
+    EXPECT_EQ(getTags(at("out.jpg"), {"File:Comment", "ICC_Profile:ProfileClass"}), (Strings{"-", "-"}));
 }
 
 TEST_F(MetadataTest, StrippedExifStillTurnsAndLeavesTheProfile) {
@@ -263,7 +263,7 @@ TEST_F(MetadataTest, StrippedExifStillTurnsAndLeavesTheProfile) {
     writeTags(in, {"-ICC_Profile<=" + at("profile.icc"), "-EXIF:Make=Tester"});
     succeed({"apply", in, "-o", at("out.jpg"), "--strip", "exif"});
     EXPECT_EQ(FreeImage_GetWidth(readPicture(at("out.jpg")).get()), 20U);
-    EXPECT_EQ(tagsOf(at("out.jpg"), {"EXIF:Make", "EXIF:Orientation"}), (Strings{"-", "-"}));
+    EXPECT_EQ(getTags(at("out.jpg"), {"EXIF:Make", "EXIF:Orientation"}), (Strings{"-", "-"}));
     EXPECT_TRUE(bytesOfTag(at("out.jpg"), "ICC_Profile") == profile);
 }
 
@@ -293,7 +293,7 @@ TEST_F(MetadataTest, ProfileLargerThanASegmentKeepsItsBytesBesideExif) {
         const std::string out = at(std::string("out.") + extension);
         succeed({"apply", in, "-o", out});
         EXPECT_TRUE(bytesOfTag(out, "ICC_Profile") == profile) << extension;
-        EXPECT_EQ(tagsOf(out, TAGS), VALUES) << extension;
+        EXPECT_EQ(getTags(out, TAGS), VALUES) << extension;
     }
 }
 
@@ -303,20 +303,20 @@ TEST_F(MetadataTest, DamagedProfileIsLeftOutAloud) {
     const Bitmap source = paint(WIDTH, HEIGHT, 24, motley);
     FreeImage_CreateICCProfile(source.get(), profile.data(), static_cast<long>(profile.size()));
     writePicture(at("in.tif"), source);
-    EXPECT_EQ(warningsOf({"apply", at("in.tif"), "-o", at("out.png")}),
+    EXPECT_EQ(getWarnings({"apply", at("in.tif"), "-o", at("out.png")}),
               "zqx-img: warning: " + at("out.png") + ": the colour profile of the source is damaged and is left out\n");
 }
 
 TEST_F(MetadataTest, XmpTooLargeForJpegIsLeftOutAloud) {
     const std::string in = taggedPicture("png");
     writeTags(in, {"-XMP-dc:Description=" + std::string(70000, 'x')});
-    const std::string warnings = warningsOf({"apply", in, "-o", at("out.jpg")});
+    const std::string warnings = getWarnings({"apply", in, "-o", at("out.jpg")});
     EXPECT_NE(warnings.find(at("out.jpg") + ": XMP cannot be written ("), std::string::npos) << warnings;
     Strings expected = VALUES;
     expected[3] = "-";
-    EXPECT_EQ(tagsOf(at("out.jpg"), TAGS), expected);
+    EXPECT_EQ(getTags(at("out.jpg"), TAGS), expected);
     succeed({"apply", in, "-o", at("out.tif")});
-    EXPECT_EQ(tagsOf(at("out.tif"), TAGS), VALUES);
+    EXPECT_EQ(getTags(at("out.tif"), TAGS), VALUES);
 }
 
 TEST_F(MetadataTest, DamagedExifIsSurvived) {
@@ -351,21 +351,21 @@ TEST_F(MetadataTest, ExifThatIsNoneIsToldAndLeftOut) {
     std::string file = readFile(taggedPicture("jpg"));
     file.replace(file.find("Exif") + 6, 2, "??");
     writeFile(at("damaged.jpg"), file);
-    const std::string warnings = warningsOf({"apply", at("damaged.jpg"), "-o", at("out.jpg")});
+    const std::string warnings = getWarnings({"apply", at("damaged.jpg"), "-o", at("out.jpg")});
     EXPECT_NE(warnings.find(at("damaged.jpg") + ": not all of its metadata can be read ("), std::string::npos)
         << warnings;
-    EXPECT_EQ(tagOf(at("out.jpg"), "EXIF:Make"), "-");
+    EXPECT_EQ(getTag(at("out.jpg"), "EXIF:Make"), "-");
 }
 
 TEST_F(MetadataTest, XmpThatIsNoneIsToldAndLeftOut) {
     std::string file = readFile(taggedPicture("jpg"));
     file.replace(file.find("<x:xmpmeta") + 1, 2, "<<");
     writeFile(at("damaged.jpg"), file);
-    EXPECT_EQ(warningsOf({"apply", at("damaged.jpg"), "-o", at("out.jpg")}),
+    EXPECT_EQ(getWarnings({"apply", at("damaged.jpg"), "-o", at("out.jpg")}),
               "zqx-img: warning: " + at("damaged.jpg") + ": its XMP cannot be read, it is left out\n");
     Strings expected = VALUES;
     expected[3] = "-";
-    EXPECT_EQ(tagsOf(at("out.jpg"), TAGS), expected);
+    EXPECT_EQ(getTags(at("out.jpg"), TAGS), expected);
 }
 
 TEST_F(MetadataTest, FileNamesThatLookLikeAddressesAreFiles) {
@@ -376,7 +376,7 @@ TEST_F(MetadataTest, FileNamesThatLookLikeAddressesAreFiles) {
     const Outcome outcome =
         runCommand({"sh", "-c", "cd \"$1\" && \"$0\" apply data://in.jpg -o out.jpg", ZQX_PROGRAM, at("")});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-    EXPECT_EQ(tagsOf(at("out.jpg"), TAGS), VALUES);
+    EXPECT_EQ(getTags(at("out.jpg"), TAGS), VALUES);
 }
 
 } // namespace zqx::img::test

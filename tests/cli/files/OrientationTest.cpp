@@ -25,7 +25,7 @@ protected:
     }
 
     /// The initials of the colours in the corners: top left, top right, bottom left, bottom right.
-    static std::string cornersOf(const std::string& name) {
+    static std::string getCorners(const std::string& name) {
         const Bitmap bitmap = readPicture(name);
         const unsigned right = FreeImage_GetWidth(bitmap.get()) - 8;
         const unsigned bottom = FreeImage_GetHeight(bitmap.get()) - 8;
@@ -47,11 +47,11 @@ TEST_P(OrientationTest, IsAppliedOnce) {
         const std::string in = orientedPicture(GetParam(), orientation);
         const std::string once = at(std::string("once.") + GetParam());
         succeed({"apply", in, "-o", once});
-        EXPECT_EQ(cornersOf(once), UPRIGHT[orientation - 1]) << orientation;
-        const std::string tag = tagOf(once, "EXIF:Orientation");
+        EXPECT_EQ(getCorners(once), UPRIGHT[orientation - 1]) << orientation;
+        const std::string tag = getTag(once, "EXIF:Orientation");
         EXPECT_TRUE(tag == "1" || tag == "-") << orientation << " became " << tag;
         succeed({"apply", once, "-o", at("twice.png")});
-        EXPECT_EQ(cornersOf(at("twice.png")), UPRIGHT[orientation - 1]) << orientation;
+        EXPECT_EQ(getCorners(at("twice.png")), UPRIGHT[orientation - 1]) << orientation;
     }
 }
 
@@ -82,7 +82,7 @@ TEST_F(OrientationTest, TiffsThatTheDecoderTurnsHalfwayAreTurnedOnce) {
                   0);
         writeTags(in, {"-IFD0:Orientation=" + std::to_string(orientation)});
         succeed({"apply", in, "-o", at("out.png")});
-        EXPECT_EQ(cornersOf(at("out.png")), UPRIGHT[orientation - 1]) << orientation;
+        EXPECT_EQ(getCorners(at("out.png")), UPRIGHT[orientation - 1]) << orientation;
     }
 }
 
@@ -103,14 +103,14 @@ TEST_F(OrientationTest, XmpSaysTheSame) {
     const std::string in = orientedPicture("jpg", 6);
     writeTags(in, {"-XMP-tiff:Orientation=6"});
     succeed({"apply", in, "-o", at("out.jpg")});
-    EXPECT_EQ(tagOf(at("out.jpg"), "XMP-tiff:Orientation"), "1");
+    EXPECT_EQ(getTag(at("out.jpg"), "XMP-tiff:Orientation"), "1");
 }
 
 TEST_F(OrientationTest, ResolutionTurnsWithThePicture) {
     const std::string in = orientedPicture("jpg", 6);
     writeTags(in, {"-IFD0:XResolution=300", "-IFD0:YResolution=200", "-IFD0:ResolutionUnit=2"});
     succeed({"apply", in, "-o", at("out.tif")});
-    EXPECT_EQ(tagsOf(at("out.tif"), {"IFD0:XResolution", "IFD0:YResolution"}),
+    EXPECT_EQ(getTags(at("out.tif"), {"IFD0:XResolution", "IFD0:YResolution"}),
               (std::vector<std::string>{"200", "300"}));
 }
 
@@ -119,7 +119,7 @@ TEST_F(OrientationTest, SizeTagsFollowThePicture) {
     writeTags(in, {"-ExifIFD:ExifImageWidth=96", "-ExifIFD:ExifImageHeight=64", "-ExifIFD:SubjectArea=10 20"});
     succeed({"apply", in, "-o", at("out.jpg")});
     // A place in the picture as it was stored would now be another one.
-    EXPECT_EQ(tagsOf(at("out.jpg"), {"ExifIFD:ExifImageWidth", "ExifIFD:ExifImageHeight", "ExifIFD:SubjectArea"}),
+    EXPECT_EQ(getTags(at("out.jpg"), {"ExifIFD:ExifImageWidth", "ExifIFD:ExifImageHeight", "ExifIFD:SubjectArea"}),
               (std::vector<std::string>{"64", "96", "-"}));
 }
 
@@ -127,7 +127,7 @@ TEST_F(OrientationTest, ValuesThatDoNotExistTurnNothing) {
     const std::string in = orientedPicture("png", 1);
     writeTags(in, {"-IFD0:Orientation=9"});
     succeed({"apply", in, "-o", at("out.png")});
-    EXPECT_EQ(cornersOf(at("out.png")), "RGBW");
+    EXPECT_EQ(getCorners(at("out.png")), "RGBW");
 }
 
 } // namespace

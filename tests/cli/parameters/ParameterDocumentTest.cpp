@@ -36,10 +36,10 @@ protected:
         const Outcome outcome = merge(documents, more);
         EXPECT_EQ(outcome.exitCode, 0);
         EXPECT_NE(outcome.out, "");
-        return linesOf(outcome.err, "zqx-img: warning: ");
+        return getLines(outcome.err, "zqx-img: warning: ");
     }
 
-    Lines linesOf(const std::string& text, const std::string& prefix) const {
+    Lines getLines(const std::string& text, const std::string& prefix) const {
         Lines result;
         std::istringstream lines(text);
         for (std::string line; std::getline(lines, line);) {
@@ -59,7 +59,7 @@ protected:
         const Outcome outcome = merge({text});
         EXPECT_EQ(outcome.exitCode, 1);
         EXPECT_EQ(outcome.out, "");
-        const Lines lines = linesOf(outcome.err, "zqx-img: ");
+        const Lines lines = getLines(outcome.err, "zqx-img: ");
         EXPECT_EQ(lines.size(), 1U) << outcome.err;
         return lines.empty() ? "" : lines[0];
     }
@@ -247,7 +247,7 @@ TEST_F(ParameterDocumentTest, StrictListsAllFaultsAndFails) {
               {"--set", "hue=200", "--strict"});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(linesOf(outcome.err, "zqx-img: "),
+    EXPECT_EQ(getLines(outcome.err, "zqx-img: "),
               (Lines{"--strict: correct the following, or omit --strict to continue with warnings",
                      "0.json: imageProcessing.exposur is unknown; did you mean "
                      "\"imageProcessing.colorGrading.exposure\"?",

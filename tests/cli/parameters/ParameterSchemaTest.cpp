@@ -32,7 +32,7 @@ std::string documentWith(const std::string& path, const std::string& value) {
 }
 
 /// Builds the document that a schema's defaults and constants make.
-rapidjson::Value defaultsOf(const rapidjson::Value& schema, rapidjson::Document::AllocatorType& allocator) {
+rapidjson::Value getDefaults(const rapidjson::Value& schema, rapidjson::Document::AllocatorType& allocator) {
     for (const char* key : {"const", "default"}) {
         if (schema.HasMember(key)) {
             return {schema[key], allocator};
@@ -42,7 +42,7 @@ rapidjson::Value defaultsOf(const rapidjson::Value& schema, rapidjson::Document:
     if (schema.HasMember("properties")) {
         for (const auto& property : schema["properties"].GetObject()) {
             if (property.name != "$schema") {
-                object.AddMember(rapidjson::Value(property.name, allocator), defaultsOf(property.value, allocator),
+                object.AddMember(rapidjson::Value(property.name, allocator), getDefaults(property.value, allocator),
                                  allocator);
             }
         }
@@ -91,7 +91,7 @@ TEST_F(ParameterSchemaTest, DefaultsMakeTheNeutralDocument) {
     rapidjson::Document defaults;
     const rapidjson::Document neutral = parse(zqxImg({"params"}).out);
     const rapidjson::Document read = schema();
-    defaults.CopyFrom(defaultsOf(read, defaults.GetAllocator()), defaults.GetAllocator());
+    defaults.CopyFrom(getDefaults(read, defaults.GetAllocator()), defaults.GetAllocator());
     EXPECT_EQ(defaults, neutral);
 }
 

@@ -36,26 +36,26 @@ inline void setPixel(IFreeImage& bitmap, int x, int y, const Pixel& pixel) {
 }
 
 template <typename Get>
-int numberOf(IFreeImage& bitmap, const Get& get) {
+int getNumber(IFreeImage& bitmap, const Get& get) {
     int number = -1;
     EXPECT_EQ((bitmap.*get)(&number), tov::SUCCESS);
     return number;
 }
 
-inline int widthOf(IFreeImage& bitmap) {
-    return numberOf(bitmap, &IFreeImage::getWidth);
+inline int readWidth(IFreeImage& bitmap) {
+    return getNumber(bitmap, &IFreeImage::getWidth);
 }
-inline int heightOf(IFreeImage& bitmap) {
-    return numberOf(bitmap, &IFreeImage::getHeight);
+inline int readHeight(IFreeImage& bitmap) {
+    return getNumber(bitmap, &IFreeImage::getHeight);
 }
-inline int depthOf(IFreeImage& bitmap) {
-    return numberOf(bitmap, &IFreeImage::getBitsPerPixel);
+inline int getDepth(IFreeImage& bitmap) {
+    return getNumber(bitmap, &IFreeImage::getBitsPerPixel);
 }
-inline int typeOf(IFreeImage& bitmap) {
-    return numberOf(bitmap, &IFreeImage::getDataType);
+inline int detectType(IFreeImage& bitmap) {
+    return getNumber(bitmap, &IFreeImage::getDataType);
 }
-inline int pitchOf(IFreeImage& bitmap) {
-    return numberOf(bitmap, &IFreeImage::getPitch);
+inline int computePitch(IFreeImage& bitmap) {
+    return getNumber(bitmap, &IFreeImage::getPitch);
 }
 
 inline bool isEmpty(IFreeImage& bitmap) {
@@ -64,14 +64,14 @@ inline bool isEmpty(IFreeImage& bitmap) {
 }
 
 /// Scan line 0 being the bottom one.
-inline unsigned char* lineOf(IFreeImage& bitmap, int line) {
+inline unsigned char* getLine(IFreeImage& bitmap, int line) {
     void* address = nullptr;
     EXPECT_EQ(bitmap.getScanline(line, &address), tov::SUCCESS);
     return static_cast<unsigned char*>(address);
 }
 
 inline std::vector<int> bytesOfLine(IFreeImage& bitmap, int line, int count) {
-    const unsigned char* bytes = lineOf(bitmap, line);
+    const unsigned char* bytes = getLine(bitmap, line);
     return {bytes, bytes + count};
 }
 
@@ -97,7 +97,7 @@ inline Bitmap painted(int width, int height, int bitsPerPixel = 24) {
 }
 
 inline bool isPainted(IFreeImage& bitmap, int width, int height) {
-    bool same = widthOf(bitmap) == width && heightOf(bitmap) == height;
+    bool same = readWidth(bitmap) == width && readHeight(bitmap) == height;
     for (int y = 0; same && y < height; ++y) {
         for (int x = 0; same && x < width; ++x) {
             same = pixelAt(bitmap, x, y) == colorAt(x, y);

@@ -43,7 +43,7 @@ inline Pipeline newPipeline() {
     return module().create<IImageProcessingPipeline>(PIPELINE_CLASS);
 }
 
-inline Factory factoryOf(const char* clsid) {
+inline Factory getFactory(const char* clsid) {
     void* found = nullptr;
     EXPECT_EQ(dsoGetObjectFactory(clsid, tov::IObjectFactory::IID, &found), tov::SUCCESS);
     return Factory::adopt(static_cast<tov::IObjectFactory*>(found));
@@ -51,7 +51,7 @@ inline Factory factoryOf(const char* clsid) {
 
 /// The present reference count.
 template <typename Component>
-std::uint32_t referencesOf(Component& component) {
+std::uint32_t getReferences(Component& component) {
     component.addRef();
     return component.release();
 }

@@ -25,7 +25,7 @@ inline std::string definitionAround(const std::string& sourceFile, int line) {
 }
 
 /// Whether a line lies in a method, in one of the files that its class is spread over.
-inline bool isLineOf(const std::string& method, int line, const std::vector<std::string>& sourceFiles) {
+inline bool isLineFrom(const std::string& method, int line, const std::vector<std::string>& sourceFiles) {
     for (const std::string& file : sourceFiles) {
         if (definitionAround(file, line).find(method) != std::string::npos) {
             return true;

@@ -96,7 +96,7 @@ inline testing::AssertionResult samePixels(const oracle::Surface& actual, const 
 }
 
 inline testing::AssertionResult samePixels(const Image& actual, const Image& expected) {
-    return samePixels(surfaceOf(actual), surfaceOf(expected));
+    return samePixels(getSurface(actual), getSurface(expected));
 }
 
 /// Floats within the tolerance, bytes at most one code off; those are counted.
@@ -127,9 +127,9 @@ inline testing::AssertionResult sameAlpha(const oracle::Surface& actual, const o
 }
 
 /// The bytes of a packed 8-bit image, row by row, for expectations that are written out.
-inline std::vector<int> bytesOf(const Image& image) {
+inline std::vector<int> getBytes(const Image& image) {
     std::vector<int> bytes;
-    const oracle::Surface s = surfaceOf(image);
+    const oracle::Surface s = getSurface(image);
     for (std::size_t y = 0; y < s.height; ++y) {
         for (std::size_t i = 0; i < s.width * s.pixelStride; ++i) {
             bytes.push_back(s.at(0, y)[i]);
@@ -139,9 +139,9 @@ inline std::vector<int> bytesOf(const Image& image) {
 }
 
 /// The floats of an image with packed pixels, row by row.
-inline std::vector<float> floatsOf(const Image& image) {
+inline std::vector<float> getFloats(const Image& image) {
     std::vector<float> floats;
-    const oracle::Surface s = surfaceOf(image);
+    const oracle::Surface s = getSurface(image);
     for (std::size_t y = 0; y < s.height; ++y) {
         for (std::size_t i = 0; i < s.width * s.pixelStride; i += 4) {
             floats.push_back(oracle::loadFloat(s.at(0, y) + i));

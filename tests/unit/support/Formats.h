@@ -20,15 +20,15 @@ constexpr Image::Format FLOAT_FORMATS[] = {Image::GRAY32F, Image::RGB32F, Image:
 /// The first number behind the known ones, and the last of all.
 constexpr Image::Format UNKNOWN_FORMATS[] = {static_cast<Image::Format>(11), static_cast<Image::Format>(0xFFFFFFFFU)};
 
-inline std::string nameOf(Image::Format format) {
+inline std::string getName(Image::Format format) {
     return oracle::isKnown(format) ? oracle::facts(format).name : "unknown " + std::to_string(format);
 }
 
-inline std::string nameOf(Image::Format source, Image::Format target) {
-    return nameOf(source) + " to " + nameOf(target);
+inline std::string getName(Image::Format source, Image::Format target) {
+    return getName(source) + " to " + getName(target);
 }
 
-inline oracle::Surface surfaceOf(const Image& image) {
+inline oracle::Surface getSurface(const Image& image) {
     return {image.getFormat(),          static_cast<unsigned char*>(image.getDataPtr()),
             image.getWidth(),           image.getHeight(),
             image.getBytePixelStride(), image.getByteRowStride()};

@@ -34,7 +34,7 @@ struct ChannelRange {
     }
 };
 
-inline std::array<float, 3> coloursOf(const oracle::Values& c) {
+inline std::array<float, 3> getColours(const oracle::Values& c) {
     return {c.r, c.g, c.b};
 }
 
@@ -68,14 +68,14 @@ inline std::vector<oracle::Values> disturbedGrades(const oracle::Prepared& p, co
 }
 
 inline std::array<ChannelRange, 3> gradeRanges(const oracle::Prepared& p, const oracle::Values& decoded) {
-    const std::array<float, 3> expected = coloursOf(oracle::gradePixel(p, decoded));
+    const std::array<float, 3> expected = getColours(oracle::gradePixel(p, decoded));
     const std::vector<oracle::Values> disturbed = disturbedGrades(p, decoded);
     std::array<ChannelRange, 3> ranges{};
     for (std::size_t i = 0; i < 3; ++i) {
         ChannelRange& range = ranges[i];
         range = {expected[i], expected[i], std::isnan(expected[i]), false};
         for (const oracle::Values& values : disturbed) {
-            const float value = coloursOf(values)[i];
+            const float value = getColours(values)[i];
             range.isOpen = range.isOpen || std::isnan(value) != range.isNan;
             range.low = std::min(range.low, value);
             range.high = std::max(range.high, value);

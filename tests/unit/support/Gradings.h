@@ -11,19 +11,19 @@
 
 namespace test {
 
-inline zqx::img::Color colorOf(const oracle::Values& c) {
+inline zqx::img::Color getColor(const oracle::Values& c) {
     return {c.r, c.g, c.b, c.a};
 }
 
-inline zqx::img::ColorGradient gradientOf(const std::vector<oracle::Values>& stops) {
+inline zqx::img::ColorGradient getGradient(const std::vector<oracle::Values>& stops) {
     std::vector<zqx::img::Color> colors;
     for (const oracle::Values& stop : stops) {
-        colors.push_back(colorOf(stop));
+        colors.push_back(getColor(stop));
     }
     return zqx::img::ColorGradient(colors);
 }
 
-inline zqx::img::ColorGrading gradingOf(const oracle::Settings& s) {
+inline zqx::img::ColorGrading makeGrading(const oracle::Settings& s) {
     zqx::img::ColorGrading grading;
     grading.setExposure(s.exposure);
     grading.setContrast(s.contrast);
@@ -33,7 +33,7 @@ inline zqx::img::ColorGrading gradingOf(const oracle::Settings& s) {
     grading.setHue(s.hue);
     grading.setSaturation(s.saturation);
     grading.setGradientMapIntensity(s.intensity);
-    grading.setGradientMap(gradientOf(s.stops));
+    grading.setGradientMap(getGradient(s.stops));
     return grading;
 }
 

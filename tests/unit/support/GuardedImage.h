@@ -41,7 +41,7 @@ public:
 
     Image& image() { return mImage; }
     const Image& image() const { return mImage; }
-    oracle::Surface surface() const { return surfaceOf(mImage); }
+    oracle::Surface surface() const { return getSurface(mImage); }
 
     /// Everything, guards included.
     const std::vector<unsigned char>& memory() const { return mMemory; }

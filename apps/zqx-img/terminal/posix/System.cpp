@@ -17,7 +17,7 @@ namespace zqx::app {
 
 namespace {
 
-int descriptorOf(StandardStream stream) {
+int getDescriptor(StandardStream stream) {
     return stream == StandardStream::OUTPUT ? STDOUT_FILENO : STDERR_FILENO;
 }
 
@@ -35,12 +35,12 @@ bool isIgnored(int number) {
 } // namespace
 
 bool isTerminal(StandardStream stream) {
-    return isatty(descriptorOf(stream)) != 0;
+    return isatty(getDescriptor(stream)) != 0;
 }
 
 std::optional<TerminalSize> windowSize(StandardStream stream) {
     winsize window{};
-    if (ioctl(descriptorOf(stream), TIOCGWINSZ, &window) != 0 || window.ws_col == 0 || window.ws_row == 0) {
+    if (ioctl(getDescriptor(stream), TIOCGWINSZ, &window) != 0 || window.ws_col == 0 || window.ws_row == 0) {
         return std::nullopt;
     }
     TerminalSize size{window.ws_col, window.ws_row, 0, 0};

@@ -14,7 +14,7 @@ namespace zqx::app {
 
 namespace {
 
-HANDLE consoleOf(StandardStream stream) {
+HANDLE getConsole(StandardStream stream) {
     return GetStdHandle(stream == StandardStream::OUTPUT ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
 }
 
@@ -35,7 +35,7 @@ bool isTerminal(StandardStream stream) {
 
 std::optional<TerminalSize> windowSize(StandardStream stream) {
     CONSOLE_SCREEN_BUFFER_INFO info{};
-    if (GetConsoleScreenBufferInfo(consoleOf(stream), &info) == 0) {
+    if (GetConsoleScreenBufferInfo(getConsole(stream), &info) == 0) {
         return std::nullopt;
     }
     return TerminalSize{static_cast<unsigned>(info.srWindow.Right - info.srWindow.Left + 1),
@@ -44,8 +44,8 @@ std::optional<TerminalSize> windowSize(StandardStream stream) {
 
 bool obeysEscapes(StandardStream stream) {
     DWORD mode = 0;
-    return GetConsoleMode(consoleOf(stream), &mode) != 0 &&
-           SetConsoleMode(consoleOf(stream), mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+    return GetConsoleMode(getConsole(stream), &mode) != 0 &&
+           SetConsoleMode(getConsole(stream), mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
 bool isInForeground() {

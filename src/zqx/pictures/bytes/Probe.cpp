@@ -198,7 +198,7 @@ constexpr Signature SIGNATURES[] = {
 
 using HeaderReader = void (*)(ByteReader&, Header&);
 
-HeaderReader readerOf(FileFormat format) {
+HeaderReader getReader(FileFormat format) {
     switch (format) {
     case FileFormat::BMP: return readBmp;
     case FileFormat::CUT: return readCut;
@@ -245,13 +245,13 @@ FileFormat formatOfContent(InputFile& file) {
 } // namespace
 
 bool isProbed(FileFormat format) {
-    return readerOf(format) != nullptr;
+    return getReader(format) != nullptr;
 }
 
 Header probeAs(InputFile& file, FileFormat format) {
     Header header;
     header.info.format = format;
-    if (const HeaderReader read = readerOf(format)) {
+    if (const HeaderReader read = getReader(format)) {
         ByteReader reader(file);
         try {
             read(reader, header);

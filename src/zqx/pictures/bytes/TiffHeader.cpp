@@ -88,8 +88,8 @@ public:
         if (directory.offsets.count != directory.sizes.count || directory.offsets.count > MOST_STRIPS) {
             return 0;
         }
-        std::vector<std::uint64_t> ends = numbersOf(directory.offsets);
-        const std::vector<std::uint64_t> sizes = numbersOf(directory.sizes);
+        std::vector<std::uint64_t> ends = getNumbers(directory.offsets);
+        const std::vector<std::uint64_t> sizes = getNumbers(directory.sizes);
         for (std::size_t i = 0; i < ends.size(); ++i) {
             ends[i] += std::min(sizes[i], std::numeric_limits<std::uint64_t>::max() - ends[i]);
         }
@@ -99,7 +99,7 @@ public:
 private:
     static constexpr std::uint64_t MOST_STRIPS = 1'000'000;
 
-    std::vector<std::uint64_t> numbersOf(const Array& array) {
+    std::vector<std::uint64_t> getNumbers(const Array& array) {
         mReader.seek(array.place);
         std::vector<std::uint64_t> numbers;
         while (numbers.size() < array.count) {

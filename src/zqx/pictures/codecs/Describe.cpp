@@ -14,7 +14,7 @@ namespace zqx::pictures {
 
 namespace {
 
-ExifSummary summaryOf(const std::string& name, const std::vector<unsigned char>& exif) {
+ExifSummary getSummary(const std::string& name, const std::vector<unsigned char>& exif) {
     try {
         return summarizeExif(exif);
     } catch (const std::exception& failure) {
@@ -37,7 +37,7 @@ PictureFacts describePicture(PictureFile& file, const Limits& limits, const Head
     facts.pixels = describeByFreeImage(file.input, facts.format);
     facts.metadata = readMetadata(file.input, file.header);
     completeMetadata(facts.metadata, std::exchange(facts.pixels.metadata, {}));
-    facts.exif = summaryOf(file.name(), facts.metadata.blocks.exif);
+    facts.exif = getSummary(file.name(), facts.metadata.blocks.exif);
     return facts;
 }
 

@@ -18,7 +18,7 @@ struct LayoutInfo {
     const char* name;
 };
 
-const LayoutInfo& infoOf(SampleLayout layout) {
+const LayoutInfo& getInfo(SampleLayout layout) {
     using enum SampleLayout;
     static constexpr LayoutInfo INFOS[SAMPLE_LAYOUT_COUNT] = {
         {GRAY8, img::Image::SGRAY8, 8, 1, "8-bit grey"},
@@ -65,31 +65,31 @@ std::span<const SampleLayout> preferences(SampleLayout wanted) {
 } // namespace
 
 SampleLayout workingLayout(SampleLayout layout) {
-    return infoOf(layout).working;
+    return getInfo(layout).working;
 }
 img::Image::Format workingFormat(SampleLayout layout) {
-    return infoOf(layout).format;
+    return getInfo(layout).format;
 }
 bool hasColor(SampleLayout layout) {
-    return infoOf(layout).channels > 1;
+    return getInfo(layout).channels > 1;
 }
 bool hasAlpha(SampleLayout layout) {
-    return infoOf(layout).channels == 4;
+    return getInfo(layout).channels == 4;
 }
 bool isFloat(SampleLayout layout) {
-    return infoOf(layout).bitsPerChannel == 32;
+    return getInfo(layout).bitsPerChannel == 32;
 }
 std::size_t channelCount(SampleLayout layout) {
-    return infoOf(layout).channels;
+    return getInfo(layout).channels;
 }
 int bitsPerChannel(SampleLayout layout) {
-    return infoOf(layout).bitsPerChannel;
+    return getInfo(layout).bitsPerChannel;
 }
-const char* nameOf(SampleLayout layout) {
-    return infoOf(layout).name;
+const char* getName(SampleLayout layout) {
+    return getInfo(layout).name;
 }
 
-SampleLayout layoutOf(const img::Image& image) {
+SampleLayout getLayout(const img::Image& image) {
     switch (image.getFormat()) {
     case img::Image::GRAY8:
     case img::Image::SGRAY8: return SampleLayout::GRAY8;
@@ -109,7 +109,7 @@ SampleLayout chooseLayout(const std::string& name, FileFormat format, SampleLayo
             return layout;
         }
     }
-    throw Error(name, std::string(nameOf(format)) + " files cannot store " + nameOf(wanted) +
+    throw Error(name, std::string(getName(format)) + " files cannot store " + getName(wanted) +
                           "; choose another extension such as .png or .tif");
 }
 

@@ -10,7 +10,7 @@ namespace zqx::pictures {
 
 namespace {
 
-PixelBuffer copyOf(const img::Image& image, SampleLayout layout) {
+PixelBuffer makeCopy(const img::Image& image, SampleLayout layout) {
     PixelBuffer copy(image.getWidth(), image.getHeight(), layout);
     copy.image().convertFrom(image);
     return copy;
@@ -26,13 +26,13 @@ void writePicture(const Picture& picture, const std::string& name, const WriteOp
     const SampleLayout layout = chooseLayout(name, format, picture.stored);
     warnOfLosses(name, picture, layout);
     Picture source; // a copy whose pixels may be changed
-    source.pixels = copyOf(picture.image(), picture.pixels.layout());
+    source.pixels = makeCopy(picture.image(), picture.pixels.layout());
     source.stored = picture.stored;
     source.alpha = picture.alpha;
     source.metadata = picture.metadata;
     prepareAlpha(source, format, layout, false);
     PixelBuffer pixels =
-        source.pixels.layout() == workingLayout(layout) ? std::move(source.pixels) : copyOf(source.image(), layout);
+        source.pixels.layout() == workingLayout(layout) ? std::move(source.pixels) : makeCopy(source.image(), layout);
     source.pixels.reset();
     OutputFile file(name);
     encodePicture(file, name, format, std::move(pixels), layout, source, options);

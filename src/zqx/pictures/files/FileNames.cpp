@@ -14,7 +14,7 @@ std::string toName(const fs::path& path) {
     return {name.begin(), name.end()};
 }
 
-std::string folderOf(const std::string& name) {
+std::string getFolder(const std::string& name) {
     const fs::path parent = toPath(name).parent_path();
     return parent.empty() ? "." : toName(parent);
 }

@@ -15,6 +15,6 @@ ZQX_PICTURES_EXPORT std::filesystem::path toPath(const std::string& name);
 ZQX_PICTURES_EXPORT std::string toName(const std::filesystem::path& path);
 
 /// The folder of a file; "." if the name has none.
-std::string folderOf(const std::string& name);
+std::string getFolder(const std::string& name);
 
 } // namespace zqx::pictures

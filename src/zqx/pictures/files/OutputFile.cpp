@@ -52,7 +52,7 @@ std::string checkTarget(const std::string& name) {
     if (fs::exists(status) && !isWritable(target, false)) {
         throw Error(name, "is write-protected; choose another name or change its permissions");
     }
-    const std::string directory = folderOf(target);
+    const std::string directory = getFolder(target);
     const fs::file_status place = fs::status(toPath(directory), failure);
     if (place.type() == fs::file_type::not_found) {
         throw Error(name, "cannot be written because there is no folder " + directory + "; create it first");
@@ -73,7 +73,7 @@ Stream createTemporary(const std::string& target, std::string& name, std::error_
     Stream stream;
     for (int i = 0; !stream && i < MAX_ATTEMPTS; ++i) {
         failure.clear();
-        name = makeTemporaryName(folderOf(target));
+        name = makeTemporaryName(getFolder(target));
         stream = createFile(name, target, failure);
         if (failure != std::errc::file_exists) {
             break;
@@ -157,7 +157,7 @@ private:
         if (step.isNew) {
             return;
         }
-        const std::string backup = makeTemporaryName(folderOf(target));
+        const std::string backup = makeTemporaryName(getFolder(target));
         if (!linkFile(target, backup)) {
             step.backup = backup;
             step.backupLock = UseLock(backup);
@@ -171,7 +171,7 @@ private:
 
 namespace {
 
-std::string listOf(const std::vector<std::string>& names) {
+std::string joinNames(const std::vector<std::string>& names) {
     std::string list;
     for (const std::string& name : names) {
         list += (list.empty() ? "" : " and ") + name;
@@ -186,7 +186,7 @@ std::string listOf(const std::vector<std::string>& names) {
     }
     const std::string outcome = lost.empty()
                                     ? "nothing was changed"
-                                    : "but " + listOf(lost) + " had already been replaced and could not be restored";
+                                    : "but " + joinNames(lost) + " had already been replaced and could not be restored";
     throw Error(name, "could not be moved into place (" + failure.message() + "); " + outcome);
 }
 
@@ -194,7 +194,7 @@ std::string listOf(const std::vector<std::string>& names) {
 void storeFolders(std::span<const std::string> targets) {
     std::set<std::string> folders;
     for (const std::string& target : targets) {
-        folders.insert(folderOf(target));
+        folders.insert(getFolder(target));
     }
     for (const std::string& folder : folders) {
         if (const std::error_code failure = storeFolder(folder)) {
@@ -230,7 +230,7 @@ void OutputFile::check(const std::string& name) {
 
 OutputFile::OutputFile(const std::string& name, Existing existing)
     : mName(name), mTarget(checkTarget(name)), mExisting(existing) {
-    removeStaleTemporaries(folderOf(mTarget));
+    removeStaleTemporaries(getFolder(mTarget));
     TemporaryFiles temporaries;
     std::error_code failure;
     mStream = createTemporary(mTarget, mTemporary, failure);

@@ -49,7 +49,7 @@ DecodeRequest requestFor(const std::string& name, const ReadOptions& options, De
     return request;
 }
 
-const char* nameOf(int signal) {
+const char* getName(int signal) {
     switch (signal) {
     case SIGABRT: return "it aborted";
     case SIGBUS: return "bus error";
@@ -91,9 +91,9 @@ std::string withoutSubject(const std::string& line, const std::string& name) {
     return line.starts_with(subject) ? line.substr(subject.size()) : line;
 }
 
-std::string decoderOf(const Transfer& transfer) {
+std::string describeDecoder(const Transfer& transfer) {
     return transfer.format == FileFormat::UNKNOWN ? "its decoder"
-                                                  : std::string("the ") + nameOf(transfer.format) + " decoder";
+                                                  : std::string("the ") + getName(transfer.format) + " decoder";
 }
 
 /// What a process that died left, if anything.
@@ -117,14 +117,14 @@ void throwDeath(const std::string& name, const ReadOptions& options, const Decod
         throwTooMuch(name, options);
     }
     if (end.signal == SIGKILL) {
-        throw Error(name, decoderOf(readRemains(memory)) + " was killed, perhaps because the memory was used up");
+        throw Error(name, describeDecoder(readRemains(memory)) + " was killed, perhaps because the memory was used up");
     }
     if (end.signal != 0) {
-        throw Error(name, "brought " + decoderOf(readRemains(memory)) + " down (" + nameOf(end.signal) +
+        throw Error(name, "brought " + describeDecoder(readRemains(memory)) + " down (" + getName(end.signal) +
                               "), the file is damaged or hostile");
     }
     if (end.exitCode != 0) {
-        throw Error(name, decoderOf(readRemains(memory)) + " gave up (exit code " + std::to_string(end.exitCode) +
+        throw Error(name, describeDecoder(readRemains(memory)) + " gave up (exit code " + std::to_string(end.exitCode) +
                               "), the file may be damaged");
     }
 }

@@ -119,7 +119,7 @@ void writePixels(int descriptor, const img::Image& image, std::uint64_t rowBytes
     }
 }
 
-TransferHeader headerOf(const Transfer& transfer) {
+TransferHeader getHeader(const Transfer& transfer) {
     TransferHeader header{};
     std::memcpy(header.magic, MAGIC, sizeof MAGIC);
     header.format = static_cast<std::uint32_t>(transfer.format);
@@ -152,7 +152,7 @@ TransferHeader headerOf(const Transfer& transfer) {
 
 /// The metadata that travel with a picture or with facts; null where neither does.
 template <typename T>
-auto metadataOf(T& transfer) {
+auto getMetadata(T& transfer) {
     return transfer.picture ? &transfer.picture->metadata : transfer.facts ? &transfer.facts->metadata.blocks : nullptr;
 }
 
@@ -166,7 +166,7 @@ void writeFacts(const PictureFacts& facts, ByteWriter& blocks) {
     }
 }
 
-std::string blocksOf(const Transfer& transfer) {
+std::string getBlocks(const Transfer& transfer) {
     ByteWriter blocks;
     for (const std::string& warning : transfer.warnings) {
         blocks.block(Block::WARNING, warning);
@@ -174,7 +174,7 @@ std::string blocksOf(const Transfer& transfer) {
     if (transfer.outcome == Outcome::FAILURE) {
         blocks.block(Block::FAILURE, transfer.failure);
     }
-    if (const Metadata* metadata = metadataOf(transfer)) {
+    if (const Metadata* metadata = getMetadata(transfer)) {
         forEachMember(*metadata, [&](Block kind, const auto& bytes) {
             if (!bytes.empty()) {
                 blocks.block(kind, bytes.data(), bytes.size());
@@ -200,10 +200,10 @@ public:
 
     bool isAtEnd() const { return mBytes.empty(); }
 
-    std::uint32_t number() { return numberOf<std::uint32_t>(); }
+    std::uint32_t number() { return getNumber<std::uint32_t>(); }
 
     std::span<const std::byte> bytes() {
-        const auto count = numberOf<std::uint64_t>();
+        const auto count = getNumber<std::uint64_t>();
         if (count > mBytes.size()) {
             refuse("a block ends behind the end");
         }
@@ -218,7 +218,7 @@ private:
     }
 
     template <typename T>
-    T numberOf() {
+    T getNumber() {
         if (mBytes.size() < sizeof(T)) {
             refuse("a number ends behind the end");
         }
@@ -276,7 +276,7 @@ bool readFact(Block kind, std::span<const std::byte> bytes, PictureFacts& facts)
 }
 
 void readBlock(Block kind, std::span<const std::byte> bytes, Transfer& transfer) {
-    Metadata* metadata = metadataOf(transfer);
+    Metadata* metadata = getMetadata(transfer);
     if (kind == Block::WARNING && transfer.warnings.size() < MAX_WARNINGS) {
         transfer.warnings.push_back(harmlessText(bytes));
     } else if (kind == Block::FAILURE && transfer.outcome == Outcome::FAILURE) {
@@ -288,7 +288,7 @@ void readBlock(Block kind, std::span<const std::byte> bytes, Transfer& transfer)
 }
 
 /// Pixels where they are.
-PixelBuffer pixelsOf(const TransferHeader& header, const std::shared_ptr<std::byte>& memory) {
+PixelBuffer getPixels(const TransferHeader& header, const std::shared_ptr<std::byte>& memory) {
     const SampleLayout layout = layoutNumbered(header.layout);
     if (workingLayout(layout) != layout) {
         refuse("pictures are not worked with in this sample layout");
@@ -306,9 +306,9 @@ PixelBuffer pixelsOf(const TransferHeader& header, const std::shared_ptr<std::by
     return {view, memory};
 }
 
-Picture pictureOf(const TransferHeader& header, const std::shared_ptr<std::byte>& memory) {
+Picture getPicture(const TransferHeader& header, const std::shared_ptr<std::byte>& memory) {
     Picture picture;
-    picture.pixels = pixelsOf(header, memory);
+    picture.pixels = getPixels(header, memory);
     picture.stored = layoutNumbered(header.stored);
     if (header.alpha > static_cast<std::uint32_t>(AlphaKind::UNPREMULTIPLIED)) {
         refuse("there is no such alpha");
@@ -318,7 +318,7 @@ Picture pictureOf(const TransferHeader& header, const std::shared_ptr<std::byte>
     return picture;
 }
 
-PictureFacts factsOf(const TransferHeader& header) {
+PictureFacts getFacts(const TransferHeader& header) {
     constexpr std::uint32_t LAST_ORIENTATION = 8;
     if (header.orientation < 1 || header.orientation > LAST_ORIENTATION) {
         refuse("there is no such orientation");
@@ -354,7 +354,7 @@ TransferHeader checkedHeader(const std::byte* memory, std::size_t size) {
 }
 
 /// Between the pixels and the end of the memory.
-std::span<const std::byte> blocksOf(const TransferHeader& header, const std::byte* memory, std::size_t size) {
+std::span<const std::byte> getBlocks(const TransferHeader& header, const std::byte* memory, std::size_t size) {
     const std::uint64_t room = size > TRANSFER_PIXELS ? size - TRANSFER_PIXELS : 0;
     if (header.pixelBytes > room || header.blockBytes > room - header.pixelBytes) {
         refuse("it ends behind the end");
@@ -374,13 +374,13 @@ void TransferWriter::announce(FileFormat format, bool confined) const {
     Transfer transfer;
     transfer.format = format;
     transfer.confined = confined;
-    const TransferHeader header = headerOf(transfer);
+    const TransferHeader header = getHeader(transfer);
     writeAt(mDescriptor, 0, &header, sizeof header);
 }
 
 void TransferWriter::write(const Transfer& transfer) const {
-    TransferHeader header = headerOf(transfer);
-    const std::string blocks = blocksOf(transfer);
+    TransferHeader header = getHeader(transfer);
+    const std::string blocks = getBlocks(transfer);
     header.blockBytes = blocks.size();
     if (transfer.picture) {
         writePixels(mDescriptor, transfer.picture->image(), header.pixelBytes / header.height);
@@ -398,15 +398,15 @@ Transfer readTransfer(const std::shared_ptr<std::byte>& memory, std::size_t size
     if (transfer.outcome == Outcome::NONE) {
         return transfer;
     }
-    const std::span<const std::byte> bytes = blocksOf(header, memory.get(), size);
+    const std::span<const std::byte> bytes = getBlocks(header, memory.get(), size);
     if (transfer.outcome == Outcome::PICTURE) {
-        transfer.picture = pictureOf(header, memory);
+        transfer.picture = getPicture(header, memory);
     }
     if (transfer.outcome == Outcome::FACTS) {
         if (transfer.format == FileFormat::UNKNOWN) {
             refuse("facts are of a format");
         }
-        transfer.facts = factsOf(header);
+        transfer.facts = getFacts(header);
     }
     for (ByteReader blocks(bytes); !blocks.isAtEnd();) {
         const auto kind = static_cast<Block>(blocks.number());

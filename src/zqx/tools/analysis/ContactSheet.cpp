@@ -31,7 +31,7 @@ unsigned labelHeightFor(unsigned letters) {
 }
 
 /// The length of a side of the sheet: cells with a gap before each and after the last.
-std::size_t sideOf(std::size_t cells, std::size_t cell, std::size_t gap) {
+std::size_t getSide(std::size_t cells, std::size_t cell, std::size_t gap) {
     return cells * (cell + gap) + gap;
 }
 
@@ -48,7 +48,7 @@ std::size_t bestColumns(std::size_t cells, std::size_t cellWidth, std::size_t ce
     for (std::size_t columns = 1; columns <= cells; ++columns) {
         const std::size_t rows = rowsFor(cells, columns);
         const double shape =
-            static_cast<double>(sideOf(columns, cellWidth, gap)) / static_cast<double>(sideOf(rows, cellHeight, gap));
+            static_cast<double>(getSide(columns, cellWidth, gap)) / static_cast<double>(getSide(rows, cellHeight, gap));
         if (const double distance = std::max(shape / SHAPE, SHAPE / shape); distance < least) {
             least = distance;
             best = columns;
@@ -67,8 +67,8 @@ ContactSheet::ContactSheet(const std::vector<std::string>& labels, unsigned pict
     const std::size_t cellHeight = std::size_t{mPictureHeight} + labelHeightFor(mLetters);
     mColumns = bestColumns(labels.size(), mCellWidth, cellHeight, gap);
     mRows = rowsFor(labels.size(), mColumns);
-    const std::size_t width = sideOf(mColumns, mCellWidth, gap);
-    const std::size_t height = sideOf(mRows, cellHeight, gap);
+    const std::size_t width = getSide(mColumns, mCellWidth, gap);
+    const std::size_t height = getSide(mRows, cellHeight, gap);
     constexpr auto LARGEST = static_cast<std::size_t>(std::numeric_limits<int>::max());
     if (width > LARGEST / 4 || height > LARGEST) {
         throw UsageError("--size", "too large for a sheet of this many pictures; choose a smaller size");

@@ -15,7 +15,7 @@ namespace zqx::tools {
 Histogram countValues(const img::Image& image) {
     const img::kernels::ValueCounts counted = img::kernels::countValues(image);
     Histogram histogram;
-    histogram.color = pictures::hasColor(pictures::layoutOf(image));
+    histogram.color = pictures::hasColor(pictures::getLayout(image));
     histogram.pixels = std::uint64_t{image.getWidth()} * image.getHeight();
     for (std::size_t channel = 0; channel < histogram.channels.size(); ++channel) {
         const img::kernels::ChannelCounts& counts = counted.channels[channel];

@@ -20,7 +20,7 @@ Size fitted(Size size, unsigned longestSide) {
 }
 
 pictures::PixelBuffer areaAverage(const img::Image& source, Size size) {
-    pictures::PixelBuffer result(size.width, size.height, pictures::layoutOf(source));
+    pictures::PixelBuffer result(size.width, size.height, pictures::getLayout(source));
     img::kernels::averageArea(source, result.image());
     return result;
 }

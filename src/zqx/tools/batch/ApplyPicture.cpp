@@ -82,7 +82,7 @@ public:
                                [](const Target& target) { return target.file.get(); });
         OutputFile::commitTogether(files);
         mWatch.addTo(mResult.seconds.store);
-        mResult.depth = nameOf(mTargets.front().layout);
+        mResult.depth = getName(mTargets.front().layout);
         return mResult;
     }
 

@@ -99,14 +99,14 @@ bool exists(const std::string& name) {
 
 /// Whether all outputs are as new as all sources.
 bool isUpToDate(const std::vector<std::string>& outputs, const std::vector<std::string>& sources) {
-    const auto timeOf = [](const std::string& name, std::error_code& failure) {
+    const auto getTime = [](const std::string& name, std::error_code& failure) {
         return fs::last_write_time(toPath(name), failure);
     };
     for (const std::string& output : outputs) {
         std::error_code failure;
-        const fs::file_time_type written = timeOf(output, failure);
+        const fs::file_time_type written = getTime(output, failure);
         for (const std::string& source : sources) {
-            if (failure || timeOf(source, failure) > written) {
+            if (failure || getTime(source, failure) > written) {
                 return false;
             }
         }

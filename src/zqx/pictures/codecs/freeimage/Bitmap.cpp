@@ -8,7 +8,7 @@ namespace zqx::pictures {
 
 namespace {
 
-FREE_IMAGE_TYPE typeOf(SampleLayout working) {
+FREE_IMAGE_TYPE detectType(SampleLayout working) {
     switch (working) {
     case SampleLayout::GRAY32F: return FIT_FLOAT;
     case SampleLayout::RGB32F: return FIT_RGBF;
@@ -17,7 +17,7 @@ FREE_IMAGE_TYPE typeOf(SampleLayout working) {
     }
 }
 
-SampleLayout layoutOf(FIBITMAP* bitmap) {
+SampleLayout getLayout(FIBITMAP* bitmap) {
     switch (FreeImage_GetImageType(bitmap)) {
     case FIT_FLOAT: return SampleLayout::GRAY32F;
     case FIT_RGBF: return SampleLayout::RGB32F;
@@ -30,7 +30,7 @@ SampleLayout layoutOf(FIBITMAP* bitmap) {
 
 } // namespace
 
-RowOrder rowOrderOf(FREE_IMAGE_FORMAT format) {
+RowOrder getRowOrder(FREE_IMAGE_FORMAT format) {
     return format == FIF_PFM ? RowOrder::TOP_FIRST : RowOrder::BOTTOM_FIRST;
 }
 
@@ -48,7 +48,7 @@ PixelBuffer takePixels(Bitmap bitmap, RowOrder order) {
         FreeImage_FlipVertical(bitmap.get());
     }
     const img::Image view(FreeImage_GetBits(bitmap.get()), FreeImage_GetWidth(bitmap.get()),
-                          FreeImage_GetHeight(bitmap.get()), workingFormat(layoutOf(bitmap.get())),
+                          FreeImage_GetHeight(bitmap.get()), workingFormat(getLayout(bitmap.get())),
                           FreeImage_GetPitch(bitmap.get()));
     return {view, std::shared_ptr<FIBITMAP>(bitmap.release(), FreeImage_Unload)};
 }
@@ -58,11 +58,11 @@ Bitmap wrapPixels(PixelBuffer& pixels, RowOrder order) {
     if (order == RowOrder::BOTTOM_FIRST) {
         image.flipVertical();
     }
-    Bitmap bitmap(FreeImage_ConvertFromRawBitsEx(FALSE, static_cast<BYTE*>(image.getDataPtr()), typeOf(pixels.layout()),
-                                                 static_cast<int>(pixels.width()), static_cast<int>(pixels.height()),
-                                                 static_cast<int>(image.getByteRowStride()),
-                                                 static_cast<unsigned>(8 * image.getBytePixelStride()),
-                                                 FI_RGBA_RED_MASK, FI_RGBA_GREEN_MASK, FI_RGBA_BLUE_MASK, FALSE));
+    Bitmap bitmap(FreeImage_ConvertFromRawBitsEx(
+        FALSE, static_cast<BYTE*>(image.getDataPtr()), detectType(pixels.layout()), static_cast<int>(pixels.width()),
+        static_cast<int>(pixels.height()), static_cast<int>(image.getByteRowStride()),
+        static_cast<unsigned>(8 * image.getBytePixelStride()), FI_RGBA_RED_MASK, FI_RGBA_GREEN_MASK, FI_RGBA_BLUE_MASK,
+        FALSE));
     if (!bitmap) {
         throw std::bad_alloc();
     }

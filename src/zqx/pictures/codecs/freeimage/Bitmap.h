@@ -17,7 +17,7 @@ using Bitmap = std::unique_ptr<FIBITMAP, BitmapUnloader>;
 /// The order of the rows in a bitmap's memory. FreeImage stores the bottom row first, except that it reads and writes
 /// portable float maps upside down.
 enum class RowOrder { BOTTOM_FIRST, TOP_FIRST };
-RowOrder rowOrderOf(FREE_IMAGE_FORMAT format);
+RowOrder getRowOrder(FREE_IMAGE_FORMAT format);
 
 /// Allocates a bitmap filled with zeros. @throws std::bad_alloc
 Bitmap allocateBitmap(FREE_IMAGE_TYPE type, unsigned width, unsigned height, int bitsPerPixel = 8);

@@ -17,19 +17,19 @@ namespace zqx::pictures {
 
 namespace {
 
-std::span<const RGBQUAD> paletteOf(FIBITMAP* bitmap) {
+std::span<const RGBQUAD> readPalette(FIBITMAP* bitmap) {
     return {FreeImage_GetPalette(bitmap), FreeImage_GetColorsUsed(bitmap)};
 }
 
 bool hasGrayPalette(FIBITMAP* bitmap) {
-    return std::ranges::all_of(paletteOf(bitmap), [](const RGBQUAD& entry) {
+    return std::ranges::all_of(readPalette(bitmap), [](const RGBQUAD& entry) {
         return entry.rgbRed == entry.rgbGreen && entry.rgbGreen == entry.rgbBlue;
     });
 }
 
 /// Whether each palette index equals its grey value.
 bool isGrayRamp(FIBITMAP* bitmap) {
-    const std::span<const RGBQUAD> palette = paletteOf(bitmap);
+    const std::span<const RGBQUAD> palette = readPalette(bitmap);
     for (std::size_t i = 0; i < palette.size(); ++i) {
         if (palette[i].rgbRed != i) {
             return false;
@@ -40,7 +40,7 @@ bool isGrayRamp(FIBITMAP* bitmap) {
 
 /// The samples of a bitmap, seen from the top.
 template <typename Sample>
-img::kernels::SampleView<Sample> samplesOf(FIBITMAP* bitmap, std::size_t channels, RowOrder order) {
+img::kernels::SampleView<Sample> getSamples(FIBITMAP* bitmap, std::size_t channels, RowOrder order) {
     return {reinterpret_cast<Sample*>(FreeImage_GetBits(bitmap)),
             FreeImage_GetWidth(bitmap),
             FreeImage_GetHeight(bitmap),
@@ -51,20 +51,20 @@ img::kernels::SampleView<Sample> samplesOf(FIBITMAP* bitmap, std::size_t channel
 
 PixelBuffer doublesToFloats(FIBITMAP* bitmap, RowOrder order) {
     PixelBuffer pixels(FreeImage_GetWidth(bitmap), FreeImage_GetHeight(bitmap), SampleLayout::GRAY32F);
-    img::kernels::narrowDoubles(samplesOf<const double>(bitmap, 1, order), pixels.image());
+    img::kernels::narrowDoubles(getSamples<const double>(bitmap, 1, order), pixels.image());
     return pixels;
 }
 
 /// 16-bit samples as linear floats.
 ConvertedPixels decodeDepth16(FIBITMAP* bitmap, SampleLayout layout, RowOrder order) {
     PixelBuffer pixels(FreeImage_GetWidth(bitmap), FreeImage_GetHeight(bitmap), layout);
-    img::kernels::decodeCodes16(samplesOf<const std::uint16_t>(bitmap, channelCount(layout), order), pixels.image());
+    img::kernels::decodeCodes16(getSamples<const std::uint16_t>(bitmap, channelCount(layout), order), pixels.image());
     return {std::move(pixels), layout};
 }
 
 Bitmap encodeDepth16(const PixelBuffer& pixels, SampleLayout layout, RowOrder order) {
-    Bitmap bitmap = allocateBitmap(storedTypeOf(layout), pixels.width(), pixels.height());
-    img::kernels::encodeCodes16(pixels.image(), samplesOf<std::uint16_t>(bitmap.get(), channelCount(layout), order));
+    Bitmap bitmap = allocateBitmap(getStoredType(layout), pixels.width(), pixels.height());
+    img::kernels::encodeCodes16(pixels.image(), getSamples<std::uint16_t>(bitmap.get(), channelCount(layout), order));
     return bitmap;
 }
 
@@ -146,7 +146,7 @@ Bitmap toStoredLayout(const std::string& name, PixelBuffer& pixels, SampleLayout
 
 void unpremultiplyCodes(FIBITMAP* bitmap) {
     if (FreeImage_GetImageType(bitmap) == FIT_RGBA16) {
-        img::kernels::unpremultiplyCodes(samplesOf<std::uint16_t>(bitmap, 4, RowOrder::BOTTOM_FIRST));
+        img::kernels::unpremultiplyCodes(getSamples<std::uint16_t>(bitmap, 4, RowOrder::BOTTOM_FIRST));
     } else {
         img::kernels::unpremultiplyCodes(img::Image(FreeImage_GetBits(bitmap), FreeImage_GetWidth(bitmap),
                                                     FreeImage_GetHeight(bitmap), workingFormat(SampleLayout::RGBA8),

@@ -27,7 +27,7 @@ void setComment(FIBITMAP* bitmap, const std::string& keyword, const std::string&
     }
 }
 
-std::string commentsOf(FIBITMAP* bitmap) {
+std::string getComments(FIBITMAP* bitmap) {
     std::string block;
     FITAG* tag = nullptr;
     FIMETADATA* search = FreeImage_FindFirstMetadata(FIMD_COMMENTS, bitmap, &tag);
@@ -46,14 +46,14 @@ std::string commentsOf(FIBITMAP* bitmap) {
 
 } // namespace
 
-Metadata metadataOf(FIBITMAP* bitmap) {
+Metadata getMetadata(FIBITMAP* bitmap) {
     Metadata metadata;
     const FIICCPROFILE* profile = FreeImage_GetICCProfile(bitmap);
     if (profile != nullptr && profile->data != nullptr && profile->size > 0) {
         const BYTE* bytes = static_cast<const BYTE*>(profile->data);
         metadata.icc.assign(bytes, bytes + profile->size);
     }
-    metadata.comments = commentsOf(bitmap);
+    metadata.comments = getComments(bitmap);
     metadata.resolution = {FreeImage_GetDotsPerMeterX(bitmap), FreeImage_GetDotsPerMeterY(bitmap)};
     return metadata;
 }

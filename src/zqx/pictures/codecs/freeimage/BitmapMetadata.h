@@ -10,7 +10,7 @@
 namespace zqx::pictures {
 
 /// The metadata that the decoder found, without Exif, IPTC and XMP.
-Metadata metadataOf(FIBITMAP* bitmap);
+Metadata getMetadata(FIBITMAP* bitmap);
 
 /// Attaches to a bitmap the metadata that its encoder is to write.
 void attachMetadata(FIBITMAP* bitmap, const Metadata& metadata);

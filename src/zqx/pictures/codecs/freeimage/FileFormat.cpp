@@ -18,13 +18,13 @@ constexpr FREE_IMAGE_FORMAT IDS[FILE_FORMAT_COUNT] = {
     FIF_PFM, FIF_PGM,   FIF_PGMRAW, FIF_PICT, FIF_PNG,   FIF_PPM, FIF_PPMRAW, FIF_PSD,    FIF_RAS, FIF_RAW,
     FIF_SGI, FIF_TARGA, FIF_TIFF,   FIF_WBMP, FIF_WEBP,  FIF_XBM, FIF_XPM};
 
-int bitsPerPixelOf(SampleLayout layout) {
+int countBitsPerPixel(SampleLayout layout) {
     return static_cast<int>(channelCount(layout)) * bitsPerChannel(layout);
 }
 
 } // namespace
 
-FREE_IMAGE_FORMAT idOf(FileFormat format) {
+FREE_IMAGE_FORMAT getFormatId(FileFormat format) {
     return format == FileFormat::UNKNOWN ? FIF_UNKNOWN : IDS[static_cast<std::size_t>(format)];
 }
 
@@ -37,7 +37,7 @@ FileFormat formatOfId(FREE_IMAGE_FORMAT id) {
     return FileFormat::UNKNOWN;
 }
 
-FREE_IMAGE_TYPE storedTypeOf(SampleLayout layout) {
+FREE_IMAGE_TYPE getStoredType(SampleLayout layout) {
     switch (layout) {
     case SampleLayout::GRAY32F: return FIT_FLOAT;
     case SampleLayout::RGB32F: return FIT_RGBF;
@@ -49,19 +49,19 @@ FREE_IMAGE_TYPE storedTypeOf(SampleLayout layout) {
     }
 }
 
-const char* nameOf(FileFormat format) {
-    const char* name = FreeImage_GetFormatFromFIF(idOf(format));
+const char* getName(FileFormat format) {
+    const char* name = FreeImage_GetFormatFromFIF(getFormatId(format));
     return name != nullptr ? name : "unknown";
 }
 
-const char* descriptionOf(FileFormat format) {
-    const char* description = FreeImage_GetFIFDescription(idOf(format));
+const char* getDescription(FileFormat format) {
+    const char* description = FreeImage_GetFIFDescription(getFormatId(format));
     return description != nullptr ? description : "unknown";
 }
 
-std::vector<std::string> extensionsOf(FileFormat format) {
+std::vector<std::string> getExtensions(FileFormat format) {
     std::vector<std::string> extensions;
-    const char* list = FreeImage_GetFIFExtensionList(idOf(format));
+    const char* list = FreeImage_GetFIFExtensionList(getFormatId(format));
     for (std::string_view rest(list != nullptr ? list : ""); !rest.empty();) {
         const std::size_t comma = rest.find(',');
         extensions.emplace_back(rest.substr(0, comma));
@@ -71,13 +71,13 @@ std::vector<std::string> extensionsOf(FileFormat format) {
 }
 
 bool canRead(FileFormat format) {
-    return format != FileFormat::UNKNOWN && FreeImage_FIFSupportsReading(idOf(format)) != 0;
+    return format != FileFormat::UNKNOWN && FreeImage_FIFSupportsReading(getFormatId(format)) != 0;
 }
 
 bool canWrite(FileFormat format) {
     // FreeImage has an encoder for JPEG XR, but it always fails when writing to a stream.
     return format != FileFormat::UNKNOWN && format != FileFormat::JXR &&
-           FreeImage_FIFSupportsWriting(idOf(format)) != 0;
+           FreeImage_FIFSupportsWriting(getFormatId(format)) != 0;
 }
 
 /// FreeImage reports what its encoders accept, which is not always what they write.
@@ -103,15 +103,15 @@ bool holds(FileFormat format, SampleLayout layout) {
     default: break;
     }
     if (layout == SampleLayout::PALETTE8) {
-        return FreeImage_FIFSupportsExportBPP(idOf(format), 8) != 0;
+        return FreeImage_FIFSupportsExportBPP(getFormatId(format), 8) != 0;
     }
-    const FREE_IMAGE_TYPE type = storedTypeOf(layout);
-    return type == FIT_BITMAP ? FreeImage_FIFSupportsExportBPP(idOf(format), bitsPerPixelOf(layout)) != 0
-                              : FreeImage_FIFSupportsExportType(idOf(format), type) != 0;
+    const FREE_IMAGE_TYPE type = getStoredType(layout);
+    return type == FIT_BITMAP ? FreeImage_FIFSupportsExportBPP(getFormatId(format), countBitsPerPixel(layout)) != 0
+                              : FreeImage_FIFSupportsExportType(getFormatId(format), type) != 0;
 }
 
 bool holdsColorProfile(FileFormat format) {
-    return format != FileFormat::UNKNOWN && FreeImage_FIFSupportsICCProfiles(idOf(format)) != 0;
+    return format != FileFormat::UNKNOWN && FreeImage_FIFSupportsICCProfiles(getFormatId(format)) != 0;
 }
 
 FileFormat formatOfName(const std::string& name) {
@@ -126,7 +126,7 @@ FileFormat outputFormat(const std::string& name) {
         throw UsageError(name, "unknown picture extension; use one such as .png, .jpg or .tif");
     }
     if (!canWrite(format)) {
-        throw UsageError(name, std::string(nameOf(format)) +
+        throw UsageError(name, std::string(getName(format)) +
                                    " files can be read but not written; use an extension such as .png, .jpg or .tif");
     }
     return format;

@@ -76,7 +76,7 @@ void refuseMisreadTiff(const std::string& name, const TiffSamples& samples) {
 }
 
 /// Determines the kind of alpha, and unpremultiplies 8-bit and 16-bit codes.
-AlphaKind alphaKindOf(FIBITMAP* bitmap, const Header& header) {
+AlphaKind getAlphaKind(FIBITMAP* bitmap, const Header& header) {
     switch (FreeImage_GetImageType(bitmap)) {
     case FIT_RGBAF:
         return header.info.format == FileFormat::EXR || header.tiff.premultiplied ? AlphaKind::PREMULTIPLIED
@@ -96,13 +96,13 @@ AlphaKind alphaKindOf(FIBITMAP* bitmap, const Header& header) {
 Bitmap tryDecode(FreeImageStream& stream, const std::string& name, FileFormat format, int flags) {
     const img::LibraryMessages listening;
     if (!gFaultsAreErrors) {
-        return Bitmap(stream.decode(idOf(format), flags));
+        return Bitmap(stream.decode(getFormatId(format), flags));
     }
     try {
         const qutil::SehTranslator translator; // damaged files may cause faults in FreeImage's decoders
-        return Bitmap(stream.decode(idOf(format), flags));
+        return Bitmap(stream.decode(getFormatId(format), flags));
     } catch (const qutil::SehException&) {
-        throw Error(name, std::string("crashed the ") + nameOf(format) + " decoder; the file is probably damaged");
+        throw Error(name, std::string("crashed the ") + getName(format) + " decoder; the file is probably damaged");
     }
 }
 
@@ -129,7 +129,7 @@ Bitmap decode(FreeImageStream& stream, const InputFile& file, FileFormat format,
     if (!bitmap) {
         checkForLackOfMemory(bytes * COPIES);
         throw Error(file.name(),
-                    std::string("cannot be read as ") + nameOf(format) + inItsWords() + "; the file may be damaged");
+                    std::string("cannot be read as ") + getName(format) + inItsWords() + "; the file may be damaged");
     }
     return bitmap;
 }
@@ -154,7 +154,7 @@ void checkBitmap(const std::string& name, const Bitmap& bitmap, const Limits& li
     }
 }
 
-const char* nameOf(FREE_IMAGE_TYPE type) {
+const char* getName(FREE_IMAGE_TYPE type) {
     switch (type) {
     case FIT_BITMAP: return "8-bit or less";
     case FIT_UINT16: return "unsigned 16-bit";
@@ -172,7 +172,7 @@ const char* nameOf(FREE_IMAGE_TYPE type) {
     }
 }
 
-const char* nameOf(FREE_IMAGE_COLOR_TYPE type) {
+const char* getName(FREE_IMAGE_COLOR_TYPE type) {
     switch (type) {
     case FIC_MINISWHITE: return "grey, 0 is white";
     case FIC_MINISBLACK: return "grey";
@@ -203,7 +203,7 @@ FileFormat detectFormat(InputFile& file) {
 
 Header readHeader(InputFile& file, FileFormat format) {
     Header header = probeAs(file, format);
-    if (isProbed(format) || !FreeImage_FIFSupportsNoPixels(idOf(format))) {
+    if (isProbed(format) || !FreeImage_FIFSupportsNoPixels(getFormatId(format))) {
         return header;
     }
     FreeImageStream stream(file, maskMetadata(file, format));
@@ -234,9 +234,9 @@ Picture decodeByFreeImage(InputFile& file, const Header& header, const Limits& l
     }
     checkBitmap(name, bitmap, limits);
     Picture picture;
-    picture.metadata = metadataOf(bitmap.get());
-    picture.alpha = alphaKindOf(bitmap.get(), header);
-    ConvertedPixels converted = toWorkingLayout(name, std::move(bitmap), rowOrderOf(idOf(format)));
+    picture.metadata = getMetadata(bitmap.get());
+    picture.alpha = getAlphaKind(bitmap.get(), header);
+    ConvertedPixels converted = toWorkingLayout(name, std::move(bitmap), getRowOrder(getFormatId(format)));
     picture.pixels = std::move(converted.pixels);
     picture.stored = converted.stored;
     return picture;
@@ -244,16 +244,16 @@ Picture decodeByFreeImage(InputFile& file, const Header& header, const Limits& l
 
 PixelDescription describeByFreeImage(InputFile& file, FileFormat format) {
     FreeImageStream stream(file, maskMetadata(file, format));
-    const int flags = FreeImage_FIFSupportsNoPixels(idOf(format)) ? FIF_LOAD_NOPIXELS : 0;
+    const int flags = FreeImage_FIFSupportsNoPixels(getFormatId(format)) ? FIF_LOAD_NOPIXELS : 0;
     const Bitmap bitmap = decode(stream, file, format, flags, 0);
     FIBITMAP* handle = bitmap.get();
     return {FreeImage_GetWidth(handle),
             FreeImage_GetHeight(handle),
             FreeImage_GetBPP(handle),
-            nameOf(FreeImage_GetImageType(handle)),
-            nameOf(FreeImage_GetColorType(handle)),
+            getName(FreeImage_GetImageType(handle)),
+            getName(FreeImage_GetColorType(handle)),
             FreeImage_IsTransparent(handle) != 0,
-            metadataOf(handle)};
+            getMetadata(handle)};
 }
 
 std::string freeImageVersion() {

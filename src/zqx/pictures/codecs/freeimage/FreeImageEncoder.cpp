@@ -55,15 +55,16 @@ void encodeByFreeImage(const std::string& name, FileFormat format, PixelBuffer p
     if (format == FileFormat::HDR) {
         limitToSharedExponent(pixels.image());
     }
-    Bitmap bitmap = toStoredLayout(name, pixels, layout, rowOrderOf(idOf(format)));
+    Bitmap bitmap = toStoredLayout(name, pixels, layout, getRowOrder(getFormatId(format)));
     attachMetadata(bitmap.get(), metadata);
     const Memory memory(FreeImage_OpenMemory(nullptr, 0));
     BYTE* bytes = nullptr;
     DWORD size = 0;
-    if (!memory || !FreeImage_SaveToMemory(idOf(format), bitmap.get(), memory.get(), saveFlags(format, quality)) ||
+    if (!memory ||
+        !FreeImage_SaveToMemory(getFormatId(format), bitmap.get(), memory.get(), saveFlags(format, quality)) ||
         !FreeImage_AcquireMemory(memory.get(), &bytes, &size)) {
         checkForLackOfMemory(std::uint64_t{2} * pixels.image().getByteRowStride() * pixels.height());
-        throw Error(name, std::string("cannot be written as ") + nameOf(format) + inItsWords() +
+        throw Error(name, std::string("cannot be written as ") + getName(format) + inItsWords() +
                               "; choose another extension such as .png or .tif");
     }
     bitmap.reset();

@@ -21,7 +21,7 @@ std::error_code lastError() {
     return {errno, std::generic_category()};
 }
 
-std::error_code resultOf(int returned) {
+std::error_code getResult(int returned) {
     return returned == 0 ? std::error_code() : lastError();
 }
 
@@ -48,7 +48,7 @@ Stream streamFor(int descriptor, const char* mode, std::error_code& failure) {
     return stream;
 }
 
-FileKind kindOf(const struct stat& status) {
+FileKind getKind(const struct stat& status) {
     if (S_ISREG(status.st_mode)) {
         return FileKind::REGULAR;
     }
@@ -120,7 +120,7 @@ OpenedFile adoptForReading(int descriptor, std::error_code& failure) {
         close(descriptor);
         return file;
     }
-    file.kind = kindOf(status);
+    file.kind = getKind(status);
     if (file.kind == FileKind::DIRECTORY || file.kind == FileKind::SOCKET) {
         close(descriptor);
         return file;
@@ -232,7 +232,7 @@ std::error_code storeFolder(const std::string& folder) {
         return {};
     }
     const int result = persistently([descriptor] { return fsync(descriptor); });
-    const std::error_code failure = resultOf(result);
+    const std::error_code failure = getResult(result);
     close(descriptor);
     return failure == std::errc::invalid_argument ? std::error_code()
                                                   : failure; // on file systems that do not support it
@@ -243,7 +243,7 @@ bool isWritable(const std::string& name, bool isFolder) {
 }
 
 std::error_code renameOver(const std::string& from, const std::string& to) {
-    return resultOf(rename(from.c_str(), to.c_str()));
+    return getResult(rename(from.c_str(), to.c_str()));
 }
 
 std::error_code renameToNew(const std::string& from, const std::string& to) {
@@ -259,7 +259,7 @@ std::error_code renameToNew(const std::string& from, const std::string& to) {
 }
 
 std::error_code linkFile(const std::string& name, const std::string& second) {
-    return resultOf(link(name.c_str(), second.c_str()));
+    return getResult(link(name.c_str(), second.c_str()));
 }
 
 } // namespace zqx::pictures

@@ -27,7 +27,7 @@ std::error_code lastError() {
     return {errno, std::generic_category()};
 }
 
-std::error_code resultOf(BOOL succeeded) {
+std::error_code getResult(BOOL succeeded) {
     return succeeded ? std::error_code() : std::error_code(static_cast<int>(GetLastError()), std::system_category());
 }
 
@@ -150,15 +150,15 @@ bool isWritable(const std::string& name, bool) {
 }
 
 std::error_code renameOver(const std::string& from, const std::string& to) {
-    return resultOf(MoveFileExW(toPath(from).c_str(), toPath(to).c_str(), MOVEFILE_REPLACE_EXISTING));
+    return getResult(MoveFileExW(toPath(from).c_str(), toPath(to).c_str(), MOVEFILE_REPLACE_EXISTING));
 }
 
 std::error_code renameToNew(const std::string& from, const std::string& to) {
-    return resultOf(MoveFileExW(toPath(from).c_str(), toPath(to).c_str(), 0));
+    return getResult(MoveFileExW(toPath(from).c_str(), toPath(to).c_str(), 0));
 }
 
 std::error_code linkFile(const std::string& name, const std::string& second) {
-    return resultOf(CreateHardLinkW(toPath(second).c_str(), toPath(name).c_str(), nullptr));
+    return getResult(CreateHardLinkW(toPath(second).c_str(), toPath(name).c_str(), nullptr));
 }
 
 } // namespace zqx::pictures

@@ -119,7 +119,7 @@ Exiv2::ExifData::const_iterator find(const Exiv2::ExifData& tags, std::string_vi
                         [&](const Exiv2::Exifdatum& tag) { return tag.tag() == number && isIn(tag, group); });
 }
 
-double fractionOf(const Exiv2::Exifdatum& tag) {
+double getFraction(const Exiv2::Exifdatum& tag) {
     if (tag.count() == 0) {
         return 0.0;
     }
@@ -185,12 +185,12 @@ bool isStructure(std::string_view property) {
 
 } // namespace
 
-int orientationOf(const Exiv2::ExifData& tags) {
+int getOrientation(const Exiv2::ExifData& tags) {
     const auto tag = find(tags, MAIN_GROUP, ORIENTATION);
-    return tag != tags.end() ? static_cast<int>(numberOf(*tag)) : UPRIGHT;
+    return tag != tags.end() ? static_cast<int>(getNumber(*tag)) : UPRIGHT;
 }
 
-std::optional<Resolution> resolutionOf(const Exiv2::ExifData& tags) {
+std::optional<Resolution> getResolution(const Exiv2::ExifData& tags) {
     constexpr double INCHES_PER_METRE = 1.0 / 0.0254;
     constexpr double CENTIMETRES_PER_METRE = 100.0;
     constexpr long long UNIT_NONE = 1;
@@ -198,13 +198,13 @@ std::optional<Resolution> resolutionOf(const Exiv2::ExifData& tags) {
     const auto x = find(tags, MAIN_GROUP, X_RESOLUTION);
     const auto y = find(tags, MAIN_GROUP, Y_RESOLUTION);
     const auto unit = find(tags, MAIN_GROUP, RESOLUTION_UNIT);
-    const long long unitNumber = unit != tags.end() ? numberOf(*unit) : 2; // inches, unless said otherwise
+    const long long unitNumber = unit != tags.end() ? getNumber(*unit) : 2; // inches, unless said otherwise
     if (x == tags.end() || y == tags.end() || unitNumber == UNIT_NONE) {
         return std::nullopt;
     }
     const double scale = unitNumber == UNIT_CENTIMETRE ? CENTIMETRES_PER_METRE : INCHES_PER_METRE;
-    const double dotsX = fractionOf(*x) * scale;
-    const double dotsY = fractionOf(*y) * scale;
+    const double dotsX = getFraction(*x) * scale;
+    const double dotsY = getFraction(*y) * scale;
     constexpr double LARGEST = 1e8;
     if (!(dotsX >= 1.0 && dotsX <= LARGEST && dotsY >= 1.0 && dotsY <= LARGEST)) {
         return std::nullopt;

@@ -9,10 +9,10 @@
 namespace zqx::pictures {
 
 /// The orientation that the tags ask for; upright where they ask for none.
-int orientationOf(const Exiv2::ExifData& tags);
+int getOrientation(const Exiv2::ExifData& tags);
 
 /// As the tags tell it; nothing where they tell none that makes sense.
-std::optional<Resolution> resolutionOf(const Exiv2::ExifData& tags);
+std::optional<Resolution> getResolution(const Exiv2::ExifData& tags);
 
 /// Removes what describes the file and not the picture (how its samples are laid out, thumbnails, blocks of other
 /// standards), and what is no longer true once the picture is turned.

@@ -44,15 +44,15 @@ void forgetComplaints() {
     tComplaints.clear();
 }
 
-bool complainedOf(std::string_view kind) {
+bool hasComplaint(std::string_view kind) {
     return tComplaints.find("decode " + std::string(kind) + " ") != std::string::npos;
 }
 
-std::string wordsOf(const std::exception& failure) {
+std::string getMessage(const std::exception& failure) {
     return text::inOneLine(failure.what());
 }
 
-long long numberOf(const Exiv2::Exifdatum& tag) {
+long long getNumber(const Exiv2::Exifdatum& tag) {
     if (tag.count() == 0) {
         return 0;
     }
@@ -63,7 +63,7 @@ long long numberOf(const Exiv2::Exifdatum& tag) {
 #endif
 }
 
-std::vector<unsigned char> bytesOf(const Exiv2::DataBuf& buffer) {
+std::vector<unsigned char> getBytes(const Exiv2::DataBuf& buffer) {
 #if EXIV2_TEST_VERSION(0, 28, 0)
     return {buffer.c_data(), buffer.c_data() + buffer.size()};
 #else
@@ -71,14 +71,14 @@ std::vector<unsigned char> bytesOf(const Exiv2::DataBuf& buffer) {
 #endif
 }
 
-std::vector<unsigned char> profileOf(Exiv2::Image& image) {
+std::vector<unsigned char> getProfile(Exiv2::Image& image) {
     if (!image.iccProfileDefined()) {
         return {};
     }
 #if EXIV2_TEST_VERSION(0, 28, 0)
-    return bytesOf(image.iccProfile());
+    return getBytes(image.iccProfile());
 #else
-    return bytesOf(*image.iccProfile());
+    return getBytes(*image.iccProfile());
 #endif
 }
 

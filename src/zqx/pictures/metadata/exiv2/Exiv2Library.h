@@ -23,18 +23,18 @@ void prepareExiv2();
 void forgetComplaints();
 
 /// True when Exiv2 could make nothing of a kind of metadata ("Exif", "IPTC", "XMP") on this thread.
-bool complainedOf(std::string_view kind);
+bool hasComplaint(std::string_view kind);
 
 /// An exception's words, without line breaks and without what a terminal would obey.
-std::string wordsOf(const std::exception& failure);
+std::string getMessage(const std::exception& failure);
 
 /// A number of a tag; 0 where it has none.
-long long numberOf(const Exiv2::Exifdatum& tag);
+long long getNumber(const Exiv2::Exifdatum& tag);
 
-std::vector<unsigned char> bytesOf(const Exiv2::DataBuf& buffer);
+std::vector<unsigned char> getBytes(const Exiv2::DataBuf& buffer);
 
 /// The colour profile of a picture that was read; empty where it has none.
-std::vector<unsigned char> profileOf(Exiv2::Image& image);
+std::vector<unsigned char> getProfile(Exiv2::Image& image);
 
 struct ExifBlock {
     Exiv2::ExifData tags;

@@ -37,19 +37,19 @@ Block readBlock(const std::string& name, const char* kind, const std::function<B
     try {
         Block block = read();
         if (block.size() <= LARGEST_BLOCK) {
-            if (block.empty() && complainedOf(kind)) {
+            if (block.empty() && hasComplaint(kind)) {
                 warn(name, std::string("its ") + kind + " cannot be read, it is left out");
             }
             return block;
         }
         warn(name, std::string("its ") + kind + " is larger than 64 MiB and is left out");
     } catch (const std::exception& failure) {
-        warn(name, std::string("its ") + kind + " cannot be read (" + wordsOf(failure) + "), it is left out");
+        warn(name, std::string("its ") + kind + " cannot be read (" + getMessage(failure) + "), it is left out");
     }
     return {};
 }
 
-std::vector<unsigned char> exifOf(Exiv2::Image& image, FileFormat format, int orientation) {
+std::vector<unsigned char> getExif(Exiv2::Image& image, FileFormat format, int orientation) {
     Exiv2::ExifData& tags = image.exifData();
     keepDescription(tags, orientation);
     if (format == FileFormat::TIFF && !tellSomething(tags)) {
@@ -58,12 +58,12 @@ std::vector<unsigned char> exifOf(Exiv2::Image& image, FileFormat format, int or
     return encodeExif(tags, image.byteOrder());
 }
 
-std::vector<unsigned char> iptcOf(Exiv2::Image& image) {
+std::vector<unsigned char> getIptc(Exiv2::Image& image) {
     return image.iptcData().empty() ? std::vector<unsigned char>()
-                                    : bytesOf(Exiv2::IptcParser::encode(image.iptcData()));
+                                    : getBytes(Exiv2::IptcParser::encode(image.iptcData()));
 }
 
-std::string xmpOf(Exiv2::Image& image, int orientation) {
+std::string getXmp(Exiv2::Image& image, int orientation) {
     Exiv2::XmpData& properties = image.xmpData();
     // The properties', not the image's, which for TIFF is none and for others is written anew.
     std::string packet = properties.xmpPacket();
@@ -85,20 +85,21 @@ void parse(Exiv2::Image& image, const std::string& name) {
     try {
         image.readMetadata();
     } catch (const std::exception& failure) {
-        warn(name, "not all of its metadata can be read (" + wordsOf(failure) + "), what cannot is left out");
+        warn(name, "not all of its metadata can be read (" + getMessage(failure) + "), what cannot is left out");
     }
 }
 
 FileMetadata read(Exiv2::Image& image, const std::string& name, FileFormat format) {
     parse(image, name);
     FileMetadata result;
-    result.orientation = orientationOf(image.exifData());
-    result.blocks.icc = readBlock<std::vector<unsigned char>>(name, "colour profile", [&] { return profileOf(image); });
+    result.orientation = getOrientation(image.exifData());
+    result.blocks.icc =
+        readBlock<std::vector<unsigned char>>(name, "colour profile", [&] { return getProfile(image); });
     result.blocks.exif =
-        readBlock<std::vector<unsigned char>>(name, "Exif", [&] { return exifOf(image, format, result.orientation); });
-    result.resolution = resolutionOf(image.exifData());
-    result.blocks.iptc = readBlock<std::vector<unsigned char>>(name, "IPTC", [&] { return iptcOf(image); });
-    result.blocks.xmp = readBlock<std::string>(name, "XMP", [&] { return xmpOf(image, result.orientation); });
+        readBlock<std::vector<unsigned char>>(name, "Exif", [&] { return getExif(image, format, result.orientation); });
+    result.resolution = getResolution(image.exifData());
+    result.blocks.iptc = readBlock<std::vector<unsigned char>>(name, "IPTC", [&] { return getIptc(image); });
+    result.blocks.xmp = readBlock<std::string>(name, "XMP", [&] { return getXmp(image, result.orientation); });
     return result;
 }
 
@@ -113,7 +114,7 @@ FileMetadata readByExiv2(ByteSource& file, FileFormat format) {
         const std::unique_ptr<Exiv2::Image> image = openImage(file);
         return read(*image, file.name(), format);
     } catch (const std::exception& failure) {
-        warn(file.name(), "its metadata cannot be read (" + wordsOf(failure) + "), it is left out");
+        warn(file.name(), "its metadata cannot be read (" + getMessage(failure) + "), it is left out");
     }
     return {};
 }

@@ -21,7 +21,7 @@ struct Kind {
 };
 using Kinds = std::vector<Kind>;
 
-std::string namesOf(const Kinds& kinds) {
+std::string getNames(const Kinds& kinds) {
     std::string names;
     for (const Kind& kind : kinds) {
         names += (names.empty() ? "" : ", ") + std::string(kind.name);
@@ -36,7 +36,7 @@ std::string areLeftOut(const Kinds& kinds) {
 using ImageType = decltype(Exiv2::ImageFactory::getType(nullptr, Exiv2Size()));
 using ImagePointer = std::unique_ptr<Exiv2::Image>; // which it is not in all versions of Exiv2
 
-const Exiv2::byte* dataOf(std::string_view encoded) {
+const Exiv2::byte* getData(std::string_view encoded) {
     return reinterpret_cast<const Exiv2::byte*>(encoded.data());
 }
 
@@ -46,7 +46,7 @@ public:
     Work(const std::string& name, std::string_view encoded, const Metadata& metadata, unsigned width, unsigned height)
         : mName(name), mEncoded(encoded), mMetadata(metadata), mExif(decodeExif(metadata.exif)) {
         if (encoded.size() <= static_cast<std::size_t>(std::numeric_limits<Exiv2Size>::max())) {
-            mType = Exiv2::ImageFactory::getType(dataOf(encoded), static_cast<Exiv2Size>(encoded.size()));
+            mType = Exiv2::ImageFactory::getType(getData(encoded), static_cast<Exiv2Size>(encoded.size()));
         }
         setSize(mExif.tags, width, height);
     }
@@ -63,7 +63,7 @@ public:
             }
         }
         if (!lost.empty()) {
-            warn(mName, "this format cannot hold " + namesOf(lost) + ", " + areLeftOut(lost));
+            warn(mName, "this format cannot hold " + getNames(lost) + ", " + areLeftOut(lost));
         }
         return chosen;
     }
@@ -95,7 +95,7 @@ public:
 
 private:
     void warnOfFailure(const Kinds& kinds, const std::string& reason) const {
-        warn(mName, namesOf(kinds) + " cannot be written (" + reason + "), " + areLeftOut(kinds));
+        warn(mName, getNames(kinds) + " cannot be written (" + reason + "), " + areLeftOut(kinds));
     }
 
     bool canHold(const Kind& kind) const {
@@ -142,7 +142,7 @@ private:
     ImagePointer attempt(const Kinds& kinds, std::string& reason) const {
         try {
             ImagePointer image(
-                Exiv2::ImageFactory::open(dataOf(mEncoded), static_cast<Exiv2Size>(mEncoded.size())).release());
+                Exiv2::ImageFactory::open(getData(mEncoded), static_cast<Exiv2Size>(mEncoded.size())).release());
             image->readMetadata();
             for (const Kind& kind : kinds) {
                 put(*image, kind);
@@ -150,7 +150,7 @@ private:
             image->writeMetadata();
             return image;
         } catch (const std::exception& failure) {
-            reason = wordsOf(failure);
+            reason = getMessage(failure);
         }
         return nullptr;
     }
@@ -171,7 +171,7 @@ ImagePointer rewrite(const std::string& name, std::string_view encoded, const Me
         const Kinds kinds = work.choose();
         return kinds.empty() ? nullptr : work.putIn(kinds);
     } catch (const std::exception& failure) {
-        warn(name, "its metadata cannot be written (" + wordsOf(failure) + "), it is left out");
+        warn(name, "its metadata cannot be written (" + getMessage(failure) + "), it is left out");
     }
     return nullptr;
 }
