@@ -47,16 +47,16 @@ TEST(LimitsTest, WhatIsAsLargeAsAllowedIsRead) {
 
 TEST(LimitsTest, EachRefusalNamesItsLimitAndItsOption) {
     EXPECT_EQ(getRefusal(11, 20, {.width = 10, .height = 20, .pixels = 1000}),
-              "a.png: is 11 pixels wide, more than the 10 allowed; --max-width raises that");
+              "a.png: is 11 pixels wide, more than the 10 allowed; --max-width raises this limit");
     EXPECT_EQ(getRefusal(10, 21, {.width = 10, .height = 20, .pixels = 1000}),
-              "a.png: is 21 pixels high, more than the 20 allowed; --max-height raises that");
+              "a.png: is 21 pixels high, more than the 20 allowed; --max-height raises this limit");
     EXPECT_EQ(getRefusal(10, 20, {.width = 10, .height = 20, .pixels = 199}),
-              "a.png: has 200 pixels, more than the 199 allowed; --max-pixels raises that");
+              "a.png: has 200 pixels, more than the 199 allowed; --max-pixels raises this limit");
 }
 
 TEST(LimitsTest, PixelsAreCountedBeyond32Bits) {
     EXPECT_EQ(getRefusal(65536, 65536, {.width = 100000, .height = 100000, .pixels = 4294967295U}),
-              "a.png: has 4294967296 pixels, more than the 4294967295 allowed; --max-pixels raises that");
+              "a.png: has 4294967296 pixels, more than the 4294967295 allowed; --max-pixels raises this limit");
 }
 
 TEST(ReadingOptionsTest, NothingIsDecidedAboutIsolationByDefault) {

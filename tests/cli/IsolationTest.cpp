@@ -221,7 +221,7 @@ TEST_F(IsolationTest, EveryCommandThatReadsPicturesCanIsolate) {
         const Outcome outcome = zqxImg(command);
         EXPECT_EQ(outcome.exitCode, 1) << command.front();
         EXPECT_EQ(getText(in, outcome.err),
-                  "took longer than the 0.5 s that decoding may take; --decode-time raises that")
+                  "takes longer to decode than the 0.5 s allowed; --decode-time raises this limit")
             << command.front();
         EXPECT_FALSE(fs::exists(at("out.png")));
     }
@@ -302,7 +302,7 @@ TEST_F(IsolationTest, ForbiddenFileIsToldInTheSameWords) {
             command.insert(command.begin(), std::begin(asMortal), std::end(asMortal));
         }
         EXPECT_EQ(getText(at("in.png"), runCommand(command).err),
-                  "cannot be opened (Permission denied), check its permissions");
+                  "cannot be opened (Permission denied); check its permissions");
     }
 }
 
@@ -315,7 +315,7 @@ TEST_F(IsolationTest, NamesOfAllKindsArrive) {
 
 TEST_F(IsolationTest, EndlessDecodingIsEnded) {
     EXPECT_EQ(getFailure(endlessPicture(), {"--decode-time", "1"}),
-              "took longer than the 1 s that decoding may take; --decode-time raises that");
+              "takes longer to decode than the 1 s allowed; --decode-time raises this limit");
 }
 
 /// What the decoder's memory looks like decides whether it dies at once, later or just refuses.
@@ -334,7 +334,7 @@ TEST_F(IsolationTest, FilesThatDecodersDoNotSurviveAreErrors) {
 TEST_F(IsolationTest, PicturesBeyondTheMemoryAreRefused) {
     writePicture(at("in.png"), paint(2000, 2000, 24, motley));
     EXPECT_EQ(getFailure(at("in.png"), {"--decode-memory", "8M"}),
-              "needs more than the 8 MiB that decoding may use; --decode-memory raises that");
+              "needs more than the 8 MiB allowed for decoding; --decode-memory raises this limit");
     succeed({"apply", at("in.png"), "-o", at("out.png"), "--decode-memory", "256M"});
 }
 
@@ -342,7 +342,7 @@ TEST_F(IsolationTest, PicturesBeyondTheMemoryAreRefused) {
 TEST_F(IsolationTest, DecodersThatTakeMoreThanThePixelsAreLimited) {
     writePicture(at("in.jp2"), paint(1200, 1200, 24, motley)); // decoded to 32-bit integers first
     EXPECT_EQ(getFailure(at("in.jp2"), {"--decode-memory", "6M"}),
-              "needs more than the 6 MiB that decoding may use; --decode-memory raises that");
+              "needs more than the 6 MiB allowed for decoding; --decode-memory raises this limit");
     EXPECT_NE(getFailure(at("in.jp2"), {"--decode-memory", "12M"}), "");
     succeed({"apply", at("in.jp2"), "-o", at("out.png"), "--decode-memory", "256M"});
 }
@@ -457,7 +457,7 @@ TEST_F(EndlessRunTest, LostDecoderTakesNobodyWithIt) {
     kill(decoder(), SIGABRT);
     EXPECT_EQ(end().exitCode, 1);
     EXPECT_TRUE(getText(input(), end().err) // the format may or may not have been known by then
-                    .ends_with("decoder down (it aborted), the file is damaged or hostile"))
+                    .ends_with("decoder (aborted); the file is damaged or hostile"))
         << end().err;
 }
 
@@ -479,9 +479,8 @@ TEST_F(EndlessRunTest, DecoderHasNoMoreThanItNeeds) {
 #endif
 
 TEST_F(OtherDecoderTest, NoneAtAll) {
-    EXPECT_EQ(failure(), "cannot be decoded in a process of its own, there is no program zqx-img-decoder in " +
-                             at("bin") + " or " + at("libexec/zqx-img") +
-                             "; install it, or do without by --no-isolate");
+    EXPECT_EQ(failure(), "cannot be decoded in a separate process: there is no program zqx-img-decoder in " +
+                             at("bin") + " or " + at("libexec/zqx-img") + "; install it, or use --no-isolate");
     EXPECT_EQ(runCommand({at("bin/zqx-img"), "apply", at("in.png"), "-o", at("out.png")}).exitCode, 0);
 }
 
@@ -496,7 +495,7 @@ TEST_F(OtherDecoderTest, ThatCannotBeStarted) {
     writeFile(at("bin/zqx-img-decoder"), "\x7F"
                                          "ELF");
     fs::permissions(at("bin/zqx-img-decoder"), fs::perms(0755));
-    EXPECT_NE(failure().find("cannot be decoded in a process of its own ("), std::string::npos);
+    EXPECT_NE(failure().find("cannot be decoded in a separate process ("), std::string::npos);
 }
 
 TEST_F(OtherDecoderTest, ThatSaysNothing) {
@@ -506,7 +505,7 @@ TEST_F(OtherDecoderTest, ThatSaysNothing) {
 
 TEST_F(OtherDecoderTest, ThatGivesUp) {
     makeDecoder("exit 9");
-    EXPECT_EQ(failure(), "its decoder gave up (exit code 9), the file may be damaged");
+    EXPECT_EQ(failure(), "its decoder failed with exit code 9; the file may be damaged");
 }
 
 TEST_F(OtherDecoderTest, ThatTalksNonsense) {
@@ -518,21 +517,21 @@ TEST_F(OtherDecoderTest, ThatTalksNonsense) {
 
 TEST_F(OtherDecoderTest, ThatWantsToBeLeftAlone) {
     makeDecoder("exec 4>&-; sleep 600");
-    EXPECT_EQ(failure(), "its decoder was killed, perhaps because the memory was used up");
+    EXPECT_EQ(failure(), "its decoder was killed, possibly for lack of memory");
 }
 
 TEST_F(OtherDecoderTest, ThatLeavesOthersBehind) {
     makeDecoder("sleep 600 & exit 0");
-    EXPECT_EQ(failure("1"), "took longer than the 1 s that decoding may take; --decode-time raises that");
+    EXPECT_EQ(failure("1"), "takes longer to decode than the 1 s allowed; --decode-time raises this limit");
 }
 
 TEST_F(OtherDecoderTest, ThatDiesOfItsSignals) {
     makeDecoder("kill -SEGV $$");
-    EXPECT_EQ(failure(), "brought its decoder down (segmentation fault), the file is damaged or hostile");
+    EXPECT_EQ(failure(), "crashed its decoder (segmentation fault); the file is damaged or hostile");
     makeDecoder("kill -ABRT $$");
-    EXPECT_EQ(failure(), "brought its decoder down (it aborted), the file is damaged or hostile");
+    EXPECT_EQ(failure(), "crashed its decoder (aborted); the file is damaged or hostile");
     makeDecoder("kill -XCPU $$");
-    EXPECT_EQ(failure(), "took longer than the 20 s that decoding may take; --decode-time raises that");
+    EXPECT_EQ(failure(), "takes longer to decode than the 20 s allowed; --decode-time raises this limit");
 }
 
 TEST_F(OtherDecoderTest, FindsNothingOfTheProgramButItsTwoDescriptors) {

@@ -44,7 +44,7 @@ TEST_F(WeakIsolationTest, IsolationIsRefused) {
         EXPECT_EQ(outcome.exitCode, 1) << command;
         EXPECT_EQ(outcome.err, "zqx-img: " + at("a.png") +
                                    ": cannot be decoded in isolation, as this system does not confine processes (it "
-                                   "takes Linux with seccomp filters); --weak-isolation does without\n");
+                                   "takes Linux with seccomp filters); --weak-isolation works without\n");
     }
     EXPECT_FALSE(std::filesystem::exists(at("out.png")));
 }

@@ -101,7 +101,7 @@ TEST(MemoryGateTest, PictureThatIsTooLargeAloneIsRefusedWithTheWayOut) {
         FAIL() << "was let in";
     } catch (const Error& error) {
         EXPECT_STREQ(error.what(), "big.png: needs about 1.0 GiB of memory, more than the 512 MiB allowed; "
-                                   "--max-memory raises that");
+                                   "--max-memory raises this limit");
     }
     const MemoryGate::Share next = gate.admit("small.png", 1); // nobody stands in the way
 }

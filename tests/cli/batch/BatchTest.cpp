@@ -399,7 +399,7 @@ TEST_F(BatchTest, PictureBeyondTheMemoryLimitIsRefusedAloneWithTheWayOut) {
         zqxImg({"apply", at("in"), "--output-dir", at("out"), "--name", "{stem}.bmp", "--max-memory", "16M"});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_NE(outcome.err.find(at("in/large.png") + ": needs about 25 MiB of memory, more than the 16 MiB allowed; "
-                                                    "--max-memory raises that"),
+                                                    "--max-memory raises this limit"),
               std::string::npos)
         << outcome.err;
     EXPECT_EQ(filesBelow("out"), Names{"small.bmp"});

@@ -42,15 +42,16 @@ std::string big(std::uint32_t value, int bytes = 4) {
 
 TEST_F(LimitsTest, WidthHeightPixelsAndBytes) {
     EXPECT_EQ(getRefusal("in.png", {"--max-width", "49"}),
-              line("in.png", "is 50 pixels wide, more than the 49 allowed; --max-width raises that"));
+              line("in.png", "is 50 pixels wide, more than the 49 allowed; --max-width raises this limit"));
     EXPECT_EQ(getRefusal("in.png", {"--max-height", "39"}),
-              line("in.png", "is 40 pixels high, more than the 39 allowed; --max-height raises that"));
+              line("in.png", "is 40 pixels high, more than the 39 allowed; --max-height raises this limit"));
     EXPECT_EQ(getRefusal("in.png", {"--max-pixels", "1999"}),
-              line("in.png", "has 2000 pixels, more than the 1999 allowed; --max-pixels raises that"));
+              line("in.png", "has 2000 pixels, more than the 1999 allowed; --max-pixels raises this limit"));
     writeFile(at("big.png"), readFile(at("in.png")) + std::string(1 << 20U, ' '));
     const std::string size = std::to_string(readFile(at("big.png")).size());
-    EXPECT_EQ(getRefusal("big.png", {"--max-bytes", "1M"}),
-              line("big.png", "is a file of " + size + " bytes, more than the 1 MiB allowed; --max-bytes raises that"));
+    EXPECT_EQ(
+        getRefusal("big.png", {"--max-bytes", "1M"}),
+        line("big.png", "is a file of " + size + " bytes, more than the 1 MiB allowed; --max-bytes raises this limit"));
 }
 
 TEST_F(LimitsTest, ExactlyWhatIsAllowedIsRead) {
@@ -68,7 +69,7 @@ TEST_F(LimitsTest, LimitsCanBeRaised) {
                            },
                            [](unsigned x, unsigned) { return x % 256; }));
     EXPECT_EQ(getRefusal("wide.png", {}),
-              line("wide.png", "is 70000 pixels wide, more than the 65500 allowed; --max-width raises that"));
+              line("wide.png", "is 70000 pixels wide, more than the 65500 allowed; --max-width raises this limit"));
     succeed({"apply", wide, "-o", at("out.png"), "--max-width", "70K"});
 }
 
@@ -95,7 +96,7 @@ TEST_F(LimitsTest, PicturesWithoutAReadableHeaderAreCheckedAfterwards) {
     writeFile(at("a.xbm"), "#define a_width 16\n#define a_height 1\nstatic char a_bits[] = {\n  0x0F, 0x3C, };\n");
     succeed({"apply", at("a.xbm"), "-o", at("ok.png")});
     EXPECT_EQ(getRefusal("a.xbm", {"--max-width", "15"}),
-              line("a.xbm", "is 16 pixels wide, more than the 15 allowed; --max-width raises that"));
+              line("a.xbm", "is 16 pixels wide, more than the 15 allowed; --max-width raises this limit"));
 }
 
 TEST_F(LimitsTest, GuidesOfTheDenoiserAreLimitedToo) {
@@ -116,7 +117,7 @@ TEST_F(LimitsTest, EveryCommandThatReadsPicturesLimitsItsMemory) {
         {"apply", in, "-o", at("out.png")}};
     for (std::vector<std::string> command : commands) {
         command.insert(command.end(), {"--max-memory", "1M"});
-        fail(1, command, "more than the 1.0 MiB allowed; --max-memory raises that");
+        fail(1, command, "more than the 1.0 MiB allowed; --max-memory raises this limit");
     }
     EXPECT_EQ(files(), std::vector<std::string>{"in.png"});
 }

@@ -101,7 +101,7 @@ TEST_P(MetadataTest, SurvivesIntoEachFormat) {
             expected.back() = "-";
         }
         EXPECT_EQ(getTags(out, TAGS), expected) << extension;
-        const std::string warning = "zqx-img: warning: " + out + ": this format cannot hold IPTC, it is left out\n";
+        const std::string warning = "zqx-img: warning: " + out + ": this format cannot hold IPTC, which is left out\n";
         EXPECT_EQ(outcome.err, extension == "webp" && GetParam() != "webp" ? warning : "") << extension;
         EXPECT_EQ(FreeImage_GetWidth(readPicture(out).get()), WIDTH) << extension;
     }
@@ -147,7 +147,7 @@ TEST_F(MetadataTest, WebpKeepsAlphaBesideMetadata) {
 TEST_F(MetadataTest, WhatAFormatCannotHoldIsToldOnce) {
     const std::string in = taggedPicture("jpg");
     EXPECT_EQ(getWarnings({"apply", in, "-o", at("out.bmp")}),
-              "zqx-img: warning: " + at("out.bmp") + ": this format cannot hold Exif, IPTC, XMP, they are left out\n");
+              "zqx-img: warning: " + at("out.bmp") + ": this format cannot hold Exif, IPTC, XMP, which are left out\n");
 }
 
 TEST_F(MetadataTest, ExifOfAnOrientationOnlyIsNoLoss) {
@@ -362,7 +362,7 @@ TEST_F(MetadataTest, XmpThatIsNoneIsToldAndLeftOut) {
     file.replace(file.find("<x:xmpmeta") + 1, 2, "<<");
     writeFile(at("damaged.jpg"), file);
     EXPECT_EQ(getWarnings({"apply", at("damaged.jpg"), "-o", at("out.jpg")}),
-              "zqx-img: warning: " + at("damaged.jpg") + ": its XMP cannot be read, it is left out\n");
+              "zqx-img: warning: " + at("damaged.jpg") + ": its XMP cannot be read and is left out\n");
     Strings expected = VALUES;
     expected[3] = "-";
     EXPECT_EQ(getTags(at("out.jpg"), TAGS), expected);

@@ -9,7 +9,7 @@ namespace zqx::pictures {
 namespace {
 
 void refuse(const std::string& name, const std::string& fact, const std::string& limit, const std::string& option) {
-    throw Error(name, fact + ", more than the " + limit + " allowed; " + option + " raises that");
+    throw Error(name, fact + ", more than the " + limit + " allowed; " + option + " raises this limit");
 }
 
 } // namespace

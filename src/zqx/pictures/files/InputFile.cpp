@@ -39,7 +39,7 @@ InputFile::InputFile(const std::string& name, Source source) : mName(name) {
         throw Error(name, "there is no such file; check the name");
     }
     if (failure) {
-        throw Error(name, "cannot be opened (" + failure.message() + "), check its permissions");
+        throw Error(name, "cannot be opened (" + failure.message() + "); check its permissions");
     }
     checkKind(source);
 }

@@ -253,8 +253,8 @@ DecoderEnd runDecoder(const std::string& program, const DecodeRequest& request, 
 std::string findDecoder(const std::string& subject) {
     const fs::path folder = programDirectory();
     if (folder.empty()) {
-        throw Error(subject, "cannot be decoded in a process of its own, as this system does not tell where this "
-                             "program is and its decoder should be; --no-isolate does without");
+        throw Error(subject, "cannot be decoded in a separate process: the system does not say where this program is, "
+                             "and its decoder should be beside it; --no-isolate works without");
     }
     const fs::path installed = (folder / ZQX_DECODER_FOLDER / DECODER).lexically_normal();
     for (const fs::path& candidate : {folder / DECODER, installed}) {
@@ -262,9 +262,9 @@ std::string findDecoder(const std::string& subject) {
             return candidate.string();
         }
     }
-    throw Error(subject, std::string("cannot be decoded in a process of its own, there is no program ") + DECODER +
+    throw Error(subject, std::string("cannot be decoded in a separate process: there is no program ") + DECODER +
                              " in " + folder.string() + " or " + installed.parent_path().string() +
-                             "; install it, or do without by --no-isolate");
+                             "; install it, or use --no-isolate");
 }
 
 } // namespace zqx::pictures

@@ -51,7 +51,7 @@ DecodeRequest requestFor(const std::string& name, const ReadOptions& options, De
 
 const char* getName(int signal) {
     switch (signal) {
-    case SIGABRT: return "it aborted";
+    case SIGABRT: return "aborted";
     case SIGBUS: return "bus error";
     case SIGFPE: return "arithmetic fault";
     case SIGILL: return "illegal instruction";
@@ -62,18 +62,18 @@ const char* getName(int signal) {
 }
 
 [[noreturn]] void throwTooLong(const std::string& name, const ReadOptions& options) {
-    throw Error(name, "took longer than the " + text::significant(options.decodeSeconds) +
-                          " s that decoding may take; --decode-time raises that");
+    throw Error(name, "takes longer to decode than the " + text::significant(options.decodeSeconds) +
+                          " s allowed; --decode-time raises this limit");
 }
 
 [[noreturn]] void throwTooMuch(const std::string& name, const ReadOptions& options) {
     throw Error(name, "needs more than the " + text::exactSize(memoryFor(options)) +
-                          " that decoding may use; --decode-memory raises that");
+                          " allowed for decoding; --decode-memory raises this limit");
 }
 
 [[noreturn]] void throwUnconfined(const std::string& name) {
     throw Error(name, "cannot be decoded in isolation, as this system does not confine processes (it takes Linux with "
-                      "seccomp filters); --weak-isolation does without");
+                      "seccomp filters); --weak-isolation works without");
 }
 
 /// Once: it is as true of the next picture.
@@ -117,15 +117,15 @@ void throwDeath(const std::string& name, const ReadOptions& options, const Decod
         throwTooMuch(name, options);
     }
     if (end.signal == SIGKILL) {
-        throw Error(name, describeDecoder(readRemains(memory)) + " was killed, perhaps because the memory was used up");
+        throw Error(name, describeDecoder(readRemains(memory)) + " was killed, possibly for lack of memory");
     }
     if (end.signal != 0) {
-        throw Error(name, "brought " + describeDecoder(readRemains(memory)) + " down (" + getName(end.signal) +
-                              "), the file is damaged or hostile");
+        throw Error(name, "crashed " + describeDecoder(readRemains(memory)) + " (" + getName(end.signal) +
+                              "); the file is damaged or hostile");
     }
     if (end.exitCode != 0) {
-        throw Error(name, describeDecoder(readRemains(memory)) + " gave up (exit code " + std::to_string(end.exitCode) +
-                              "), the file may be damaged");
+        throw Error(name, describeDecoder(readRemains(memory)) + " failed with exit code " +
+                              std::to_string(end.exitCode) + "; the file may be damaged");
     }
 }
 
@@ -172,10 +172,10 @@ Transfer run(const PictureFile& file, const ReadOptions& options, DecodeRequest:
                           memory);
     } catch (const BadTransfer& bad) {
         throw Error(name, std::string("its decoder's result cannot be used (") + bad.what() +
-                              "), the file is hostile or " + program + " is of another version");
+                              "); the file is hostile, or " + program + " is of another version");
     } catch (const std::system_error& failure) {
-        throw Error(name, "cannot be decoded in a process of its own (" + failure.code().message() +
-                              "); --no-isolate does without");
+        throw Error(name, "cannot be decoded in a separate process (" + failure.code().message() +
+                              "); --no-isolate works without");
     }
 }
 
@@ -204,11 +204,11 @@ bool canIsolate() {
 }
 
 Picture decodeIsolated(PictureFile& file, const ReadOptions&) {
-    throw Error(file.name(), "cannot be decoded in a process of its own on this system");
+    throw Error(file.name(), "cannot be decoded in a separate process on this system");
 }
 
 PictureFacts describeIsolated(PictureFile& file, const ReadOptions&) {
-    throw Error(file.name(), "cannot be decoded in a process of its own on this system");
+    throw Error(file.name(), "cannot be decoded in a separate process on this system");
 }
 
 } // namespace zqx::pictures

@@ -91,7 +91,7 @@ std::uint64_t multiplied(std::uint64_t a, std::uint64_t b) {
 void refuseBeyond(const std::string& name, std::uint64_t need, std::uint64_t limit) {
     if (need > limit) {
         throw Error(name, "needs about " + text::roundedSize(need) + " of memory, more than the " +
-                              text::roundedSize(limit) + " allowed; --max-memory raises that");
+                              text::roundedSize(limit) + " allowed; --max-memory raises this limit");
     }
 }
 

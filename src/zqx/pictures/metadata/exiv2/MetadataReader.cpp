@@ -38,13 +38,13 @@ Block readBlock(const std::string& name, const char* kind, const std::function<B
         Block block = read();
         if (block.size() <= LARGEST_BLOCK) {
             if (block.empty() && hasComplaint(kind)) {
-                warn(name, std::string("its ") + kind + " cannot be read, it is left out");
+                warn(name, std::string("its ") + kind + " cannot be read and is left out");
             }
             return block;
         }
         warn(name, std::string("its ") + kind + " is larger than 64 MiB and is left out");
     } catch (const std::exception& failure) {
-        warn(name, std::string("its ") + kind + " cannot be read (" + getMessage(failure) + "), it is left out");
+        warn(name, std::string("its ") + kind + " cannot be read (" + getMessage(failure) + ") and is left out");
     }
     return {};
 }
@@ -74,7 +74,7 @@ std::string getXmp(Exiv2::Image& image, int orientation) {
     }
     const bool changed = properties.count() != before || orientation != UPRIGHT;
     if ((changed || packet.empty()) && Exiv2::XmpParser::encode(packet, properties) != 0) {
-        throw std::runtime_error("it cannot be brought into order");
+        throw std::runtime_error("it cannot be encoded");
     }
     return packet;
 }
@@ -85,7 +85,7 @@ void parse(Exiv2::Image& image, const std::string& name) {
     try {
         image.readMetadata();
     } catch (const std::exception& failure) {
-        warn(name, "not all of its metadata can be read (" + getMessage(failure) + "), what cannot is left out");
+        warn(name, "not all of its metadata can be read (" + getMessage(failure) + "); the rest is left out");
     }
 }
 
@@ -114,7 +114,7 @@ FileMetadata readByExiv2(ByteSource& file, FileFormat format) {
         const std::unique_ptr<Exiv2::Image> image = openImage(file);
         return read(*image, file.name(), format);
     } catch (const std::exception& failure) {
-        warn(file.name(), "its metadata cannot be read (" + getMessage(failure) + "), it is left out");
+        warn(file.name(), "its metadata cannot be read (" + getMessage(failure) + ") and is left out");
     }
     return {};
 }

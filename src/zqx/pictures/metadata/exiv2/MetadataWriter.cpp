@@ -30,7 +30,7 @@ std::string getNames(const Kinds& kinds) {
 }
 
 std::string areLeftOut(const Kinds& kinds) {
-    return kinds.size() == 1 ? "it is left out" : "they are left out";
+    return kinds.size() == 1 ? "is left out" : "are left out";
 }
 
 using ImageType = decltype(Exiv2::ImageFactory::getType(nullptr, Exiv2Size()));
@@ -63,7 +63,7 @@ public:
             }
         }
         if (!lost.empty()) {
-            warn(mName, "this format cannot hold " + getNames(lost) + ", " + areLeftOut(lost));
+            warn(mName, "this format cannot hold " + getNames(lost) + ", which " + areLeftOut(lost));
         }
         return chosen;
     }
@@ -95,7 +95,7 @@ public:
 
 private:
     void warnOfFailure(const Kinds& kinds, const std::string& reason) const {
-        warn(mName, getNames(kinds) + " cannot be written (" + reason + "), " + areLeftOut(kinds));
+        warn(mName, getNames(kinds) + " cannot be written (" + reason + ") and " + areLeftOut(kinds));
     }
 
     bool canHold(const Kind& kind) const {
@@ -171,7 +171,7 @@ ImagePointer rewrite(const std::string& name, std::string_view encoded, const Me
         const Kinds kinds = work.choose();
         return kinds.empty() ? nullptr : work.putIn(kinds);
     } catch (const std::exception& failure) {
-        warn(name, "its metadata cannot be written (" + getMessage(failure) + "), it is left out");
+        warn(name, "its metadata cannot be written (" + getMessage(failure) + ") and is left out");
     }
     return nullptr;
 }
