@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <unistd.h>
@@ -95,6 +96,9 @@ int attack(const DecodeRequest& request) {
         std::abort();
     } else if (mode == "leaving") {
         leave();
+        stayForEver();
+    } else if (mode == "noticed") {
+        close(open((target.folder + "/started").c_str(), O_WRONLY | O_CREAT, 0600));
         stayForEver();
     } else if (mode == "hiding") {
         leave();

@@ -1,7 +1,14 @@
 // Processes that do not want to end are ended, and nobody waits longer for them than they may take.
 #include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <future>
+#include <system_error>
+#include <thread>
 
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include "isolation/AttackerRun.h"
@@ -40,6 +47,35 @@ TEST_F(RogueDecoderTest, ThatIsOutlivedByItsChild) {
     EXPECT_TRUE(result.end.tookTooLong);
     EXPECT_EQ(result.end.exitCode, 0);
     EXPECT_EQ(kill(std::stoi(result.words), SIGKILL), 0);
+}
+
+/// A system that cannot wait says so again and again.
+TEST_F(RogueDecoderTest, WaitingThatFailsIsAnErrorAndEndsIt) {
+    std::signal(SIGUSR1, [](int) {});
+    std::promise<bool> failed;
+    std::thread waiting([&] {
+        try {
+            run("noticed");
+            failed.set_value(false);
+        } catch (const std::system_error&) {
+            failed.set_value(true);
+        }
+    });
+    while (!std::filesystem::exists(at("started"))) {
+        std::this_thread::yield();
+    }
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit none{0, before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none); // from now on even one descriptor is too many to wait for
+    std::future<bool> outcome = failed.get_future();
+    while (outcome.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
+        pthread_kill(waiting.native_handle(), SIGUSR1); // so that it waits anew
+    }
+    waiting.join();
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_TRUE(outcome.get());
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), 0) << "a process is left beside the bystander";
 }
 
 TEST_F(RogueDecoderTest, NoneIsLeftBehind) {
