@@ -9,6 +9,11 @@ named=$(sed -n '/^## Where things are/,/^## /s,^\([A-Za-z0-9_/-]*/\)  *[^ ].*,\1
     echo "docs/architecture.md lists only: $named" >&2
     exit 1
 }
+# The folder of each source and header.
+sources() {
+    find include src apps platform tests examples bench -name '*.cpp' -printf '%h\n' -o -name '*.h' -printf '%h\n' | sort
+}
+
 complaints=()
 while read -r folder; do
     [[ -d $folder ]] || complaints+=("docs/architecture.md names $folder, which does not exist.")
@@ -22,12 +27,12 @@ while read -r folder; do
     done
     grep --quiet --line-regexp --fixed-strings "$above/" <<<"$named" ||
         complaints+=("docs/architecture.md does not say what is in $folder.")
-done < <(find include src apps platform tests examples bench -name '*.cpp' -printf '%h\n' -o -name '*.h' -printf '%h\n' | sort -u)
+done < <(sources | uniq)
 
-# Headers lie beside their sources and are not counted.
 while read -r count folder; do
-    ((count <= MOST_SOURCES)) || complaints+=("$folder has $count sources: more than $MOST_SOURCES are hard to survey.")
-done < <(find src apps platform tests examples bench -name '*.cpp' -printf '%h\n' | sort | uniq -c)
+    ((count <= MOST_SOURCES)) ||
+        complaints+=("$folder has $count sources and headers: more than $MOST_SOURCES are hard to survey.")
+done < <(sources | uniq -c)
 
 ((${#complaints[@]} == 0)) || {
     printf '%s\n' "${complaints[@]}" >&2

@@ -1,5 +1,5 @@
 // Smaller images, beside a literal mean in double precision.
-#include "kernels/AreaAverage.h"
+#include "kernels/geometry/AreaAverage.h"
 
 #include <algorithm>
 #include <cmath>

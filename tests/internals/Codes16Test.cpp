@@ -1,5 +1,5 @@
 // 16-bit samples and linear floats: exact in both directions.
-#include "kernels/Codes16.h"
+#include "kernels/samples/Codes16.h"
 
 #include <cmath>
 #include <cstdint>

@@ -1,12 +1,12 @@
 // Matrices of colour science against published values and double precision.
-#include "kernels/ColorScience.h"
+#include "kernels/maths/ColorScience.h"
 
 #include <cmath>
 #include <limits>
 
 #include <gtest/gtest.h>
 
-#include "kernels/GradingParams.h"
+#include "kernels/grading/GradingParams.h"
 
 namespace {
 

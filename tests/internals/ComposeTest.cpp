@@ -1,5 +1,5 @@
 // Images put together: rectangles, halves, and what lies over a ground.
-#include "kernels/Compose.h"
+#include "kernels/geometry/Compose.h"
 
 #include <algorithm>
 #include <memory>

@@ -1,5 +1,5 @@
 // Distances of two images, beside a literal comparison.
-#include "kernels/Distance.h"
+#include "kernels/statistics/Distance.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // The frozen gamma tables against the powers that they stand for.
-#include "kernels/GammaTables.h"
+#include "kernels/maths/GammaTables.h"
 
 #include <bit>
 #include <cmath>

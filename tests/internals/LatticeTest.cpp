@@ -1,5 +1,5 @@
 // The colours of 3D tables for stored pictures, and doubles as floats.
-#include "kernels/Lattice.h"
+#include "kernels/grading/Lattice.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "kernels/Doubles.h"
+#include "kernels/samples/Doubles.h"
 #include "unit/support/Compare.h"
 #include "unit/support/GuardedImage.h"
 

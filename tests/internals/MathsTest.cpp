@@ -16,7 +16,7 @@
 #include <hwy/foreach_target.h> // before highway.h
 #include <hwy/highway.h>
 
-#include "kernels/Maths-inl.h"
+#include "kernels/maths/Maths-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace zqx::img::kernels::HWY_NAMESPACE {

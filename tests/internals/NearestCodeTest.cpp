@@ -1,12 +1,12 @@
 // Encoding by thresholds: bytes by rounding, and curves that are no gamma curve.
-#include "kernels/NearestCode.h"
+#include "kernels/samples/NearestCode.h"
 
 #include <limits>
 
 #include <gtest/gtest.h>
 
 #include "internals/support/Floats.h"
-#include "kernels/GammaTables.h"
+#include "kernels/maths/GammaTables.h"
 #include "oracle/Nearest.h"
 
 namespace {

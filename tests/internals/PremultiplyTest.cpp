@@ -1,5 +1,5 @@
 // Colours divided by alpha and multiplied by it, as files hold them.
-#include "kernels/Premultiply.h"
+#include "kernels/samples/Premultiply.h"
 
 #include <cmath>
 #include <cstdint>

@@ -1,6 +1,6 @@
 // The library's own powers, logarithms and circular functions: how near they come to the exact values, which long
 // doubles stand for, and what they make of zeros, infinities and what is not a number.
-#include "kernels/ScalarMaths.h"
+#include "kernels/maths/ScalarMaths.h"
 
 #include <algorithm>
 #include <bit>
@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "kernels/GradingParams.h"
+#include "kernels/grading/GradingParams.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Counting values, beside a literal count.
-#include "kernels/ValueCounts.h"
+#include "kernels/statistics/ValueCounts.h"
 
 #include <cmath>
 

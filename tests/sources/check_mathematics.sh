@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # No source calls the transcendental functions of the system's mathematics library, whose last bits differ from system
-# to system: kernels/ScalarMaths.h has those of single numbers, kernels/Maths-inl.h those of vectors.
+# to system: kernels/maths/ScalarMaths.h has those of single numbers, kernels/maths/Maths-inl.h those of vectors.
 # What IEEE 754 defines to the last bit may be called: sqrt, fma, floor, ldexp, nextafter and the like.
 #
 # check_mathematics.sh PROJECT FOLDER...
@@ -14,7 +14,7 @@ readonly NAMES='(a?(sin|cos|tan)h?|atan2|exp(2|10|m1)?|log(2|10|1p)?|pow|cbrt|hy
 readonly CALL="(\\bstd::|(?<![\\w:])::)$NAMES\\b|(?<![\\w:.>\"])$NAMES\\((?!d, )"
 
 # Here the functions are made; they call each other.
-readonly MADE_HERE='^src/zqx/img/kernels/(ScalarMaths\.(h|cpp)|Maths-inl\.h):'
+readonly MADE_HERE='^src/zqx/img/kernels/maths/(ScalarMaths\.(h|cpp)|Maths-inl\.h):'
 
 # Prints "file:line:code" of every call in a folder; comments and texts do not count.
 calls_in() {
@@ -45,6 +45,6 @@ fi
 
 found=$(calls_in "$@" | grep --invert-match --extended-regexp "$MADE_HERE" || true)
 if [[ -n $found ]]; then
-    printf 'These lines call the system, take the functions of kernels/ScalarMaths.h:\n%s\n' "$found" >&2
+    printf 'These lines call the system, take the functions of kernels/maths/ScalarMaths.h:\n%s\n' "$found" >&2
     exit 1
 fi

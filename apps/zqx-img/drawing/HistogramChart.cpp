@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "drawing/Drawing.h"
-#include "kernels/ScalarMaths.h"
+#include "kernels/maths/ScalarMaths.h"
 #include "zqx/pictures/files/Error.h"
 
 namespace zqx::app {

@@ -1,8 +1,8 @@
 #include <zqx/img/Color.h>
 
-#include "kernels/Gamma.h"
-#include "kernels/GammaTables.h"
-#include "kernels/ScalarMaths.h"
+#include "kernels/maths/Gamma.h"
+#include "kernels/maths/GammaTables.h"
+#include "kernels/maths/ScalarMaths.h"
 
 namespace zqx::img {
 

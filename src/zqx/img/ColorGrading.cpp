@@ -1,9 +1,9 @@
 // The grading settings and their preparation. The operation itself is in kernels/Grade.
 #include <zqx/img/ColorGrading.h>
 
-#include "kernels/Grade.h"
-#include "kernels/GradingParams.h"
-#include "kernels/Limit.h"
+#include "kernels/grading/Grade.h"
+#include "kernels/grading/GradingParams.h"
+#include "kernels/maths/Limit.h"
 
 namespace zqx::img {
 

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "OpenImageDenoise.h"
-#include "kernels/Channels.h"
+#include "kernels/samples/Channels.h"
+#include "system/OpenImageDenoise.h"
 
 namespace zqx::img {
 

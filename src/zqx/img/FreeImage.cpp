@@ -8,7 +8,7 @@
 
 #include "FreeImageAdapter.h"
 #include "FreeImageSupport.h"
-#include "LibraryMessages.h"
+#include "system/LibraryMessages.h"
 
 #if defined(_WIN32)
 #include <qutil/XString.h>

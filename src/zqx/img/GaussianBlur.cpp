@@ -3,9 +3,9 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "kernels/Blur.h"
-#include "kernels/FilterWork.h"
-#include "kernels/ScalarMaths.h"
+#include "kernels/filters/Blur.h"
+#include "kernels/filters/FilterWork.h"
+#include "kernels/maths/ScalarMaths.h"
 
 namespace zqx::img {
 

@@ -5,12 +5,12 @@
 #include <limits>
 #include <new>
 
-#include "LargePages.h"
-#include "kernels/Channels.h"
-#include "kernels/Convert.h"
-#include "kernels/PixelFormat.h"
 #include "kernels/Rows.h"
-#include "kernels/Turn.h"
+#include "kernels/geometry/Turn.h"
+#include "kernels/samples/Channels.h"
+#include "kernels/samples/Convert.h"
+#include "kernels/samples/PixelFormat.h"
+#include "system/LargePages.h"
 
 namespace zqx::img {
 

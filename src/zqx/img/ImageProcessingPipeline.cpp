@@ -13,10 +13,10 @@
 #include <zqx/img/Sharpen.h>
 
 #include "BitmapSize.h"
-#include "kernels/Convert.h"
-#include "kernels/FilterWork.h"
-#include "kernels/Limit.h"
-#include "kernels/PixelFormat.h"
+#include "kernels/filters/FilterWork.h"
+#include "kernels/maths/Limit.h"
+#include "kernels/samples/Convert.h"
+#include "kernels/samples/PixelFormat.h"
 
 #define ZQX_PIPELINE_SITE ZQX_METHOD_SITE("src/zqx/img/ImageProcessingPipeline")
 

@@ -2,9 +2,9 @@
 
 #include <zqx/img/GaussianBlur.h>
 
-#include "kernels/FilterWork.h"
-#include "kernels/Limit.h"
-#include "kernels/UnsharpMask.h"
+#include "kernels/filters/FilterWork.h"
+#include "kernels/filters/UnsharpMask.h"
+#include "kernels/maths/Limit.h"
 
 namespace zqx::img {
 

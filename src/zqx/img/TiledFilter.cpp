@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "kernels/Blend.h"
+#include "kernels/filters/Blend.h"
 
 namespace zqx::img {
 

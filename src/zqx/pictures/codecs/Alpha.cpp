@@ -2,7 +2,7 @@
 // the light of a flame: there is nothing to divide it by, and it keeps its values.
 #include "zqx/pictures/codecs/Alpha.h"
 
-#include "kernels/Premultiply.h"
+#include "kernels/samples/Premultiply.h"
 
 namespace zqx::pictures {
 

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "kernels/Distance.h"
-#include "kernels/ScalarMaths.h"
+#include "kernels/maths/ScalarMaths.h"
+#include "kernels/statistics/Distance.h"
 #include "zqx/pictures/codecs/Alpha.h"
 
 namespace zqx::tools {

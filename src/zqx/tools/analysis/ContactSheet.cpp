@@ -9,7 +9,7 @@
 
 #include <zqx/img/Color.h>
 
-#include "kernels/Compose.h"
+#include "kernels/geometry/Compose.h"
 #include "zqx/pictures/files/Error.h"
 
 namespace zqx::tools {

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "kernels/Lattice.h"
+#include "kernels/grading/Lattice.h"
 #include "zqx/pictures/files/Error.h"
 #include "zqx/pictures/files/FileNames.h"
 #include "zqx/pictures/files/OutputFile.h"

@@ -7,7 +7,7 @@
 
 #include <zqx/pictures/SampleLayout.h>
 
-#include "kernels/ValueCounts.h"
+#include "kernels/statistics/ValueCounts.h"
 #include "zqx/text/Numbers.h"
 
 namespace zqx::tools {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "kernels/AreaAverage.h"
+#include "kernels/geometry/AreaAverage.h"
 
 namespace zqx::tools {
 

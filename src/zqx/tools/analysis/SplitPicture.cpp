@@ -1,7 +1,7 @@
 // Before and after in one picture.
 #include "zqx/tools/analysis/SplitPicture.h"
 
-#include "kernels/Compose.h"
+#include "kernels/geometry/Compose.h"
 #include "zqx/tools/analysis/Render.h"
 
 namespace zqx::tools {

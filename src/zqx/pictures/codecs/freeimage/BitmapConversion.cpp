@@ -6,9 +6,9 @@
 #include <span>
 #include <utility>
 
-#include "kernels/Codes16.h"
-#include "kernels/Doubles.h"
-#include "kernels/Premultiply.h"
+#include "kernels/samples/Codes16.h"
+#include "kernels/samples/Doubles.h"
+#include "kernels/samples/Premultiply.h"
 #include "zqx/pictures/codecs/freeimage/FormatIds.h"
 #include "zqx/pictures/codecs/freeimage/FreeImageMessages.h"
 #include "zqx/pictures/files/Error.h"

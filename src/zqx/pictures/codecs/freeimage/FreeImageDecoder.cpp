@@ -8,7 +8,7 @@
 #include <qutil/SehException.h>
 #include <qutil/SehTranslator.h>
 
-#include "zqx/img/LibraryMessages.h"
+#include "zqx/img/system/LibraryMessages.h"
 #include "zqx/pictures/bytes/Completeness.h"
 #include "zqx/pictures/codecs/Limits.h"
 #include "zqx/pictures/codecs/MetadataMask.h"

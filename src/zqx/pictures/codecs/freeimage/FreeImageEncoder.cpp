@@ -7,7 +7,7 @@
 #include <memory>
 #include <span>
 
-#include "zqx/img/LibraryMessages.h"
+#include "zqx/img/system/LibraryMessages.h"
 #include "zqx/pictures/codecs/freeimage/BitmapConversion.h"
 #include "zqx/pictures/codecs/freeimage/BitmapMetadata.h"
 #include "zqx/pictures/codecs/freeimage/FormatIds.h"

@@ -7,7 +7,7 @@
 #include <limits>
 #include <new>
 
-#include "zqx/img/LibraryMessages.h"
+#include "zqx/img/system/LibraryMessages.h"
 #include "zqx/text/Cleaning.h"
 
 namespace zqx::pictures {
